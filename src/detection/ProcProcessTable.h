@@ -1,0 +1,57 @@
+#pragma once
+
+#include "detection/ProcessSnapshot.h"
+
+#include <QByteArrayView>
+#include <QHash>
+
+#include <chrono>
+#include <functional>
+
+namespace brenvik {
+
+// The fields of /proc/PID/stat the snapshot needs.
+struct ProcStat {
+    qint64 pid = 0;
+    QString comm;
+    char state = '?';
+    qint64 ppid = 0;
+    quint64 utimeTicks = 0;
+    quint64 stimeTicks = 0;
+    quint64 startTimeTicks = 0;
+
+    friend bool operator==(const ProcStat&, const ProcStat&) = default;
+};
+
+// Parses the contents of /proc/PID/stat. The comm field is taken up to the
+// last ")" because a process name may hold spaces and parentheses.
+[[nodiscard]] std::optional<ProcStat> parseProcStat(QByteArrayView contents);
+
+// Reads the process table from /proc. cpuPercent is the use over the interval
+// since this source's previous snapshot, per (PID, start time); cpuTime has
+// tick resolution. Command lines are cached and re-read only when a process is
+// new or its comm changed.
+class ProcProcessTableSource final : public ProcessTableSource {
+public:
+    using SteadyClock = std::function<std::chrono::steady_clock::time_point()>;
+
+    explicit ProcProcessTableSource(QString procRoot = QStringLiteral("/proc"),
+                                    SteadyClock clock = &std::chrono::steady_clock::now);
+
+    [[nodiscard]] QList<ObservedProcess> snapshot() override;
+
+private:
+    struct Known {
+        quint64 startTimeTicks = 0;
+        QString comm;
+        QString command;
+        double cpuTime = 0;
+    };
+
+    QString m_procRoot;
+    SteadyClock m_clock;
+    QHash<qint64, Known> m_known;
+    std::optional<std::chrono::steady_clock::time_point> m_previousAt;
+};
+
+} // namespace brenvik

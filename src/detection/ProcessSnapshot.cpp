@@ -1,0 +1,1 @@
+#include "detection/ProcessSnapshot.h"

@@ -1,0 +1,65 @@
+#pragma once
+
+#include <QList>
+#include <QString>
+#include <QStringView>
+
+#include <exception>
+#include <memory>
+#include <optional>
+
+namespace brenvik {
+
+// One row of the process table.
+struct ObservedProcess {
+    qint64 pid = 0;
+    qint64 ppid = 0;
+    QString state;          // as printed, e.g. "Ss", "R+"; not validated
+    double cpuPercent = 0;  // percent of one core; may exceed 100
+    double cpuTime = 0;     // cumulative seconds
+    QString command;        // full command line, trimmed, never empty
+
+    friend bool operator==(const ObservedProcess&, const ObservedProcess&) = default;
+};
+
+// A snapshot that could not be taken. Launch failures carry the system's own
+// text; a non-zero exit of ps carries the domain "Brenvik.ProcessMonitor".
+class ProcessSnapshotError : public std::exception {
+public:
+    ProcessSnapshotError(QString domain, qint64 code, QString message);
+
+    [[nodiscard]] const QString& domain() const noexcept { return m_domain; }
+    [[nodiscard]] qint64 code() const noexcept { return m_code; }
+    [[nodiscard]] const QString& message() const noexcept { return m_message; }
+    [[nodiscard]] const char* what() const noexcept override { return m_utf8.constData(); }
+
+private:
+    QString m_domain;
+    qint64 m_code;
+    QString m_message;
+    QByteArray m_utf8;
+};
+
+inline const QString kProcessMonitorErrorDomain = QStringLiteral("Brenvik.ProcessMonitor");
+
+// One way of reading the process table. Sources may keep state between
+// snapshots (the /proc source needs the previous one for interval CPU use),
+// so a source is called from one thread at a time.
+class ProcessTableSource {
+public:
+    virtual ~ProcessTableSource() = default;
+    // Throws ProcessSnapshotError.
+    [[nodiscard]] virtual QList<ObservedProcess> snapshot() = 0;
+};
+
+// The platform's default source: /proc where it exists, /bin/ps elsewhere.
+// The only place that chooses.
+[[nodiscard]] std::unique_ptr<ProcessTableSource> makeDefaultProcessTableSource();
+
+// Parses one line of `ps -o pid=,ppid=,state=,%cpu=,time=,command=` output.
+[[nodiscard]] std::optional<ObservedProcess> parseProcessLine(QStringView line);
+
+// Parses the ps time column: S, M:S, H:M:S, each optionally with "D-" in front.
+[[nodiscard]] double parseCPUTime(QStringView text);
+
+} // namespace brenvik

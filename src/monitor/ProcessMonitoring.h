@@ -1,0 +1,140 @@
+#pragma once
+
+#include "detection/ProcessTree.h"
+
+#include <QDateTime>
+#include <QHash>
+#include <QList>
+#include <QObject>
+#include <QString>
+
+#include <chrono>
+#include <functional>
+#include <optional>
+#include <variant>
+
+namespace brenvik {
+
+enum class ProcessActivityStatus { running, idle };
+
+// "running" / "idle".
+[[nodiscard]] QString rawValue(ProcessActivityStatus status);
+// Exactly "running" or "idle" (case-sensitive, untrimmed); anything else: none.
+[[nodiscard]] std::optional<ProcessActivityStatus> processActivityStatus(QStringView rawValue);
+[[nodiscard]] size_t qHash(ProcessActivityStatus status, size_t seed = 0) noexcept;
+
+// One recognised process group as shown, identified by its root PID.
+struct ProcessMatch {
+    qint64 pid = 0;
+    QString command;  // as read: not lower-cased, not shortened
+    ProcessActivityStatus status = ProcessActivityStatus::idle;
+    double instantaneousCPUPercent = 0;
+    double cumulativeCPUTime = 0;
+    qint64 memberCount = 0;
+
+    [[nodiscard]] qint64 id() const noexcept { return pid; }
+    friend bool operator==(const ProcessMatch&, const ProcessMatch&) = default;
+};
+
+// Treats -0.0 and 0.0 alike, as equality does.
+[[nodiscard]] size_t qHash(const ProcessMatch& match, size_t seed = 0) noexcept;
+
+// The overall state every surface shows.
+class CodexRunState {
+public:
+    struct Observed {
+        qint64 total = 0;
+        qint64 running = 0;
+        qint64 idle = 0;
+    };
+    struct Error {
+        QString message;
+    };
+    struct Idle {};
+    using Value = std::variant<Observed, Error, Idle>;
+
+    [[nodiscard]] static CodexRunState observed(qint64 total, qint64 running, qint64 idle);
+    [[nodiscard]] static CodexRunState error(QString message);
+    [[nodiscard]] static CodexRunState idle();
+
+    [[nodiscard]] const Value& value() const noexcept { return m_value; }
+    [[nodiscard]] const Observed* asObserved() const noexcept { return std::get_if<Observed>(&m_value); }
+    [[nodiscard]] const Error* asError() const noexcept { return std::get_if<Error>(&m_value); }
+    [[nodiscard]] bool isIdle() const noexcept { return std::holds_alternative<Idle>(m_value); }
+
+private:
+    explicit CodexRunState(Value value) : m_value(std::move(value)) {}
+    Value m_value;
+};
+
+// The tool tip line: "2 Codex processes running", "Codex process detection failed: …".
+[[nodiscard]] QString detailText(const CodexRunState& state);
+
+// Watches the process table: a refresh at start and every 2 seconds, the scan
+// off the GUI thread, each group judged running or idle against the previous
+// refresh. Published properties follow publish() in Published.h.
+class CodexProcessMonitor : public QObject {
+    Q_OBJECT
+    Q_PROPERTY(QList<brenvik::ProcessMatch> matches READ matches NOTIFY matchesChanged)
+    Q_PROPERTY(std::optional<QDateTime> lastUpdated READ lastUpdated NOTIFY lastUpdatedChanged)
+    Q_PROPERTY(std::optional<QString> lastError READ lastError NOTIFY lastErrorChanged)
+    Q_PROPERTY(bool isRefreshing READ isRefreshing NOTIFY isRefreshingChanged)
+
+public:
+    struct ActivityHistory {
+        double cumulativeCPUTime = 0;
+        std::optional<QDateTime> lastBusyAt;
+    };
+    using HistoryMap = QHash<qint64, ActivityHistory>;
+    struct Classification {
+        QList<ProcessMatch> matches;
+        HistoryMap history;
+    };
+
+    using ScanFunction = std::function<QList<DetectedProcessSample>()>;
+    using WallClock = std::function<QDateTime()>;
+
+    static constexpr std::chrono::milliseconds refreshInterval{2000};
+    static constexpr double busyGracePeriod = 8.0;      // seconds
+    static constexpr double cpuActivityThreshold = 0.4; // percent of one core
+    static constexpr double cpuAdvanceThreshold = 0.02; // seconds of CPU time
+
+    // Scans with scanCodexProcesses() and reads the system clock.
+    explicit CodexProcessMonitor(QObject* parent = nullptr);
+    CodexProcessMonitor(ScanFunction scan, WallClock clock, QObject* parent = nullptr);
+    ~CodexProcessMonitor() override;
+
+    [[nodiscard]] const QList<ProcessMatch>& matches() const noexcept { return m_matches; }
+    [[nodiscard]] const std::optional<QDateTime>& lastUpdated() const noexcept { return m_lastUpdated; }
+    [[nodiscard]] const std::optional<QString>& lastError() const noexcept { return m_lastError; }
+    [[nodiscard]] bool isRefreshing() const noexcept { return m_isRefreshing; }
+    [[nodiscard]] const HistoryMap& historyByPID() const noexcept { return m_historyByPID; }
+
+    // First refresh at once, then one every refreshInterval. Idempotent.
+    void start();
+    // Starts a refresh unless one is in flight; overlapping requests are dropped.
+    void refresh();
+
+    [[nodiscard]] Classification classify(const QList<DetectedProcessSample>& samples,
+                                          const QDateTime& now) const;
+
+    [[nodiscard]] CodexRunState runState() const;
+    [[nodiscard]] QString summary() const;
+
+Q_SIGNALS:
+    void objectWillChange();
+    void matchesChanged(const QList<brenvik::ProcessMatch>& matches);
+    void lastUpdatedChanged(const std::optional<QDateTime>& lastUpdated);
+    void lastErrorChanged(const std::optional<QString>& lastError);
+    void isRefreshingChanged(bool isRefreshing);
+
+private:
+    // Implementation owned by the monitor's .cpp; see there.
+    QList<ProcessMatch> m_matches;
+    std::optional<QDateTime> m_lastUpdated;
+    std::optional<QString> m_lastError;
+    bool m_isRefreshing = false;
+    HistoryMap m_historyByPID;
+};
+
+} // namespace brenvik

@@ -1,0 +1,37 @@
+#!/usr/bin/env bash
+# Installs the Debian/Ubuntu packages that building, testing and running Brenvik
+# need. Quick and silent when everything is present already.
+set -euo pipefail
+
+packages=(
+  # toolchain
+  g++ make cmake ninja-build pkg-config
+  # Qt 6 and the platform plugins (xcb for desktops, offscreen for headless tests)
+  qt6-base-dev qt6-base-dev-tools qt6-qpa-plugins libgl-dev libxcb1-dev
+  # tests and benchmarks
+  libgtest-dev libbenchmark-dev
+  # the process table tool the ps snapshot source runs
+  procps
+  # a font, so offscreen rendering has glyphs to draw
+  fonts-dejavu-core
+  # end-to-end: display server, tray host, window manager, input and pixels, private bus
+  xvfb xauth trayer openbox xdotool x11-utils imagemagick dbus-daemon dbus-bin
+)
+
+missing=()
+for p in "${packages[@]}"; do
+  status=$(dpkg-query -W -f='${Status}' "$p" 2>/dev/null || true)
+  [[ "$status" == "install ok installed" ]] || missing+=("$p")
+done
+[[ ${#missing[@]} -eq 0 ]] && exit 0
+
+echo "Installing missing packages: ${missing[*]}"
+sudo=()
+if [[ $(id -u) -ne 0 ]]; then
+  command -v sudo >/dev/null || { echo "error: need root or sudo to install: ${missing[*]}" >&2; exit 1; }
+  sudo=(sudo)
+fi
+export DEBIAN_FRONTEND=noninteractive
+# A fresh machine's package lists may be stale or empty.
+"${sudo[@]}" apt-get update -qq
+"${sudo[@]}" apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
