@@ -1,0 +1,34 @@
+#include "views/StatusPresentation.h"
+
+namespace brenvik {
+
+namespace {
+template <class... Ts> struct Overloaded : Ts... {
+    using Ts::operator()...;
+};
+} // namespace
+
+StateColor stateColor(const CodexRunState& state) {
+    return std::visit(Overloaded{
+                          [](const CodexRunState::Observed& o) {
+                              return o.running > 0 ? StateColor::yellow : StateColor::green;
+                          },
+                          [](const CodexRunState::Error&) { return StateColor::red; },
+                          [](const CodexRunState::Idle&) { return StateColor::green; },
+                      },
+                      state.value());
+}
+
+QString badgeText(const CodexRunState& state) {
+    return std::visit(Overloaded{
+                          [](const CodexRunState::Observed& o) {
+                              return o.total > 99 ? QStringLiteral("99+")
+                                                  : QString::number(o.total);
+                          },
+                          [](const CodexRunState::Error&) { return QStringLiteral("!"); },
+                          [](const CodexRunState::Idle&) { return QString(); },
+                      },
+                      state.value());
+}
+
+} // namespace brenvik
