@@ -1,1 +1,260 @@
 #include "detection/ProcProcessTable.h"
+
+#include "detection/FileDescriptor.h"
+
+#include <QFile>
+#include <algorithm>
+#include <cerrno>
+#include <charconv>
+#include <dirent.h>
+#include <fcntl.h>
+#include <memory>
+#include <unistd.h>
+
+namespace brenvik {
+
+namespace {
+
+// The fields of one stat line, viewing the buffer it was read into.
+struct StatFields {
+    qint64 pid = 0;
+    QByteArrayView comm;
+    char state = '?';
+    qint64 ppid = 0;
+    quint64 utimeTicks = 0;
+    quint64 stimeTicks = 0;
+    quint64 startTimeTicks = 0;
+};
+
+template <typename Integer> bool parseWhole(QByteArrayView text, Integer& value) {
+    if (text.isEmpty())
+        return false;
+    const char* const end = text.data() + text.size();
+    const auto result = std::from_chars(text.data(), end, value);
+    return result.ec == std::errc() && result.ptr == end;
+}
+
+bool isStatSpace(char c) {
+    return c == ' ' || c == '\n';
+}
+
+std::optional<StatFields> parseStatFields(QByteArrayView contents) {
+    const qsizetype open = contents.indexOf('(');
+    const qsizetype close = contents.lastIndexOf(')');
+    if (open < 0 || close < open)
+        return std::nullopt;
+
+    StatFields fields;
+    if (!parseWhole(contents.first(open).trimmed(), fields.pid))
+        return std::nullopt;
+    fields.comm = contents.sliced(open + 1, close - open - 1);
+
+    // Fields after the name, counted from the state (field 3 of the line).
+    constexpr int kState = 0, kPpid = 1, kUtime = 11, kStime = 12, kStartTime = 19;
+    const QByteArrayView rest = contents.sliced(close + 1);
+    qsizetype at = 0;
+    for (int index = 0; index <= kStartTime; ++index) {
+        while (at < rest.size() && isStatSpace(rest[at]))
+            ++at;
+        const qsizetype begin = at;
+        while (at < rest.size() && !isStatSpace(rest[at]))
+            ++at;
+        const QByteArrayView field = rest.sliced(begin, at - begin);
+        if (field.isEmpty())
+            return std::nullopt;
+        bool ok = true;
+        switch (index) {
+        case kState:
+            ok = field.size() == 1;
+            fields.state = field[0];
+            break;
+        case kPpid:
+            ok = parseWhole(field, fields.ppid);
+            break;
+        case kUtime:
+            ok = parseWhole(field, fields.utimeTicks);
+            break;
+        case kStime:
+            ok = parseWhole(field, fields.stimeTicks);
+            break;
+        case kStartTime:
+            ok = parseWhole(field, fields.startTimeTicks);
+            break;
+        default:
+            break;
+        }
+        if (!ok)
+            return std::nullopt;
+    }
+    return fields;
+}
+
+// Reads a small file below an open directory; -1 when it cannot be read
+// (typically because the process just exited).
+qsizetype readSmallFile(int directory, const char* name, char* buffer, qsizetype size) {
+    const FileDescriptor fd(::openat(directory, name, O_RDONLY | O_CLOEXEC));
+    if (!fd.isValid())
+        return -1;
+    qsizetype length = 0;
+    while (length < size) {
+        const ssize_t n = ::read(fd.get(), buffer + length, size_t(size - length));
+        if (n > 0)
+            length += n;
+        else if (n == 0)
+            break;
+        else if (errno != EINTR)
+            return -1;
+    }
+    return length;
+}
+
+bool isNumericName(const char* name) {
+    if (*name == '\0')
+        return false;
+    for (; *name != '\0'; ++name) {
+        if (*name < '0' || *name > '9')
+            return false;
+    }
+    return true;
+}
+
+struct DirectoryCloser {
+    void operator()(DIR* dir) const { ::closedir(dir); }
+};
+
+} // namespace
+
+std::optional<ProcStat> parseProcStat(QByteArrayView contents) {
+    const auto fields = parseStatFields(contents);
+    if (!fields)
+        return std::nullopt;
+    return ProcStat{.pid = fields->pid,
+                    .comm = QString::fromUtf8(fields->comm),
+                    .state = fields->state,
+                    .ppid = fields->ppid,
+                    .utimeTicks = fields->utimeTicks,
+                    .stimeTicks = fields->stimeTicks,
+                    .startTimeTicks = fields->startTimeTicks};
+}
+
+ProcProcessTableSource::ProcProcessTableSource(QString procRoot, SteadyClock clock)
+    : m_procRoot(std::move(procRoot))
+    , m_clock(std::move(clock)) {
+    if (const long ticks = ::sysconf(_SC_CLK_TCK); ticks > 0)
+        m_ticksPerSecond = double(ticks);
+}
+
+const QString& ProcProcessTableSource::stateText(char state) {
+    QString& text = m_stateTexts[static_cast<unsigned char>(state)];
+    if (text.isEmpty())
+        text = QString(QLatin1Char(state));
+    return text;
+}
+
+std::optional<QString> ProcProcessTableSource::readCommand(int pidDirectory, QByteArrayView comm) {
+    const FileDescriptor fd(::openat(pidDirectory, "cmdline", O_RDONLY | O_CLOEXEC));
+    if (!fd.isValid())
+        return std::nullopt;
+    if (m_cmdlineBuffer.size() < 4096)
+        m_cmdlineBuffer.resize(4096);
+    qsizetype length = 0;
+    for (;;) {
+        if (length == m_cmdlineBuffer.size())
+            m_cmdlineBuffer.resize(m_cmdlineBuffer.size() * 2);
+        const ssize_t n = ::read(fd.get(), m_cmdlineBuffer.data() + length,
+                                 size_t(m_cmdlineBuffer.size() - length));
+        if (n > 0)
+            length += n;
+        else if (n == 0)
+            break;
+        else if (errno != EINTR)
+            return std::nullopt;
+    }
+
+    char* const data = m_cmdlineBuffer.data();
+    while (length > 0 && data[length - 1] == '\0')
+        --length;
+    std::replace(data, data + length, '\0', ' ');
+    QString command = QString::fromUtf8(data, length).trimmed();
+    if (command.isEmpty())
+        command = u'[' + QString::fromUtf8(comm) + u']';
+    return command;
+}
+
+QList<ObservedProcess> ProcProcessTableSource::snapshot() {
+    const auto now = m_clock();
+    const QByteArray rootPath = QFile::encodeName(m_procRoot);
+    FileDescriptor rootFd(::open(rootPath.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (!rootFd.isValid()) {
+        const int error = errno;
+        throw ProcessSnapshotError(
+            QStringLiteral("POSIX"), error,
+            QStringLiteral("Cannot read %1: %2").arg(m_procRoot, qt_error_string(error)));
+    }
+    const std::unique_ptr<DIR, DirectoryCloser> dir(::fdopendir(rootFd.get()));
+    if (!dir) {
+        const int error = errno;
+        throw ProcessSnapshotError(
+            QStringLiteral("POSIX"), error,
+            QStringLiteral("Cannot read %1: %2").arg(m_procRoot, qt_error_string(error)));
+    }
+    (void)rootFd.release(); // the directory stream owns it now
+
+    const double interval =
+        m_previousAt ? std::chrono::duration<double>(now - *m_previousAt).count() : 0.0;
+    m_previousAt = now;
+    const quint64 generation = ++m_generation;
+
+    QList<ObservedProcess> rows;
+    rows.reserve(m_previousCount + 32);
+    char statBuffer[4096];
+    while (const dirent* entry = ::readdir(dir.get())) {
+        if (!isNumericName(entry->d_name))
+            continue;
+        const FileDescriptor pidDir(
+            ::openat(::dirfd(dir.get()), entry->d_name, O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+        if (!pidDir.isValid())
+            continue;
+        const qsizetype statLength =
+            readSmallFile(pidDir.get(), "stat", statBuffer, qsizetype(sizeof statBuffer));
+        if (statLength <= 0)
+            continue;
+        const auto stat = parseStatFields(QByteArrayView(statBuffer, statLength));
+        if (!stat)
+            continue;
+
+        Known& known = m_known[stat->pid];
+        // Seen in the previous snapshot as the same process (a PID may be reused).
+        const bool continuing =
+            known.generation == generation - 1 && known.startTimeTicks == stat->startTimeTicks;
+        if (!continuing || known.comm != stat->comm) {
+            auto command = readCommand(pidDir.get(), stat->comm);
+            if (!command)
+                continue; // vanished mid-read; pruned below unless seen before
+            known.command = std::move(*command);
+            known.comm = stat->comm.toByteArray();
+        }
+        const double cpuTime = double(stat->utimeTicks + stat->stimeTicks) / m_ticksPerSecond;
+        const double cpuPercent = continuing && interval > 0
+                                      ? std::max(0.0, 100.0 * (cpuTime - known.cpuTime) / interval)
+                                      : 0.0;
+        known.startTimeTicks = stat->startTimeTicks;
+        known.cpuTime = cpuTime;
+        known.generation = generation;
+
+        rows.append(ObservedProcess{.pid = stat->pid,
+                                    .ppid = stat->ppid,
+                                    .state = stateText(stat->state),
+                                    .cpuPercent = cpuPercent,
+                                    .cpuTime = cpuTime,
+                                    .command = known.command});
+    }
+
+    m_known.removeIf([generation](const std::pair<const qint64&, Known&>& entry) {
+        return entry.second.generation != generation;
+    });
+    m_previousCount = rows.size();
+    return rows;
+}
+
+} // namespace brenvik

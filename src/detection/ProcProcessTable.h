@@ -2,9 +2,10 @@
 
 #include "detection/ProcessSnapshot.h"
 
+#include <QByteArray>
 #include <QByteArrayView>
 #include <QHash>
-
+#include <array>
 #include <chrono>
 #include <functional>
 
@@ -41,17 +42,27 @@ public:
     [[nodiscard]] QList<ObservedProcess> snapshot() override;
 
 private:
+    // What the previous snapshots taught about one process.
     struct Known {
         quint64 startTimeTicks = 0;
-        QString comm;
+        QByteArray comm; // as read from stat, compared without decoding
         QString command;
         double cpuTime = 0;
+        quint64 generation = 0; // the snapshot that last saw it; 0 = never
     };
+
+    [[nodiscard]] const QString& stateText(char state);
+    [[nodiscard]] std::optional<QString> readCommand(int pidDirectory, QByteArrayView comm);
 
     QString m_procRoot;
     SteadyClock m_clock;
+    double m_ticksPerSecond = 100;
     QHash<qint64, Known> m_known;
     std::optional<std::chrono::steady_clock::time_point> m_previousAt;
+    quint64 m_generation = 0;
+    qsizetype m_previousCount = 0;
+    QByteArray m_cmdlineBuffer;            // reused: cmdline may be long
+    std::array<QString, 256> m_stateTexts; // shared one-letter texts
 };
 
 } // namespace brenvik

@@ -3,7 +3,6 @@
 #include <QList>
 #include <QString>
 #include <QStringView>
-
 #include <exception>
 #include <memory>
 #include <optional>
@@ -14,10 +13,10 @@ namespace brenvik {
 struct ObservedProcess {
     qint64 pid = 0;
     qint64 ppid = 0;
-    QString state;          // as printed, e.g. "Ss", "R+"; not validated
-    double cpuPercent = 0;  // percent of one core; may exceed 100
-    double cpuTime = 0;     // cumulative seconds
-    QString command;        // full command line, trimmed, never empty
+    QString state;         // as printed, e.g. "Ss", "R+"; not validated
+    double cpuPercent = 0; // percent of one core; may exceed 100
+    double cpuTime = 0;    // cumulative seconds
+    QString command;       // full command line, trimmed, never empty
 
     friend bool operator==(const ObservedProcess&, const ObservedProcess&) = default;
 };

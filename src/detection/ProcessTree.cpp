@@ -1,1 +1,143 @@
 #include "detection/ProcessTree.h"
+
+#include "detection/CodexRecognition.h"
+
+#include <QVarLengthArray>
+#include <algorithm>
+#include <mutex>
+#include <utility>
+
+namespace brenvik {
+
+namespace {
+
+using Chain = QVarLengthArray<const ObservedProcess*, 16>;
+
+struct Parent {
+    const ObservedProcess* row = nullptr;
+    QString lowered;
+};
+
+// Climbs from the candidate through the link rule. parentOf(ppid) yields the
+// parent's row and lower-cased command, or nothing when it is not in the
+// table. A PID seen twice in one chain ends it: a corrupt table must not loop.
+template <typename ParentOf>
+Chain climb(const ObservedProcess& candidate, QString lowered, ParentOf parentOf) {
+    Chain chain{&candidate};
+    for (;;) {
+        const std::optional<Parent> parent = parentOf(chain.back()->ppid);
+        if (!parent)
+            break;
+        const qint64 pid = parent->row->pid;
+        if (std::any_of(chain.cbegin(), chain.cend(),
+                        [pid](const ObservedProcess* row) { return row->pid == pid; }))
+            break;
+        if (!isLauncherLink(parent->lowered, lowered))
+            break;
+        chain.append(parent->row);
+        lowered = parent->lowered;
+    }
+    return chain;
+}
+
+void addMember(ActivityAggregate& group, const ObservedProcess& row) {
+    if (group.memberPIDs.contains(row.pid))
+        return;
+    group.memberPIDs.insert(row.pid);
+    group.totalCPUPercent += row.cpuPercent;
+    group.cumulativeCPUTime += row.cpuTime;
+    if (!group.hasHotState)
+        group.hasHotState = isHotState(row.state);
+}
+
+} // namespace
+
+QList<DetectedProcessSample> detectCodexProcesses(const QList<ObservedProcess>& rows) {
+    // One entry per PID, the first row winning; later rows with that PID take
+    // no part at all. Each command is lower-cased once for the whole pass.
+    QHash<qint64, qsizetype> indexByPID;
+    indexByPID.reserve(rows.size());
+    QList<QString> lowered(rows.size());
+    QList<qsizetype> candidates;
+    for (qsizetype i = 0; i < rows.size(); ++i) {
+        if (indexByPID.contains(rows[i].pid))
+            continue;
+        indexByPID.insert(rows[i].pid, i);
+        lowered[i] = lowerCasedCommand(rows[i].command);
+        if (isCandidateCommand(lowered[i]))
+            candidates.append(i);
+    }
+
+    const auto parentOf = [&](qint64 ppid) -> std::optional<Parent> {
+        const auto it = indexByPID.constFind(ppid);
+        if (it == indexByPID.cend())
+            return std::nullopt;
+        return Parent{&rows[*it], lowered[*it]};
+    };
+
+    QHash<qint64, ActivityAggregate> groups;
+    for (const qsizetype i : std::as_const(candidates)) {
+        const Chain chain = climb(rows[i], lowered[i], parentOf);
+        const ObservedProcess& root = *chain.back();
+        auto group = groups.find(root.pid);
+        if (group == groups.end()) {
+            ActivityAggregate fresh;
+            fresh.root = root;
+            group = groups.insert(root.pid, fresh);
+        }
+        for (const ObservedProcess* row : chain)
+            addMember(*group, *row);
+    }
+
+    QList<DetectedProcessSample> samples;
+    samples.reserve(groups.size());
+    for (const ActivityAggregate& group : std::as_const(groups)) {
+        samples.append(DetectedProcessSample{.pid = group.root.pid,
+                                             .command = group.root.command,
+                                             .totalCPUPercent = group.totalCPUPercent,
+                                             .cumulativeCPUTime = group.cumulativeCPUTime,
+                                             .hasHotState = group.hasHotState,
+                                             .memberCount = group.memberPIDs.size()});
+    }
+    std::sort(samples.begin(), samples.end(),
+              [](const auto& a, const auto& b) { return a.pid < b.pid; });
+    return samples;
+}
+
+QList<ObservedProcess> launcherChain(const ObservedProcess& candidate,
+                                     const QHash<qint64, ObservedProcess>& processesByPID) {
+    const auto parentOf = [&](qint64 ppid) -> std::optional<Parent> {
+        const auto it = processesByPID.constFind(ppid);
+        if (it == processesByPID.cend())
+            return std::nullopt;
+        return Parent{&*it, lowerCasedCommand(it->command)};
+    };
+    QList<ObservedProcess> result;
+    for (const ObservedProcess* row :
+         climb(candidate, lowerCasedCommand(candidate.command), parentOf))
+        result.append(*row);
+    return result;
+}
+
+bool isHotState(QStringView state) {
+    const QString upper = state.trimmed().toString().toUpper();
+    if (upper.isEmpty())
+        return false;
+    const QChar first = upper.front();
+    return first == u'R' || first == u'U' || first == u'D';
+}
+
+QList<DetectedProcessSample> scanCodexProcesses() {
+    // One source for the life of the process: the /proc source measures CPU
+    // use against its previous snapshot.
+    static std::mutex mutex;
+    static const std::unique_ptr<ProcessTableSource> source = makeDefaultProcessTableSource();
+    const std::scoped_lock lock(mutex);
+    return scanCodexProcesses(*source);
+}
+
+QList<DetectedProcessSample> scanCodexProcesses(ProcessTableSource& source) {
+    return detectCodexProcesses(source.snapshot());
+}
+
+} // namespace brenvik
