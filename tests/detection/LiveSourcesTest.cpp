@@ -1,0 +1,107 @@
+#include "detection/ProcProcessTable.h"
+#include "detection/PsProcessTable.h"
+
+#include <QHash>
+#include <chrono>
+#include <cmath>
+#include <gtest/gtest.h>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <thread>
+#include <unistd.h>
+
+extern char** environ;
+
+namespace brenvik {
+namespace {
+
+using namespace std::chrono_literals;
+
+// A child process killed and reaped when the test leaves, also on failure.
+class Child {
+public:
+    explicit Child(std::vector<const char*> argv) {
+        argv.push_back(nullptr);
+        const int error = ::posix_spawnp(&m_pid, argv[0], nullptr, nullptr,
+                                         const_cast<char* const*>(argv.data()), environ);
+        if (error != 0)
+            m_pid = -1;
+    }
+    Child(const Child&) = delete;
+    Child& operator=(const Child&) = delete;
+    ~Child() {
+        if (m_pid > 0) {
+            ::kill(m_pid, SIGKILL);
+            ::waitpid(m_pid, nullptr, 0);
+        }
+    }
+    [[nodiscard]] qint64 pid() const { return m_pid; }
+
+private:
+    pid_t m_pid = -1;
+};
+
+QHash<qint64, ObservedProcess> byPID(const QList<ObservedProcess>& rows) {
+    QHash<qint64, ObservedProcess> map;
+    for (const auto& row : rows)
+        map.insert(row.pid, row);
+    return map;
+}
+
+// Waits (bounded) until the child has exec'd, so both sources see the final command.
+void waitForCommand(ProcProcessTableSource& source, qint64 pid, const QString& command) {
+    const auto deadline = std::chrono::steady_clock::now() + 15s;
+    while (std::chrono::steady_clock::now() < deadline) {
+        const auto rows = byPID(source.snapshot());
+        if (rows.value(pid).command == command)
+            return;
+        std::this_thread::sleep_for(10ms);
+    }
+    FAIL() << "child " << pid << " never showed " << command.toStdString();
+}
+
+TEST(LiveSources, ProcAgreesWithPsAndMeasuresIntervals) {
+    const Child sleeper({"sleep", "600"});
+    const Child burner({"sh", "-c", "while :; do :; done"});
+    ASSERT_GT(sleeper.pid(), 0);
+    ASSERT_GT(burner.pid(), 0);
+
+    ProcProcessTableSource proc;
+    waitForCommand(proc, sleeper.pid(), QStringLiteral("sleep 600"));
+    waitForCommand(proc, burner.pid(), QStringLiteral("sh -c while :; do :; done"));
+
+    const auto firstAt = std::chrono::steady_clock::now();
+    const auto before = byPID(proc.snapshot());
+    const auto ps = readProcessTable();
+    std::this_thread::sleep_until(firstAt + 1s); // the measurement interval
+    const auto after = byPID(proc.snapshot());
+
+    EXPECT_GT(after.value(burner.pid()).cpuPercent, 50);
+    EXPECT_LT(after.value(sleeper.pid()).cpuPercent, 1);
+
+    int compared = 0;
+    int sameState = 0;
+    for (const auto& p : ps) {
+        // Only processes that stayed the same across both /proc reads.
+        if (!before.contains(p.pid) || !after.contains(p.pid))
+            continue;
+        const auto& b = before[p.pid];
+        if (b.command != after[p.pid].command || b.ppid != after[p.pid].ppid || b.state == u"Z" ||
+            p.state == u"Z")
+            continue;
+        ++compared;
+        const std::string name = std::to_string(p.pid) + " " + p.command.toStdString();
+        EXPECT_EQ(b.ppid, p.ppid) << name;
+        EXPECT_EQ(b.command, p.command) << name;
+        EXPECT_LT(std::abs(b.cpuTime - p.cpuTime), 1.0) << name;
+        sameState += b.state == p.state ? 1 : 0;
+        if (p.pid == sleeper.pid()) {
+            EXPECT_EQ(b.state, p.state) << name;
+        }
+    }
+    EXPECT_GT(compared, 3);
+    EXPECT_GE(sameState, 0.9 * compared);
+}
+
+} // namespace
+} // namespace brenvik

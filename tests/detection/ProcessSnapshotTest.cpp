@@ -1,0 +1,83 @@
+#include "detection/ProcessSnapshot.h"
+
+#include <cmath>
+#include <gtest/gtest.h>
+#include <limits>
+
+namespace brenvik {
+namespace {
+
+ObservedProcess row(qint64 pid, qint64 ppid, const char16_t* state, double cpu, double time,
+                    const char16_t* command) {
+    return {pid, ppid, QString::fromUtf16(state), cpu, time, QString::fromUtf16(command)};
+}
+
+struct LineCase {
+    const char* name;
+    const char16_t* line;
+    std::optional<ObservedProcess> expected;
+};
+
+const LineCase kLineCases[] = {
+    {"columns and inner white space kept",
+     u"  501   1 Ss     0.0   0:01.23 /usr/local/bin/codex  exec --help  ",
+     row(501, 1, u"Ss", 0.0, 1.23, u"/usr/local/bin/codex  exec --help")},
+    {"tabs and Unicode spaces separate, NBSP trimmed", u"7\t\u3000 3 R+\u20031.5 1:00 a\tb\u00a0",
+     row(7, 3, u"R+", 1.5, 60, u"a\tb")},
+    {"five columns", u"501 1 Ss 0.0 0:01.23", std::nullopt},
+    {"five columns and trailing blanks", u"501 1 Ss 0.0 0:01.23   ", std::nullopt},
+    {"blank line", u" \t ", std::nullopt},
+    {"pid not an integer", u"abc 1 S 0.0 0:00.00 x", std::nullopt},
+    {"ppid not an integer", u"1 1.0 S 0.0 0:00.00 x", std::nullopt},
+    {"pid with a trailing letter", u"12a 1 S 0.0 0:00.00 x", std::nullopt},
+    {"pid with two signs", u"+-12 1 S 0.0 0:00.00 x", std::nullopt},
+    {"lone sign", u"- 1 S 0.0 0:00.00 x", std::nullopt},
+    {"non-ASCII digits", u"\u0661\u0662 1 S 0.0 0:00.00 x", std::nullopt},
+    {"pid beyond 64 bits", u"9223372036854775808 1 S 0.0 0:00.00 x", std::nullopt},
+    {"ppid below 64 bits", u"1 -9223372036854775809 S 0.0 0:00.00 x", std::nullopt},
+    {"signed extremes", u"+9223372036854775807 -9223372036854775808 S 0.0 0 x",
+     row(std::numeric_limits<qint64>::max(), std::numeric_limits<qint64>::min(), u"S", 0, 0, u"x")},
+    {"cpu not a number", u"12 1 S n/a 0:00.00 x", row(12, 1, u"S", 0, 0, u"x")},
+    {"cpu with decimal comma", u"12 1 S 0,5 0:00.00 x", row(12, 1, u"S", 0, 0, u"x")},
+    {"cpu with exponent and sign", u"12 1 S +1e2 0:00.00 x", row(12, 1, u"S", 100, 0, u"x")},
+    {"cpu with trailing junk", u"12 1 S 5% 0:00.00 x", row(12, 1, u"S", 0, 0, u"x")},
+    {"state taken unchanged", u"12 1 ?<sl 0 0 x", row(12, 1, u"?<sl", 0, 0, u"x")},
+};
+
+TEST(ProcessLineParsing, Cases) {
+    for (const auto& c : kLineCases)
+        EXPECT_EQ(parseProcessLine(QString::fromUtf16(c.line)), c.expected) << c.name;
+}
+
+struct TimeCase {
+    const char* name;
+    const char16_t* text;
+    double seconds;
+};
+
+const TimeCase kTimeCases[] = {
+    {"M:S with decimals", u"0:00.52", 0.52},
+    {"longer M:S", u"12:34.56", 754.56},
+    {"H:M:S", u"1:02:03", 3723},
+    {"D-H:M:S", u"1-02:03:04", 93784},
+    {"D-M:S", u"3-00:00", 259200},
+    {"S", u"7", 7},
+    {"trimmed", u" \t7\n", 7},
+    {"unparsable piece counts 0", u"x:10", 10},
+    {"empty day count", u"-5", 5},
+    {"only the last three fields", u"1:2:3:4", 7384},
+    {"decimal day count", u"0.5-0", 43200},
+    {"nothing after the day", u"4-", 345600},
+    {"nothing but a colon", u":", 0},
+    {"empty", u"", 0},
+    {"empty pieces dropped", u"1::30", 90},
+    {"decimal comma is not a number", u"1:2,5", 60},
+};
+
+TEST(CPUTimeParsing, ClockForms) {
+    for (const auto& c : kTimeCases)
+        EXPECT_DOUBLE_EQ(parseCPUTime(QString::fromUtf16(c.text)), c.seconds) << c.name;
+}
+
+} // namespace
+} // namespace brenvik
