@@ -1,8 +1,11 @@
 #pragma once
 
-#include <QObject>
-#include <QString>
+#include "app/ActivationPolicy.h"
 
+#include <QObject>
+#include <QSettings>
+#include <QString>
+#include <memory>
 #include <optional>
 
 namespace brenvik {
@@ -16,7 +19,18 @@ class AppVisibilityController : public QObject {
 
 public:
     // Reads the stored preference (true when absent or unreadable); applies nothing.
+    // Uses the native settings of "Brenvik"/"Brenvik" and the taskbar policy.
     explicit AppVisibilityController(QObject* parent = nullptr);
+    // For tests: another policy, and an INI file instead of the native settings
+    // when settingsFile is not empty. The policy must outlive the controller.
+    AppVisibilityController(ActivationPolicy& policy, const QString& settingsFile,
+                            QObject* parent = nullptr);
+    ~AppVisibilityController() override;
+
+    static constexpr QStringView kSettingsKey = u"showDockIcon";
+    static constexpr QStringView kRefusalMessage =
+        u"The desktop rejected the Dock visibility change right now. Try toggling it again "
+        u"after the app is fully running.";
 
     [[nodiscard]] bool showDockIcon() const noexcept { return m_showDockIcon; }
     // Publishes, stores and applies (activate and report failure), every time.
@@ -31,6 +45,12 @@ Q_SIGNALS:
     void lastErrorChanged(const std::optional<QString>& lastError);
 
 private:
+    void storePreference();
+
+    std::unique_ptr<TaskbarActivationPolicy> m_ownPolicy;
+    ActivationPolicy* m_policy = nullptr;
+    std::unique_ptr<QSettings> m_settings;
+    bool m_storeFailed = false;
     bool m_showDockIcon = true;
     std::optional<QString> m_lastError;
 };

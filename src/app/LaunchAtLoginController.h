@@ -1,10 +1,10 @@
 #pragma once
 
+#include "app/AutostartEntry.h"
 #include "app/LaunchAtLoginStatus.h"
 
 #include <QObject>
 #include <QString>
-
 #include <optional>
 
 namespace brenvik {
@@ -17,8 +17,10 @@ class LaunchAtLoginController : public QObject {
     Q_PROPERTY(std::optional<QString> lastError READ lastError NOTIFY lastErrorChanged)
 
 public:
-    // Reads the current status at once.
+    // Reads the current status at once. The default entry is this program's
+    // in $XDG_CONFIG_HOME/autostart; tests pass their own.
     explicit LaunchAtLoginController(QObject* parent = nullptr);
+    explicit LaunchAtLoginController(AutostartEntry entry, QObject* parent = nullptr);
 
     [[nodiscard]] LaunchAtLoginStatus status() const noexcept { return m_status; }
     void setStatus(LaunchAtLoginStatus status);
@@ -31,12 +33,15 @@ public:
     // then the status re-read from disk.
     void setEnabled(bool enabled);
 
+    [[nodiscard]] const AutostartEntry& entry() const noexcept { return m_entry; }
+
 Q_SIGNALS:
     void objectWillChange();
     void statusChanged(brenvik::LaunchAtLoginStatus status);
     void lastErrorChanged(const std::optional<QString>& lastError);
 
 private:
+    AutostartEntry m_entry;
     LaunchAtLoginStatus m_status = LaunchAtLoginStatus::notRegistered;
     std::optional<QString> m_lastError;
 };

@@ -1,0 +1,7 @@
+# The preference controllers: autostart entry, login status, Dock visibility.
+brenvik_add_gtest(brenvik_preferences_tests
+  SOURCES
+    ${CMAKE_CURRENT_LIST_DIR}/AppVisibilityControllerTest.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/AutostartEntryTest.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/LaunchAtLoginControllerTest.cpp
+  LIBS brenvik_preferences Qt6::Test)
