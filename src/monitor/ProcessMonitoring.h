@@ -3,11 +3,13 @@
 #include "detection/ProcessTree.h"
 
 #include <QDateTime>
+#include <QFutureWatcher>
 #include <QHash>
 #include <QList>
 #include <QObject>
 #include <QString>
-
+#include <QThreadPool>
+#include <QTimer>
 #include <chrono>
 #include <functional>
 #include <optional>
@@ -26,7 +28,7 @@ enum class ProcessActivityStatus { running, idle };
 // One recognised process group as shown, identified by its root PID.
 struct ProcessMatch {
     qint64 pid = 0;
-    QString command;  // as read: not lower-cased, not shortened
+    QString command; // as read: not lower-cased, not shortened
     ProcessActivityStatus status = ProcessActivityStatus::idle;
     double instantaneousCPUPercent = 0;
     double cumulativeCPUTime = 0;
@@ -58,12 +60,15 @@ public:
     [[nodiscard]] static CodexRunState idle();
 
     [[nodiscard]] const Value& value() const noexcept { return m_value; }
-    [[nodiscard]] const Observed* asObserved() const noexcept { return std::get_if<Observed>(&m_value); }
+    [[nodiscard]] const Observed* asObserved() const noexcept {
+        return std::get_if<Observed>(&m_value);
+    }
     [[nodiscard]] const Error* asError() const noexcept { return std::get_if<Error>(&m_value); }
     [[nodiscard]] bool isIdle() const noexcept { return std::holds_alternative<Idle>(m_value); }
 
 private:
-    explicit CodexRunState(Value value) : m_value(std::move(value)) {}
+    explicit CodexRunState(Value value)
+        : m_value(std::move(value)) {}
     Value m_value;
 };
 
@@ -105,7 +110,9 @@ public:
     ~CodexProcessMonitor() override;
 
     [[nodiscard]] const QList<ProcessMatch>& matches() const noexcept { return m_matches; }
-    [[nodiscard]] const std::optional<QDateTime>& lastUpdated() const noexcept { return m_lastUpdated; }
+    [[nodiscard]] const std::optional<QDateTime>& lastUpdated() const noexcept {
+        return m_lastUpdated;
+    }
     [[nodiscard]] const std::optional<QString>& lastError() const noexcept { return m_lastError; }
     [[nodiscard]] bool isRefreshing() const noexcept { return m_isRefreshing; }
     [[nodiscard]] const HistoryMap& historyByPID() const noexcept { return m_historyByPID; }
@@ -121,6 +128,12 @@ public:
     [[nodiscard]] CodexRunState runState() const;
     [[nodiscard]] QString summary() const;
 
+    // Test hooks. What one wake-up of the loop does, without waiting for it.
+    void wakeUpForTesting() { onLoopWakeUp(); }
+    // Abandons the wait for the scan in flight (the scan itself runs to its
+    // end); the refresh then ends as a cancelled one.
+    void cancelRefreshForTesting();
+
 Q_SIGNALS:
     void objectWillChange();
     void matchesChanged(const QList<brenvik::ProcessMatch>& matches);
@@ -128,13 +141,32 @@ Q_SIGNALS:
     void lastErrorChanged(const std::optional<QString>& lastError);
     void isRefreshingChanged(bool isRefreshing);
 
+private Q_SLOTS:
+    void onLoopWakeUp();
+    void onScanFinished();
+
 private:
-    // Implementation owned by the monitor's .cpp; see there.
+    // What the worker hands back: the samples, or the text of the failure.
+    struct ScanOutcome {
+        QList<DetectedProcessSample> samples;
+        std::optional<QString> error;
+    };
+
+    [[nodiscard]] static ScanOutcome runScan(const ScanFunction& scan) noexcept;
+    void finishRefresh();
+
     QList<ProcessMatch> m_matches;
     std::optional<QDateTime> m_lastUpdated;
     std::optional<QString> m_lastError;
     bool m_isRefreshing = false;
     HistoryMap m_historyByPID;
+
+    ScanFunction m_scan;
+    WallClock m_clock;
+    bool m_refreshInFlight = false; // set and cleared alongside isRefreshing
+    QTimer m_loop;                  // active once start() ran
+    QThreadPool m_scanPool;         // one low-priority worker: one scan at a time
+    QFutureWatcher<ScanOutcome> m_scanWatcher;
 };
 
 } // namespace brenvik

@@ -1,0 +1,1 @@
+# tests for brenvik-status (src/app/status.cmake)

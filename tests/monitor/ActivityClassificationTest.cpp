@@ -1,0 +1,153 @@
+// Running or idle: the three busy tests, the grace period, and the per-PID
+// memory that links one refresh to the next.
+#include "MonitorTestSupport.h"
+
+#include <gtest/gtest.h>
+
+namespace brenvik::test {
+namespace {
+
+constexpr auto running = ProcessActivityStatus::running;
+constexpr auto idle = ProcessActivityStatus::idle;
+
+struct Expected {
+    qint64 pid;
+    ProcessActivityStatus status;
+    std::optional<qint64> lastBusyAtMs; // in the new history
+};
+
+// One successful refresh: what the scan returns, when, and the verdicts.
+struct Step {
+    qint64 atMs;
+    QList<DetectedProcessSample> samples;
+    QList<Expected> expected; // in the order of the matches
+};
+
+struct ClassificationCase {
+    const char* name;
+    QList<Step> steps;
+};
+
+const double base = 100.0; // a group's CPU seconds at first sight
+
+const ClassificationCase kCases[] = {
+    {"new quiet group with much CPU time is idle",
+     {{0, {sample(1, 0.0, 5000.0)}, {{1, idle, std::nullopt}}}}},
+    {"hot state alone is busy, also at first sight",
+     {{0, {sample(1, 0.0, 0.0, true)}, {{1, running, 0}}}}},
+    {"CPU percent exactly at the threshold is busy",
+     {{0, {sample(1, 0.4, base)}, {{1, running, 0}}}}},
+    {"CPU percent just below the threshold is not",
+     {{0, {sample(1, 0.39, base)}, {{1, idle, std::nullopt}}}}},
+    {"CPU percent far above one core is busy", {{0, {sample(1, 350.0, base)}, {{1, running, 0}}}}},
+    {"CPU time grown by 0.05 s is busy",
+     {{0, {sample(1, 0.0, base)}, {{1, idle, std::nullopt}}},
+      {2000, {sample(1, 0.0, base + 0.05)}, {{1, running, 2000}}}}},
+    {"CPU time grown by 0.01 s is not",
+     {{0, {sample(1, 0.0, base)}, {{1, idle, std::nullopt}}},
+      {2000, {sample(1, 0.0, base + 0.01)}, {{1, idle, std::nullopt}}}}},
+    {"CPU time grown by exactly the threshold is not",
+     {{0, {sample(1, 0.0, base)}, {{1, idle, std::nullopt}}},
+      {2000,
+       {sample(1, 0.0, base + CodexProcessMonitor::cpuAdvanceThreshold)},
+       {{1, idle, std::nullopt}}}}},
+    {"CPU time that shrank (a member left) is not busy",
+     {{0, {sample(1, 0.0, base)}, {{1, idle, std::nullopt}}},
+      {2000, {sample(1, 0.0, base - 10.0)}, {{1, idle, std::nullopt}}}}},
+    {"grace counts from the last busy refresh, exactly 8.0 s still running",
+     {{0, {sample(1, 5.0, base)}, {{1, running, 0}}},
+      {2000, {sample(1, 0.0, base)}, {{1, running, 0}}},
+      {4000, {sample(1, 0.0, base)}, {{1, running, 0}}},
+      {8000, {sample(1, 0.0, base)}, {{1, running, 0}}},
+      {10000, {sample(1, 0.0, base)}, {{1, idle, 0}}}}},
+    {"8.001 s after the last busy refresh is idle",
+     {{0, {sample(1, 5.0, base)}, {{1, running, 0}}},
+      {8001, {sample(1, 0.0, base)}, {{1, idle, 0}}}}},
+    {"busy again restarts the grace period",
+     {{0, {sample(1, 5.0, base)}, {{1, running, 0}}},
+      {6000, {sample(1, 0.0, base + 1.0)}, {{1, running, 6000}}},
+      {14000, {sample(1, 0.0, base + 1.0)}, {{1, running, 6000}}},
+      {14001, {sample(1, 0.0, base + 1.0)}, {{1, idle, 6000}}}}},
+    {"clock set back: a last busy time ahead of now is within grace",
+     {{20000, {sample(1, 5.0, base)}, {{1, running, 20000}}},
+      {0, {sample(1, 0.0, base)}, {{1, running, 20000}}},
+      {28000, {sample(1, 0.0, base)}, {{1, running, 20000}}},
+      {28001, {sample(1, 0.0, base)}, {{1, idle, 20000}}}}},
+    {"a group missing for one refresh returns as new: no CPU-time test, no grace",
+     {{0, {sample(1, 5.0, base, true)}, {{1, running, 0}}},
+      {2000, {sample(2, 0.0, base)}, {{2, idle, std::nullopt}}},
+      {4000, {sample(1, 0.0, base + 50.0)}, {{1, idle, std::nullopt}}}}},
+    {"a reused PID inherits the record of the process before it",
+     {{0, {sample(1, 5.0, base, false, QStringLiteral("codex exec old"))}, {{1, running, 0}}},
+      {2000,
+       {sample(1, 0.0, 0.0, false, QStringLiteral("/usr/bin/codex new"))},
+       {{1, running, 0}}}}},
+    {"groups are judged independently and keep the samples' order",
+     {{0, {sample(9, 0.0, base), sample(3, 1.0, base)}, {{9, idle, std::nullopt}, {3, running, 0}}},
+      {2000,
+       {sample(9, 0.0, base + 0.5), sample(3, 0.0, base)},
+       {{9, running, 2000}, {3, running, 0}}}}},
+    {"no samples leave no matches and no history",
+     {{0, {sample(1, 5.0, base), sample(2, 0.0, base)}, {{1, running, 0}, {2, idle, std::nullopt}}},
+      {2000, {}, {}}}},
+};
+
+TEST(ActivityClassification, VerdictsAcrossRefreshes) {
+    for (const ClassificationCase& testCase : kCases) {
+        SCOPED_TRACE(testCase.name);
+        ScriptedScan scan;
+        ManualClock clock;
+        CodexProcessMonitor monitor(scan.function(), clock.function());
+        for (const Step& step : testCase.steps) {
+            SCOPED_TRACE(::testing::Message() << "refresh at " << step.atMs << " ms");
+            scan.returns(step.samples);
+            ASSERT_TRUE(refreshAt(monitor, clock, step.atMs));
+
+            ASSERT_EQ(monitor.matches().size(), step.expected.size());
+            ASSERT_EQ(monitor.historyByPID().size(), step.expected.size());
+            for (qsizetype i = 0; i < step.expected.size(); ++i) {
+                const Expected& expected = step.expected[i];
+                const ProcessMatch& match = monitor.matches()[i];
+                EXPECT_EQ(match.pid, expected.pid);
+                EXPECT_EQ(rawValue(match.status), rawValue(expected.status)) << "pid " << match.pid;
+                ASSERT_TRUE(monitor.historyByPID().contains(expected.pid));
+                const auto& record = monitor.historyByPID()[expected.pid];
+                EXPECT_EQ(record.cumulativeCPUTime, step.samples[i].cumulativeCPUTime);
+                if (expected.lastBusyAtMs)
+                    EXPECT_EQ(record.lastBusyAt, at(*expected.lastBusyAtMs)) << "pid " << match.pid;
+                else
+                    EXPECT_FALSE(record.lastBusyAt.has_value()) << "pid " << match.pid;
+            }
+        }
+    }
+}
+
+TEST(ActivityClassification, MatchCarriesTheSampleFigures) {
+    ScriptedScan scan;
+    ManualClock clock;
+    CodexProcessMonitor monitor(scan.function(), clock.function());
+    scan.returns(
+        {sample(4'000'000'000, 12.5, 61.25, false, QStringLiteral("Node /x/CODEX --Flag"), 3)});
+    ASSERT_TRUE(refreshAt(monitor, clock, 0));
+    const QList<ProcessMatch> expected = {
+        {4'000'000'000, QStringLiteral("Node /x/CODEX --Flag"), running, 12.5, 61.25, 3}};
+    EXPECT_EQ(monitor.matches(), expected);
+}
+
+TEST(ActivityClassification, ClassifyReadsTheHistoryButLeavesIt) {
+    ScriptedScan scan;
+    ManualClock clock;
+    CodexProcessMonitor monitor(scan.function(), clock.function());
+    scan.returns({sample(1, 0.0, base)});
+    ASSERT_TRUE(refreshAt(monitor, clock, 0));
+
+    const auto result = monitor.classify({sample(1, 0.0, base + 1.0)}, at(2000));
+    ASSERT_EQ(result.matches.size(), 1);
+    EXPECT_EQ(result.matches[0].status, running);
+    EXPECT_EQ(result.history[1].lastBusyAt, at(2000));
+    EXPECT_FALSE(monitor.historyByPID()[1].lastBusyAt.has_value());
+    EXPECT_EQ(monitor.historyByPID()[1].cumulativeCPUTime, base);
+}
+
+} // namespace
+} // namespace brenvik::test

@@ -1,0 +1,106 @@
+#pragma once
+
+#include "monitor/ProcessMonitoring.h"
+
+#include <QDateTime>
+#include <QTest>
+#include <condition_variable>
+#include <functional>
+#include <mutex>
+#include <stdexcept>
+
+namespace brenvik::test {
+
+// A fixed point in time, and offsets from it in milliseconds.
+inline QDateTime at(qint64 ms) {
+    static const QDateTime base = QDateTime::fromMSecsSinceEpoch(1'700'000'000'000, Qt::UTC);
+    return base.addMSecs(ms);
+}
+
+inline DetectedProcessSample sample(qint64 pid, double cpuPercent, double cpuTime, bool hot = false,
+                                    QString command = QStringLiteral("codex"),
+                                    qint64 memberCount = 1) {
+    return DetectedProcessSample{pid, std::move(command), cpuPercent, cpuTime, hot, memberCount};
+}
+
+// A wall clock the test sets by hand; read on the GUI thread only.
+class ManualClock {
+public:
+    void set(qint64 ms) { m_now = at(ms); }
+    [[nodiscard]] CodexProcessMonitor::WallClock function() {
+        return [this] { return m_now; };
+    }
+
+private:
+    QDateTime m_now = at(0);
+};
+
+// A scan whose result the test scripts, that counts its calls and that can be
+// held at a latch until the test releases it. Called on the worker thread.
+// Declare it before the monitor: the monitor waits for its scan when destroyed.
+class ScriptedScan {
+public:
+    using Behaviour = std::function<QList<DetectedProcessSample>()>;
+
+    void returns(QList<DetectedProcessSample> samples) {
+        setBehaviour([samples] { return samples; });
+    }
+    void fails(QString message) {
+        setBehaviour([message]() -> QList<DetectedProcessSample> {
+            throw ProcessSnapshotError(kProcessMonitorErrorDomain, 1, message);
+        });
+    }
+    void setBehaviour(Behaviour behaviour) {
+        std::lock_guard lock(m_mutex);
+        m_behaviour = std::move(behaviour);
+    }
+    void hold() {
+        std::lock_guard lock(m_mutex);
+        m_held = true;
+    }
+    void release() {
+        {
+            std::lock_guard lock(m_mutex);
+            m_held = false;
+        }
+        m_changed.notify_all();
+    }
+    [[nodiscard]] int started() const {
+        std::lock_guard lock(m_mutex);
+        return m_started;
+    }
+
+    [[nodiscard]] CodexProcessMonitor::ScanFunction function() {
+        return [this] {
+            Behaviour behaviour;
+            {
+                std::unique_lock lock(m_mutex);
+                ++m_started;
+                m_changed.wait(lock, [this] { return !m_held; });
+                behaviour = m_behaviour;
+            }
+            return behaviour();
+        };
+    }
+
+private:
+    mutable std::mutex m_mutex;
+    std::condition_variable m_changed;
+    Behaviour m_behaviour = [] { return QList<DetectedProcessSample>(); };
+    bool m_held = false;
+    int m_started = 0;
+};
+
+// Waits for the refresh in flight to end, with a generous bound.
+[[nodiscard]] inline bool waitForRefreshToEnd(const CodexProcessMonitor& monitor) {
+    return QTest::qWaitFor([&] { return !monitor.isRefreshing(); }, 20000);
+}
+
+// Scans once with the given result at the given time and waits for the end.
+[[nodiscard]] inline bool refreshAt(CodexProcessMonitor& monitor, ManualClock& clock, qint64 ms) {
+    clock.set(ms);
+    monitor.refresh();
+    return waitForRefreshToEnd(monitor);
+}
+
+} // namespace brenvik::test

@@ -1,0 +1,354 @@
+// The refresh loop and the published state: the order of the notices, one
+// scan at a time, failures that keep the loop going.
+#include "MonitorTestSupport.h"
+
+#include <QSignalSpy>
+#include <gtest/gtest.h>
+#include <memory>
+#include <stdexcept>
+#include <thread>
+
+namespace brenvik::test {
+namespace {
+
+QString describe(const QList<ProcessMatch>& matches) {
+    QStringList pids;
+    for (const ProcessMatch& match : matches)
+        pids << QString::number(match.pid);
+    return u'[' + pids.join(u',') + u']';
+}
+
+QString describe(const std::optional<QString>& text) {
+    return text ? u'"' + *text + u'"' : QStringLiteral("none");
+}
+
+QString describe(const std::optional<QDateTime>& time) {
+    return time ? QString::number(at(0).msecsTo(*time)) : QStringLiteral("none");
+}
+
+QString describe(bool flag) {
+    return flag ? QStringLiteral("true") : QStringLiteral("false");
+}
+
+// Writes down every notice as "property: value at emission -> new value".
+class NoticeRecorder {
+public:
+    explicit NoticeRecorder(CodexProcessMonitor& monitor) {
+        const auto* m = &monitor;
+        QObject::connect(m, &CodexProcessMonitor::objectWillChange, &m_context,
+                         [this] { notices << QStringLiteral("will change"); });
+        QObject::connect(m, &CodexProcessMonitor::matchesChanged, &m_context,
+                         [this, m](const QList<ProcessMatch>& next) {
+                             notices << u"matches: " + describe(m->matches()) + u" -> " +
+                                            describe(next);
+                         });
+        QObject::connect(m, &CodexProcessMonitor::lastErrorChanged, &m_context,
+                         [this, m](const std::optional<QString>& next) {
+                             notices << u"lastError: " + describe(m->lastError()) + u" -> " +
+                                            describe(next);
+                         });
+        QObject::connect(m, &CodexProcessMonitor::isRefreshingChanged, &m_context,
+                         [this, m](bool next) {
+                             notices << u"isRefreshing: " + describe(m->isRefreshing()) + u" -> " +
+                                            describe(next);
+                         });
+        QObject::connect(m, &CodexProcessMonitor::lastUpdatedChanged, &m_context,
+                         [this, m](const std::optional<QDateTime>& next) {
+                             notices << u"lastUpdated: " + describe(m->lastUpdated()) + u" -> " +
+                                            describe(next);
+                         });
+    }
+
+    QStringList notices;
+
+private:
+    QObject m_context;
+};
+
+enum class Outcome { success, failure, cancellation };
+
+struct OrderCase {
+    const char* name;
+    std::optional<Outcome> before; // a refresh that ended at 1000 ms
+    Outcome outcome;               // the recorded refresh, ending at 3000 ms
+    QStringList expected;
+};
+
+const QString will = QStringLiteral("will change");
+
+const OrderCase kOrderCases[] = {
+    {"success after a failure",
+     Outcome::failure,
+     Outcome::success,
+     {will, QStringLiteral("isRefreshing: false -> true"), will,
+      QStringLiteral("matches: [] -> [7]"), will, QStringLiteral("lastError: \"boom\" -> none"),
+      will, QStringLiteral("isRefreshing: true -> false"), will,
+      QStringLiteral("lastUpdated: 1000 -> 3000")}},
+    {"first success also publishes the absent error",
+     std::nullopt,
+     Outcome::success,
+     {will, QStringLiteral("isRefreshing: false -> true"), will,
+      QStringLiteral("matches: [] -> [7]"), will, QStringLiteral("lastError: none -> none"), will,
+      QStringLiteral("isRefreshing: true -> false"), will,
+      QStringLiteral("lastUpdated: none -> 3000")}},
+    {"failure after a success",
+     Outcome::success,
+     Outcome::failure,
+     {will, QStringLiteral("isRefreshing: false -> true"), will,
+      QStringLiteral("matches: [7] -> []"), will, QStringLiteral("lastError: none -> \"boom\""),
+      will, QStringLiteral("isRefreshing: true -> false"), will,
+      QStringLiteral("lastUpdated: 1000 -> 3000")}},
+    {"cancellation touches only the flag and the time",
+     Outcome::success,
+     Outcome::cancellation,
+     {will, QStringLiteral("isRefreshing: false -> true"), will,
+      QStringLiteral("isRefreshing: true -> false"), will,
+      QStringLiteral("lastUpdated: 1000 -> 3000")}},
+};
+
+void runRefresh(CodexProcessMonitor& monitor, ScriptedScan& scan, ManualClock& clock,
+                Outcome outcome, qint64 atMs) {
+    clock.set(atMs);
+    if (outcome == Outcome::failure)
+        scan.fails(QStringLiteral("boom"));
+    else
+        scan.returns({sample(7, 5.0, 1.0)});
+    scan.hold();
+    monitor.refresh();
+    if (outcome == Outcome::cancellation)
+        monitor.cancelRefreshForTesting();
+    scan.release();
+    ASSERT_TRUE(waitForRefreshToEnd(monitor));
+}
+
+TEST(PublishedState, NoticesComeInOrderBeforeEachValueIsStored) {
+    for (const OrderCase& testCase : kOrderCases) {
+        SCOPED_TRACE(testCase.name);
+        ScriptedScan scan;
+        ManualClock clock;
+        CodexProcessMonitor monitor(scan.function(), clock.function());
+        if (testCase.before)
+            runRefresh(monitor, scan, clock, *testCase.before, 1000);
+        const auto matchesBefore = monitor.matches();
+        const auto errorBefore = monitor.lastError();
+        const auto historyPIDsBefore = monitor.historyByPID().keys();
+
+        NoticeRecorder recorder(monitor);
+        runRefresh(monitor, scan, clock, testCase.outcome, 3000);
+        EXPECT_EQ(recorder.notices, testCase.expected)
+            << recorder.notices.join(u'\n').toStdString();
+
+        if (testCase.outcome == Outcome::cancellation) {
+            EXPECT_EQ(monitor.matches(), matchesBefore);
+            EXPECT_EQ(monitor.lastError(), errorBefore);
+            EXPECT_EQ(monitor.historyByPID().keys(), historyPIDsBefore);
+        }
+    }
+}
+
+TEST(PublishedState, StartsEmptyAndStartsNothing) {
+    ScriptedScan scan;
+    ManualClock clock;
+    CodexProcessMonitor monitor(scan.function(), clock.function());
+    QCoreApplication::processEvents();
+    EXPECT_TRUE(monitor.matches().isEmpty());
+    EXPECT_FALSE(monitor.lastUpdated());
+    EXPECT_FALSE(monitor.lastError());
+    EXPECT_FALSE(monitor.isRefreshing());
+    EXPECT_EQ(scan.started(), 0);
+}
+
+TEST(RefreshLoop, StartRefreshesAtOnceThenEveryInterval) {
+    ScriptedScan scan;
+    scan.fails(QStringLiteral("ps failed with exit code 1"));
+    ManualClock clock;
+    CodexProcessMonitor monitor(scan.function(), clock.function());
+    QSignalSpy refreshes(&monitor, &CodexProcessMonitor::lastUpdatedChanged);
+
+    scan.hold();
+    monitor.start();
+    EXPECT_TRUE(monitor.isRefreshing());
+    EXPECT_FALSE(monitor.lastUpdated());
+    scan.release();
+    ASSERT_TRUE(waitForRefreshToEnd(monitor));
+    EXPECT_TRUE(monitor.lastUpdated());
+    EXPECT_EQ(refreshes.size(), 1);
+
+    // The real timer this time, not the hook: a failing scan must not stop
+    // the loop, and every failed refresh still moves lastUpdated on.
+    clock.set(2000);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return refreshes.size() == 2; }, 20000));
+    ASSERT_TRUE(waitForRefreshToEnd(monitor));
+    EXPECT_TRUE(monitor.matches().isEmpty());
+    EXPECT_TRUE(monitor.historyByPID().isEmpty());
+    EXPECT_EQ(monitor.lastError(), QStringLiteral("ps failed with exit code 1"));
+    EXPECT_EQ(monitor.lastUpdated(), at(2000));
+}
+
+TEST(RefreshLoop, SecondStartCreatesNoSecondLoopOrRefresh) {
+    ScriptedScan scan;
+    ManualClock clock;
+    CodexProcessMonitor monitor(scan.function(), clock.function());
+    scan.hold();
+    monitor.start();
+    monitor.start();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return scan.started() == 1; }, 20000));
+    scan.release();
+    ASSERT_TRUE(waitForRefreshToEnd(monitor));
+
+    QSignalSpy notices(&monitor, &CodexProcessMonitor::objectWillChange);
+    monitor.start();
+    EXPECT_FALSE(monitor.isRefreshing());
+    EXPECT_EQ(notices.size(), 0);
+    EXPECT_EQ(scan.started(), 1);
+}
+
+TEST(RefreshLoop, RefreshDuringARefreshChangesNothing) {
+    ScriptedScan scan;
+    ManualClock clock;
+    CodexProcessMonitor monitor(scan.function(), clock.function());
+    scan.hold();
+    monitor.refresh();
+    NoticeRecorder recorder(monitor);
+    monitor.refresh();
+    monitor.refresh();
+    EXPECT_TRUE(monitor.isRefreshing());
+    EXPECT_TRUE(recorder.notices.isEmpty()) << recorder.notices.join(u'\n').toStdString();
+
+    scan.release();
+    ASSERT_TRUE(waitForRefreshToEnd(monitor));
+    QCoreApplication::processEvents();
+    EXPECT_EQ(scan.started(), 1);
+    EXPECT_EQ(recorder.notices.filter(QStringLiteral("lastUpdated")).size(), 1);
+}
+
+TEST(RefreshLoop, WakeUpsDuringASlowScanStartNothingAndTheNextOneDoes) {
+    ScriptedScan scan;
+    ManualClock clock;
+    CodexProcessMonitor monitor(scan.function(), clock.function());
+    QSignalSpy refreshes(&monitor, &CodexProcessMonitor::lastUpdatedChanged);
+    scan.hold();
+    monitor.refresh();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return scan.started() == 1; }, 20000));
+    for (int wakeUp = 0; wakeUp < 3; ++wakeUp) {
+        monitor.wakeUpForTesting();
+        QCoreApplication::processEvents();
+    }
+    EXPECT_EQ(scan.started(), 1);
+    EXPECT_TRUE(monitor.isRefreshing());
+
+    scan.release();
+    ASSERT_TRUE(waitForRefreshToEnd(monitor));
+    EXPECT_EQ(refreshes.size(), 1); // nothing caught up
+    EXPECT_EQ(scan.started(), 1);
+
+    monitor.wakeUpForTesting();
+    EXPECT_TRUE(monitor.isRefreshing());
+    ASSERT_TRUE(waitForRefreshToEnd(monitor));
+    EXPECT_EQ(scan.started(), 2);
+    EXPECT_EQ(refreshes.size(), 2);
+}
+
+TEST(RefreshLoop, FailureThenSuccessClearsTheErrorAndJudgesGroupsAsNew) {
+    ScriptedScan scan;
+    ManualClock clock;
+    CodexProcessMonitor monitor(scan.function(), clock.function());
+    scan.returns({sample(5, 50.0, 10.0)});
+    ASSERT_TRUE(refreshAt(monitor, clock, 0));
+    ASSERT_EQ(monitor.matches().value(0).status, ProcessActivityStatus::running);
+
+    scan.fails(QStringLiteral("ps failed with exit code 1"));
+    ASSERT_TRUE(refreshAt(monitor, clock, 2000));
+    EXPECT_TRUE(monitor.matches().isEmpty());
+    EXPECT_TRUE(monitor.historyByPID().isEmpty());
+
+    // Within the grace period and with grown CPU time, but judged as new.
+    scan.returns({sample(5, 0.0, 20.0)});
+    ASSERT_TRUE(refreshAt(monitor, clock, 4000));
+    EXPECT_FALSE(monitor.lastError());
+    ASSERT_EQ(monitor.matches().size(), 1);
+    EXPECT_EQ(monitor.matches()[0].status, ProcessActivityStatus::idle);
+}
+
+TEST(RefreshLoop, NothingFoundPublishesEmptyMatchesAndNoError) {
+    ScriptedScan scan;
+    ManualClock clock;
+    CodexProcessMonitor monitor(scan.function(), clock.function());
+    ASSERT_TRUE(refreshAt(monitor, clock, 1000));
+    EXPECT_TRUE(monitor.matches().isEmpty());
+    EXPECT_TRUE(monitor.historyByPID().isEmpty());
+    EXPECT_FALSE(monitor.lastError());
+    EXPECT_EQ(monitor.lastUpdated(), at(1000));
+}
+
+TEST(RefreshLoop, EveryFailureOfTheScanBecomesTheErrorText) {
+    const struct {
+        const char* name;
+        ScriptedScan::Behaviour behaviour;
+        QString expected;
+    } cases[] = {
+        {"snapshot error: its message",
+         []() -> QList<DetectedProcessSample> {
+             throw ProcessSnapshotError(kProcessMonitorErrorDomain, 2,
+                                        QStringLiteral("ps failed with exit code 2"));
+         },
+         QStringLiteral("ps failed with exit code 2")},
+        {"snapshot error with an empty message",
+         []() -> QList<DetectedProcessSample> {
+             throw ProcessSnapshotError(kProcessMonitorErrorDomain, 1, QString());
+         },
+         QString()},
+        {"standard exception: its what()",
+         []() -> QList<DetectedProcessSample> { throw std::runtime_error("cannot read /proc"); },
+         QStringLiteral("cannot read /proc")},
+        {"anything else: a fixed text", []() -> QList<DetectedProcessSample> { throw 42; },
+         QStringLiteral("Unknown error while reading the process table")},
+    };
+    for (const auto& testCase : cases) {
+        SCOPED_TRACE(testCase.name);
+        ScriptedScan scan;
+        ManualClock clock;
+        CodexProcessMonitor monitor(scan.function(), clock.function());
+        scan.setBehaviour(testCase.behaviour);
+        ASSERT_TRUE(refreshAt(monitor, clock, 0));
+        EXPECT_EQ(monitor.lastError(), testCase.expected);
+
+        // The next refresh still runs and recovers.
+        scan.returns({});
+        ASSERT_TRUE(refreshAt(monitor, clock, 2000));
+        EXPECT_FALSE(monitor.lastError());
+    }
+}
+
+TEST(RefreshLoop, DestroyingTheMonitorDuringAScanIsSafe) {
+    // Whether the scan ends during the destruction or its result already
+    // waits in the event queue, nothing may touch the dead monitor (the
+    // sanitizers watch this).
+    for (const bool heldUntilDestruction : {true, false}) {
+        SCOPED_TRACE(heldUntilDestruction ? "scan released during destruction"
+                                          : "result waiting in the queue");
+        ScriptedScan scan;
+        ManualClock clock;
+        auto monitor = std::make_unique<CodexProcessMonitor>(scan.function(), clock.function());
+        scan.returns({sample(1, 5.0, 1.0)});
+        if (heldUntilDestruction)
+            scan.hold();
+        monitor->start();
+        ASSERT_TRUE(QTest::qWaitFor([&] { return scan.started() == 1; }, 20000));
+
+        // The destructor waits for a held scan, so release it from elsewhere.
+        std::thread releaser([&] {
+            if (heldUntilDestruction) {
+                std::this_thread::sleep_for(std::chrono::milliseconds(50));
+                scan.release();
+            }
+        });
+        monitor.reset();
+        releaser.join();
+        QCoreApplication::processEvents();
+        EXPECT_EQ(scan.started(), 1);
+    }
+}
+
+} // namespace
+} // namespace brenvik::test
