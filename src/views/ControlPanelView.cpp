@@ -1,0 +1,117 @@
+#include "views/ControlPanelView.h"
+
+#include "views/CoalescedUpdate.h"
+#include "views/PreferencesControlsView.h"
+#include "views/ProcessListSectionView.h"
+#include "views/StatusViews.h"
+#include "views/ViewStyle.h"
+
+#include <QHBoxLayout>
+#include <QPushButton>
+#include <QShortcut>
+#include <QVBoxLayout>
+
+namespace brenvik {
+
+namespace {
+constexpr int kPadding = 18;
+constexpr int kSectionSpacing = 14;
+constexpr int kPreferencesHeight = 120;
+constexpr int kProcessesHeight = 136;
+constexpr int kProcessListHeight = 126;
+
+QVBoxLayout* stack(int spacing, QWidget* owner = nullptr) {
+    auto* layout = owner ? new QVBoxLayout(owner) : new QVBoxLayout;
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(spacing);
+    return layout;
+}
+} // namespace
+
+ControlPanelView::ControlPanelView(CodexProcessMonitor& monitor,
+                                   LaunchAtLoginController& launchAtLogin,
+                                   AppVisibilityController& appVisibility, ViewActions& actions,
+                                   QWidget* parent)
+    : QWidget(parent)
+    , m_monitor(monitor)
+    , m_actions(actions)
+    , m_updates(new CoalescedUpdate([this] { updateFromMonitor(); }, this))
+    , m_header(new StatusHeaderView(monitor.runState(), monitor.summary(), this))
+    , m_errorLine(new ElidingLabel(TextStyle::footnote, NamedColor::red, this))
+    , m_preferences(new PreferencesControlsView(launchAtLogin, appVisibility, this))
+    , m_processList(new ProcessListSectionView(monitor, this))
+    , m_lastUpdated(new LastUpdatedLabel(monitor.lastUpdated(), this))
+    , m_refreshButton(new QPushButton(tr("Refresh Now"), this))
+    , m_quitButton(new QPushButton(tr("Quit"), this)) {
+    setFixedSize(kWidth, kHeight);
+    setAutoFillBackground(true);
+    setBackgroundRole(QPalette::Window);
+
+    auto* header = stack(6);
+    header->addWidget(m_header);
+    header->addWidget(m_errorLine);
+    m_errorLine->setTextInteractionFlags(Qt::TextSelectableByMouse);
+
+    auto* preferences = new QWidget(this);
+    preferences->setMinimumHeight(kPreferencesHeight);
+    auto* preferencesStack = stack(10, preferences);
+    auto* preferencesTitle = new StyledLabel(TextStyle::headline, NamedColor::primary, preferences);
+    preferencesTitle->setText(tr("Preferences"));
+    preferencesStack->addWidget(preferencesTitle);
+    preferencesStack->addWidget(m_preferences);
+    preferencesStack->addStretch(1);
+
+    auto* processes = new QWidget(this);
+    processes->setMinimumHeight(kProcessesHeight);
+    auto* processesStack = stack(10, processes);
+    auto* processesTitle = new StyledLabel(TextStyle::headline, NamedColor::primary, processes);
+    processesTitle->setText(tr("Active processes"));
+    processesStack->addWidget(processesTitle);
+    m_processList->setFixedHeight(kProcessListHeight);
+    processesStack->addWidget(m_processList);
+    processesStack->addStretch(1);
+
+    auto* footer = new QHBoxLayout;
+    footer->setContentsMargins(0, 0, 0, 0);
+    footer->addWidget(m_lastUpdated, 0, Qt::AlignVCenter);
+    footer->addStretch(1);
+    footer->addWidget(m_refreshButton, 0, Qt::AlignVCenter);
+    footer->addWidget(m_quitButton, 0, Qt::AlignVCenter);
+    m_refreshButton->setToolTip(tr("Refresh Now (R)"));
+
+    auto* column = stack(kSectionSpacing, this);
+    column->setContentsMargins(kPadding, kPadding, kPadding, kPadding);
+    column->addLayout(header);
+    column->addWidget(new Divider(this));
+    column->addWidget(preferences);
+    column->addWidget(new Divider(this));
+    column->addWidget(processes);
+    column->addStretch(1);
+    column->addWidget(new Divider(this));
+    column->addLayout(footer);
+
+    connect(m_refreshButton, &QPushButton::clicked, this, [this] { m_actions.refreshNow(); });
+    connect(m_quitButton, &QPushButton::clicked, this, [this] { m_actions.quit(); });
+    // R alone, while this window is active, presses "Refresh Now".
+    auto* refreshKey = new QShortcut(QKeySequence(Qt::Key_R), this);
+    refreshKey->setContext(Qt::WindowShortcut);
+    connect(refreshKey, &QShortcut::activated, m_refreshButton, &QPushButton::animateClick);
+
+    m_updates->observe(&m_monitor);
+    updateFromMonitor();
+}
+
+int ControlPanelView::updateCount() const {
+    return m_updates->count();
+}
+
+void ControlPanelView::updateFromMonitor() {
+    const CodexRunState state = m_monitor.runState();
+    m_header->setState(state, m_monitor.summary());
+    const auto* error = state.asError();
+    m_errorLine->setFullText(error ? error->message : QString());
+    m_errorLine->setVisible(error != nullptr);
+    m_lastUpdated->setLastUpdated(m_monitor.lastUpdated());
+}
+
+} // namespace brenvik

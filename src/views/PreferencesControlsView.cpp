@@ -1,0 +1,80 @@
+#include "views/PreferencesControlsView.h"
+
+#include "views/CoalescedUpdate.h"
+#include "views/PreferencesPresentation.h"
+#include "views/ToggleSwitch.h"
+#include "views/ViewStyle.h"
+
+#include <QVBoxLayout>
+
+namespace brenvik {
+
+namespace {
+
+StyledLabel* explanation(NamedColor color, QWidget* parent) {
+    auto* label = new StyledLabel(TextStyle::caption, color, parent);
+    label->setMaximumLines(2);
+    label->setAlignment(Qt::AlignLeft | Qt::AlignTop);
+    label->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    return label;
+}
+
+void showError(StyledLabel* label, const std::optional<QString>& error) {
+    label->setText(error.value_or(QString()));
+    label->setToolTip(error.value_or(QString()));
+    label->setVisible(error.has_value());
+}
+
+} // namespace
+
+PreferencesControlsView::PreferencesControlsView(LaunchAtLoginController& launchAtLogin,
+                                                 AppVisibilityController& appVisibility,
+                                                 QWidget* parent)
+    : QWidget(parent)
+    , m_launchAtLogin(launchAtLogin)
+    , m_appVisibility(appVisibility)
+    , m_updates(new CoalescedUpdate([this] { updateFromControllers(); }, this))
+    , m_launchSwitch(new ToggleSwitch(tr("Launch at login"), this))
+    , m_launchStatus(explanation(NamedColor::secondary, this))
+    , m_launchError(explanation(NamedColor::red, this))
+    , m_dockSwitch(new ToggleSwitch(tr("Show in Dock while running"), this))
+    , m_dockDescription(explanation(NamedColor::secondary, this))
+    , m_dockError(explanation(NamedColor::red, this)) {
+    auto* column = new QVBoxLayout(this);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->setSpacing(10);
+    for (QWidget* child :
+         {static_cast<QWidget*>(m_launchSwitch), static_cast<QWidget*>(m_launchStatus),
+          static_cast<QWidget*>(m_launchError), static_cast<QWidget*>(m_dockSwitch),
+          static_cast<QWidget*>(m_dockDescription), static_cast<QWidget*>(m_dockError)})
+        column->addWidget(child);
+    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
+
+    connect(m_launchSwitch, &ToggleSwitch::toggleRequested, this,
+            [this](bool on) { m_launchAtLogin.setEnabled(on); });
+    connect(m_dockSwitch, &ToggleSwitch::toggleRequested, this,
+            [this](bool on) { m_appVisibility.setShowDockIcon(on); });
+
+    m_updates->observe(&m_launchAtLogin);
+    m_updates->observe(&m_appVisibility);
+    updateFromControllers();
+}
+
+int PreferencesControlsView::updateCount() const {
+    return m_updates->count();
+}
+
+void PreferencesControlsView::updateFromControllers() {
+    const LaunchAtLoginPresentation login = launchAtLoginPresentation(m_launchAtLogin.status());
+    m_launchSwitch->setChecked(login.switchOn);
+    m_launchStatus->setText(login.text);
+    m_launchStatus->setColor(login.role == StatusTextRole::orange ? NamedColor::orange
+                                                                  : NamedColor::secondary);
+    showError(m_launchError, m_launchAtLogin.lastError());
+
+    m_dockSwitch->setChecked(m_appVisibility.showDockIcon());
+    m_dockDescription->setText(dockVisibilityDescription(m_appVisibility.showDockIcon()));
+    showError(m_dockError, m_appVisibility.lastError());
+}
+
+} // namespace brenvik

@@ -1,0 +1,46 @@
+#pragma once
+
+#include "app/AppVisibilityController.h"
+#include "app/LaunchAtLoginController.h"
+
+#include <QWidget>
+
+namespace brenvik {
+
+class CoalescedUpdate;
+class StyledLabel;
+class ToggleSwitch;
+
+// "Launch at login" and "Show in Dock while running", each with its status
+// line and, after a failure, the failure text in red. The switches show what
+// the controllers publish, never just the click.
+class PreferencesControlsView : public QWidget {
+    Q_OBJECT
+
+public:
+    PreferencesControlsView(LaunchAtLoginController& launchAtLogin,
+                            AppVisibilityController& appVisibility, QWidget* parent = nullptr);
+
+    [[nodiscard]] ToggleSwitch* launchAtLoginSwitch() const noexcept { return m_launchSwitch; }
+    [[nodiscard]] ToggleSwitch* dockSwitch() const noexcept { return m_dockSwitch; }
+    [[nodiscard]] StyledLabel* launchStatusLabel() const noexcept { return m_launchStatus; }
+    [[nodiscard]] StyledLabel* launchErrorLabel() const noexcept { return m_launchError; }
+    [[nodiscard]] StyledLabel* dockDescriptionLabel() const noexcept { return m_dockDescription; }
+    [[nodiscard]] StyledLabel* dockErrorLabel() const noexcept { return m_dockError; }
+    [[nodiscard]] int updateCount() const;
+
+private:
+    void updateFromControllers();
+
+    LaunchAtLoginController& m_launchAtLogin;
+    AppVisibilityController& m_appVisibility;
+    CoalescedUpdate* m_updates;
+    ToggleSwitch* m_launchSwitch;
+    StyledLabel* m_launchStatus;
+    StyledLabel* m_launchError;
+    ToggleSwitch* m_dockSwitch;
+    StyledLabel* m_dockDescription;
+    StyledLabel* m_dockError;
+};
+
+} // namespace brenvik

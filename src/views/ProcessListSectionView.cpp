@@ -1,0 +1,94 @@
+#include "views/ProcessListSectionView.h"
+
+#include "views/CoalescedUpdate.h"
+#include "views/ProcessRowsView.h"
+#include "views/ViewStyle.h"
+
+#include <QScrollArea>
+#include <QScrollBar>
+#include <QStackedLayout>
+#include <QVBoxLayout>
+
+namespace brenvik {
+
+namespace {
+// Keeps the status capsules clear of the scroll bar.
+constexpr int kScrollBarGap = 8;
+} // namespace
+
+ProcessListSectionView::ProcessListSectionView(CodexProcessMonitor& monitor, QWidget* parent)
+    : QWidget(parent)
+    , m_monitor(monitor)
+    , m_updates(new CoalescedUpdate([this] { updateFromMonitor(); }, this))
+    , m_pages(new QStackedLayout(this))
+    , m_placeholder(new StyledLabel(TextStyle::subheadline, NamedColor::secondary, this))
+    , m_plainPage(new QWidget(this))
+    , m_scroll(new QScrollArea(this))
+    , m_rows(new ProcessRowsView({}, m_plainPage)) {
+    auto* placeholderPage = new QWidget(this);
+    auto* placeholderLayout = new QVBoxLayout(placeholderPage);
+    placeholderLayout->setContentsMargins(0, 0, 0, 0);
+    placeholderLayout->setSpacing(0);
+    m_placeholder->setParent(placeholderPage);
+    m_placeholder->setWordWrap(true);
+    m_placeholder->setAlignment(Qt::AlignLeft | Qt::AlignTop);
+    m_placeholder->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    placeholderLayout->addWidget(m_placeholder);
+    placeholderLayout->addStretch(1);
+
+    auto* plainLayout = new QVBoxLayout(m_plainPage);
+    plainLayout->setContentsMargins(0, 0, 0, 0);
+    plainLayout->setSpacing(0);
+    plainLayout->addWidget(m_rows);
+    plainLayout->addStretch(1);
+
+    m_scroll->setFrameShape(QFrame::NoFrame);
+    m_scroll->setWidgetResizable(true);
+    m_scroll->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
+    m_scroll->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    m_scroll->viewport()->setAutoFillBackground(false);
+
+    m_pages->addWidget(placeholderPage);
+    m_pages->addWidget(m_plainPage);
+    m_pages->addWidget(m_scroll);
+    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
+
+    m_updates->observe(&m_monitor);
+    updateFromMonitor();
+}
+
+QString ProcessListSectionView::placeholderText() const {
+    return m_form == ProcessListForm::placeholder ? m_placeholder->text() : QString();
+}
+
+int ProcessListSectionView::updateCount() const {
+    return m_updates->count();
+}
+
+void ProcessListSectionView::updateFromMonitor() {
+    const QList<ProcessMatch>& matches = m_monitor.matches();
+    setForm(processListForm(matches.size()));
+    if (m_form == ProcessListForm::placeholder)
+        m_placeholder->setText(
+            processListPlaceholder(m_monitor.lastError(), m_monitor.lastUpdated()));
+    m_rows->setMatches(matches);
+}
+
+void ProcessListSectionView::setForm(ProcessListForm form) {
+    if (form == m_form && m_pages->currentIndex() == int(form))
+        return;
+    // The one rows view moves between the plain page and the scroll area.
+    if (form == ProcessListForm::scrollingList && m_scroll->widget() != m_rows) {
+        m_rows->setContentsMargins(0, 0, kScrollBarGap, 0);
+        m_scroll->setWidget(m_rows);
+    } else if (form != ProcessListForm::scrollingList && m_scroll->widget() == m_rows) {
+        m_scroll->takeWidget();
+        m_rows->setContentsMargins(0, 0, 0, 0);
+        static_cast<QVBoxLayout*>(m_plainPage->layout())->insertWidget(0, m_rows);
+        m_rows->show();
+    }
+    m_form = form;
+    m_pages->setCurrentIndex(int(form));
+}
+
+} // namespace brenvik

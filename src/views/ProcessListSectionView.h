@@ -1,0 +1,46 @@
+#pragma once
+
+#include "monitor/ProcessMonitoring.h"
+#include "views/ProcessListPresentation.h"
+
+#include <QWidget>
+
+class QScrollArea;
+class QStackedLayout;
+
+namespace brenvik {
+
+class CoalescedUpdate;
+class ProcessRowsView;
+class StyledLabel;
+
+// The placeholder text, a plain stack of up to three rows, or a scrolling
+// list with its scroll bar always showing; re-read whenever the monitor
+// publishes.
+class ProcessListSectionView : public QWidget {
+    Q_OBJECT
+
+public:
+    explicit ProcessListSectionView(CodexProcessMonitor& monitor, QWidget* parent = nullptr);
+
+    [[nodiscard]] ProcessListForm form() const noexcept { return m_form; }
+    [[nodiscard]] QString placeholderText() const;
+    [[nodiscard]] ProcessRowsView* rowsView() const noexcept { return m_rows; }
+    [[nodiscard]] QScrollArea* scrollArea() const noexcept { return m_scroll; }
+    [[nodiscard]] int updateCount() const;
+
+private:
+    void updateFromMonitor();
+    void setForm(ProcessListForm form);
+
+    CodexProcessMonitor& m_monitor;
+    CoalescedUpdate* m_updates;
+    QStackedLayout* m_pages;
+    StyledLabel* m_placeholder;
+    QWidget* m_plainPage;
+    QScrollArea* m_scroll;
+    ProcessRowsView* m_rows;
+    ProcessListForm m_form = ProcessListForm::placeholder;
+};
+
+} // namespace brenvik

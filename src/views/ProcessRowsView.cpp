@@ -1,0 +1,36 @@
+#include "views/ProcessRowsView.h"
+
+#include "views/ProcessRowView.h"
+
+#include <QVBoxLayout>
+
+namespace brenvik {
+
+ProcessRowsView::ProcessRowsView(const QList<ProcessMatch>& matches, QWidget* parent)
+    : QWidget(parent)
+    , m_layout(new QVBoxLayout(this)) {
+    m_layout->setContentsMargins(0, 0, 0, 0);
+    m_layout->setSpacing(6);
+    m_layout->addStretch(1);
+    setMatches(matches);
+}
+
+void ProcessRowsView::setMatches(const QList<ProcessMatch>& matches) {
+    bool samePIDs = matches.size() == m_rows.size();
+    for (qsizetype i = 0; samePIDs && i < matches.size(); ++i)
+        samePIDs = matches[i].pid == m_rows[i]->match().pid;
+    if (samePIDs) {
+        for (qsizetype i = 0; i < matches.size(); ++i)
+            m_rows[i]->setMatch(matches[i]);
+        return;
+    }
+    qDeleteAll(m_rows);
+    m_rows.clear();
+    for (const ProcessMatch& match : matches) {
+        auto* row = new ProcessRowView(match, this);
+        m_layout->insertWidget(m_layout->count() - 1, row);
+        m_rows.append(row);
+    }
+}
+
+} // namespace brenvik

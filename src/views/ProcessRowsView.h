@@ -1,0 +1,31 @@
+#pragma once
+
+#include "monitor/ProcessMonitoring.h"
+
+#include <QList>
+#include <QWidget>
+
+class QVBoxLayout;
+
+namespace brenvik {
+
+class ProcessRowView;
+
+// One row per match, in list order, 6 points apart, top-aligned. Rows are
+// kept by PID so a refresh that changes only a status keeps the rows (and any
+// selection in them).
+class ProcessRowsView : public QWidget {
+    Q_OBJECT
+
+public:
+    explicit ProcessRowsView(const QList<ProcessMatch>& matches, QWidget* parent = nullptr);
+
+    void setMatches(const QList<ProcessMatch>& matches);
+    [[nodiscard]] const QList<ProcessRowView*>& rows() const noexcept { return m_rows; }
+
+private:
+    QVBoxLayout* m_layout;
+    QList<ProcessRowView*> m_rows;
+};
+
+} // namespace brenvik

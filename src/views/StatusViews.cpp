@@ -1,0 +1,117 @@
+#include "views/StatusViews.h"
+
+#include "views/LastUpdatedText.h"
+
+#include <QHBoxLayout>
+#include <QPainter>
+#include <QVBoxLayout>
+
+namespace brenvik {
+
+namespace {
+constexpr qreal kDotDiameter = 11;
+constexpr int kDotMinimumWidth = 14;
+} // namespace
+
+NamedColor namedColor(StateColor color) {
+    switch (color) {
+    case StateColor::green:
+        return NamedColor::green;
+    case StateColor::yellow:
+        return NamedColor::yellow;
+    case StateColor::red:
+        return NamedColor::red;
+    }
+    return NamedColor::green;
+}
+
+StatusDotShapeView::StatusDotShapeView(NamedColor color, QWidget* parent)
+    : QWidget(parent)
+    , m_color(color) {
+    setMinimumSize(kDotMinimumWidth, int(kDotDiameter));
+    setSizePolicy(QSizePolicy::Minimum, QSizePolicy::Fixed);
+}
+
+void StatusDotShapeView::setColor(NamedColor color) {
+    if (color == m_color)
+        return;
+    m_color = color;
+    update();
+}
+
+void StatusDotShapeView::paintEvent(QPaintEvent*) {
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    const QRectF dot((width() - kDotDiameter) / 2.0, (height() - kDotDiameter) / 2.0, kDotDiameter,
+                     kDotDiameter);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(brenvik::namedColor(m_color, palette()));
+    painter.drawEllipse(dot);
+    QPen ring(withOpacity(brenvik::namedColor(NamedColor::primary, palette()), 0.25), 0.6);
+    ring.setCapStyle(Qt::FlatCap);
+    ring.setJoinStyle(Qt::MiterJoin);
+    painter.setPen(ring);
+    painter.setBrush(Qt::NoBrush);
+    painter.drawEllipse(dot);
+}
+
+StatusHeaderView::StatusHeaderView(const CodexRunState& state, const QString& summary,
+                                   QWidget* parent)
+    : QWidget(parent)
+    , m_dot(new StatusDotShapeView(NamedColor::green, this))
+    , m_summary(new StyledLabel(TextStyle::subheadline, NamedColor::secondary, this))
+    , m_badge(new StyledLabel(TextStyle::title3, FontWeight::bold, NamedColor::green, this)) {
+    auto* title = new StyledLabel(TextStyle::headline, NamedColor::primary, this);
+    title->setText(tr("Codex CLI Status"));
+
+    auto* texts = new QVBoxLayout;
+    texts->setSpacing(2);
+    texts->setContentsMargins(0, 0, 0, 0);
+    texts->addWidget(title);
+    texts->addWidget(m_summary);
+
+    // Digits of equal width, so the badge does not jump as the count changes.
+    QFont badgeFont = m_badge->font();
+    badgeFont.setStyleHint(QFont::SansSerif);
+    m_badge->setFont(badgeFont);
+    m_badge->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+
+    auto* row = new QHBoxLayout(this);
+    row->setContentsMargins(0, 0, 0, 0);
+    row->setSpacing(10);
+    row->addWidget(m_dot, 0, Qt::AlignVCenter);
+    row->addLayout(texts);
+    row->addStretch(1);
+    row->addWidget(m_badge, 0, Qt::AlignVCenter);
+
+    setState(state, summary);
+}
+
+void StatusHeaderView::setState(const CodexRunState& state, const QString& summary) {
+    const NamedColor color = namedColor(brenvik::stateColor(state));
+    m_dot->setColor(color);
+    m_summary->setText(summary);
+    const QString badge = brenvik::badgeText(state);
+    m_badge->setText(badge);
+    m_badge->setColor(color);
+    m_badge->setVisible(!badge.isEmpty());
+}
+
+QString StatusHeaderView::summaryText() const {
+    return m_summary->text();
+}
+
+QString StatusHeaderView::badgeText() const {
+    return m_badge->isHidden() ? QString() : m_badge->text();
+}
+
+LastUpdatedLabel::LastUpdatedLabel(const std::optional<QDateTime>& lastUpdated, QWidget* parent)
+    : StyledLabel(TextStyle::caption, NamedColor::secondary, parent) {
+    setLastUpdated(lastUpdated);
+}
+
+void LastUpdatedLabel::setLastUpdated(const std::optional<QDateTime>& lastUpdated) {
+    setText(lastUpdatedText(lastUpdated));
+}
+
+} // namespace brenvik

@@ -1,0 +1,67 @@
+#pragma once
+
+#include "monitor/ProcessMonitoring.h"
+#include "views/StatusPresentation.h"
+#include "views/ViewStyle.h"
+
+#include <QWidget>
+#include <optional>
+
+class QLabel;
+
+namespace brenvik {
+
+// An 11-point dot in a named colour with a faint ring, centred in at least
+// 14 points of width.
+class StatusDotShapeView : public QWidget {
+    Q_OBJECT
+
+public:
+    explicit StatusDotShapeView(NamedColor color, QWidget* parent = nullptr);
+
+    void setColor(NamedColor color);
+    [[nodiscard]] NamedColor color() const noexcept { return m_color; }
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    NamedColor m_color;
+};
+
+// The dot, "Codex CLI Status" over the summary, and the count badge at the
+// trailing edge (absent while nothing is found).
+class StatusHeaderView : public QWidget {
+    Q_OBJECT
+
+public:
+    StatusHeaderView(const CodexRunState& state, const QString& summary, QWidget* parent = nullptr);
+
+    void setState(const CodexRunState& state, const QString& summary);
+
+    [[nodiscard]] NamedColor stateColor() const noexcept { return m_dot->color(); }
+    [[nodiscard]] QString summaryText() const;
+    // Empty while the badge is absent.
+    [[nodiscard]] QString badgeText() const;
+
+private:
+    StatusDotShapeView* m_dot;
+    StyledLabel* m_summary;
+    StyledLabel* m_badge;
+};
+
+// "Checking now", or "Updated " and the time of day of the last refresh.
+class LastUpdatedLabel : public StyledLabel {
+    Q_OBJECT
+
+public:
+    explicit LastUpdatedLabel(const std::optional<QDateTime>& lastUpdated,
+                              QWidget* parent = nullptr);
+
+    void setLastUpdated(const std::optional<QDateTime>& lastUpdated);
+};
+
+// The named colour of a state colour.
+[[nodiscard]] NamedColor namedColor(StateColor color);
+
+} // namespace brenvik

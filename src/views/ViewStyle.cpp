@@ -1,0 +1,185 @@
+#include "views/ViewStyle.h"
+
+#include <QApplication>
+#include <QEvent>
+#include <QPainter>
+
+namespace brenvik {
+
+namespace {
+
+// Point sizes of the system text styles at the default body size of 13.
+constexpr qreal kBodySize = 13.0;
+
+qreal nominalSize(TextStyle style) {
+    switch (style) {
+    case TextStyle::body:
+    case TextStyle::headline:
+        return 13.0;
+    case TextStyle::subheadline:
+        return 11.0;
+    case TextStyle::caption:
+    case TextStyle::caption2:
+    case TextStyle::footnote:
+        return 10.0;
+    case TextStyle::title3:
+        return 15.0;
+    }
+    return kBodySize;
+}
+
+FontWeight defaultWeight(TextStyle style) {
+    return style == TextStyle::headline ? FontWeight::semibold : FontWeight::regular;
+}
+
+} // namespace
+
+QFont styledFont(TextStyle style) {
+    return styledFont(style, defaultWeight(style));
+}
+
+QFont styledFont(TextStyle style, FontWeight weight) {
+    QFont font = QApplication::font();
+    const qreal scale = nominalSize(style) / kBodySize;
+    if (font.pointSizeF() > 0) {
+        // Below 7.5 points small text stops being legible on a 96 dpi screen.
+        font.setPointSizeF(std::max(7.5, font.pointSizeF() * scale));
+    } else if (font.pixelSize() > 0) {
+        font.setPixelSize(std::max(10, qRound(font.pixelSize() * scale)));
+    }
+    switch (weight) {
+    case FontWeight::regular:
+        font.setWeight(QFont::Normal);
+        break;
+    case FontWeight::semibold:
+        font.setWeight(QFont::DemiBold);
+        break;
+    case FontWeight::bold:
+        font.setWeight(QFont::Bold);
+        break;
+    }
+    return font;
+}
+
+bool isDarkPalette(const QPalette& palette) {
+    return palette.color(QPalette::Window).lightnessF() < 0.5;
+}
+
+QColor withOpacity(QColor color, qreal opacity) {
+    color.setAlphaF(color.alphaF() * opacity);
+    return color;
+}
+
+QColor namedColor(NamedColor color, const QPalette& palette) {
+    const bool dark = isDarkPalette(palette);
+    switch (color) {
+    case NamedColor::green:
+        return dark ? QColor(48, 209, 88) : QColor(40, 180, 75);
+    case NamedColor::yellow:
+        return dark ? QColor(255, 214, 10) : QColor(255, 204, 0);
+    case NamedColor::red:
+        return dark ? QColor(255, 105, 97) : QColor(215, 40, 30);
+    case NamedColor::orange:
+        return dark ? QColor(255, 159, 10) : QColor(215, 110, 0);
+    case NamedColor::black:
+        return Qt::black;
+    case NamedColor::primary:
+        return palette.color(QPalette::WindowText);
+    case NamedColor::secondary: {
+        // Placeholder text as themes define it; where a theme leaves it equal
+        // to the text colour, the text colour at half strength.
+        const QColor placeholder = palette.color(QPalette::PlaceholderText);
+        if (placeholder.isValid() && placeholder != palette.color(QPalette::Text))
+            return placeholder;
+        return withOpacity(palette.color(QPalette::WindowText), 0.55);
+    }
+    case NamedColor::separator:
+        return withOpacity(palette.color(QPalette::WindowText), dark ? 0.18 : 0.13);
+    case NamedColor::windowBackground:
+        return palette.color(QPalette::Window);
+    }
+    return palette.color(QPalette::WindowText);
+}
+
+StyledLabel::StyledLabel(TextStyle style, FontWeight weight, NamedColor color, QWidget* parent)
+    : QLabel(parent)
+    , m_color(color) {
+    setFont(styledFont(style, weight));
+    setTextFormat(Qt::PlainText);
+    applyColor();
+}
+
+StyledLabel::StyledLabel(TextStyle style, NamedColor color, QWidget* parent)
+    : StyledLabel(style, defaultWeight(style), color, parent) {}
+
+void StyledLabel::setColor(NamedColor color) {
+    if (color == m_color)
+        return;
+    m_color = color;
+    applyColor();
+}
+
+void StyledLabel::setMaximumLines(int lines) {
+    setWordWrap(lines > 0);
+    const QFontMetrics metrics(font());
+    setMaximumHeight(lines > 0 ? metrics.lineSpacing() * lines + 1 : QWIDGETSIZE_MAX);
+}
+
+void StyledLabel::changeEvent(QEvent* event) {
+    QLabel::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange && !m_applying)
+        applyColor();
+}
+
+void StyledLabel::applyColor() {
+    m_applying = true;
+    // Resolve against the inherited palette, not the one tinted before.
+    QPalette inherited = parentWidget() ? parentWidget()->palette() : QApplication::palette();
+    QPalette tinted = palette();
+    tinted.setColor(QPalette::WindowText, namedColor(m_color, inherited));
+    tinted.setColor(QPalette::Text, namedColor(m_color, inherited));
+    setPalette(tinted);
+    m_applying = false;
+}
+
+void ElidingLabel::setFullText(const QString& text) {
+    if (text == m_fullText)
+        return;
+    m_fullText = text;
+    setToolTip(text);
+    elide();
+    updateGeometry();
+}
+
+QSize ElidingLabel::minimumSizeHint() const {
+    return {0, QLabel::minimumSizeHint().height()};
+}
+
+QSize ElidingLabel::sizeHint() const {
+    const QFontMetrics metrics(font());
+    return {metrics.horizontalAdvance(m_fullText), metrics.height()};
+}
+
+void ElidingLabel::resizeEvent(QResizeEvent* event) {
+    QLabel::resizeEvent(event);
+    elide();
+}
+
+void ElidingLabel::elide() {
+    QString oneLine = m_fullText;
+    oneLine.replace(u'\n', u' ');
+    setText(fontMetrics().elidedText(oneLine, Qt::ElideRight, contentsRect().width()));
+}
+
+Divider::Divider(QWidget* parent)
+    : QWidget(parent) {
+    setFixedHeight(1);
+    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+}
+
+void Divider::paintEvent(QPaintEvent*) {
+    QPainter painter(this);
+    painter.fillRect(rect(), namedColor(NamedColor::separator, palette()));
+}
+
+} // namespace brenvik

@@ -1,0 +1,94 @@
+#pragma once
+
+#include <QColor>
+#include <QFont>
+#include <QLabel>
+#include <QPalette>
+
+namespace brenvik {
+
+// The text styles the views use, sized relative to the application font the
+// way the system sizes them relative to body text.
+enum class TextStyle { body, headline, subheadline, caption, caption2, footnote, title3 };
+enum class FontWeight { regular, semibold, bold };
+
+[[nodiscard]] QFont styledFont(TextStyle style);
+[[nodiscard]] QFont styledFont(TextStyle style, FontWeight weight);
+
+// The named colours, resolved against a palette so that dark themes stay
+// readable: the signal colours brighten on dark backgrounds, "secondary" is
+// the palette's placeholder text colour and "primary" its window text.
+enum class NamedColor {
+    green,
+    yellow,
+    red,
+    orange,
+    black,
+    primary,
+    secondary,
+    separator,
+    windowBackground
+};
+
+[[nodiscard]] bool isDarkPalette(const QPalette& palette);
+[[nodiscard]] QColor namedColor(NamedColor color, const QPalette& palette);
+[[nodiscard]] QColor withOpacity(QColor color, qreal opacity);
+
+// A text in one style and one named colour, which it re-resolves whenever the
+// palette changes.
+class StyledLabel : public QLabel {
+    Q_OBJECT
+
+public:
+    StyledLabel(TextStyle style, FontWeight weight, NamedColor color, QWidget* parent = nullptr);
+    StyledLabel(TextStyle style, NamedColor color, QWidget* parent = nullptr);
+
+    void setColor(NamedColor color);
+    [[nodiscard]] NamedColor color() const noexcept { return m_color; }
+    // Wraps, showing at most this many lines (0: one line, no wrapping).
+    void setMaximumLines(int lines);
+
+protected:
+    void changeEvent(QEvent* event) override;
+
+private:
+    void applyColor();
+
+    NamedColor m_color;
+    bool m_applying = false;
+};
+
+// One line of text that ends in "…" when it does not fit; the whole text is
+// its tool tip.
+class ElidingLabel : public StyledLabel {
+    Q_OBJECT
+
+public:
+    using StyledLabel::StyledLabel;
+
+    void setFullText(const QString& text);
+    [[nodiscard]] const QString& fullText() const noexcept { return m_fullText; }
+    [[nodiscard]] QSize minimumSizeHint() const override;
+    [[nodiscard]] QSize sizeHint() const override;
+
+protected:
+    void resizeEvent(QResizeEvent* event) override;
+
+private:
+    void elide();
+
+    QString m_fullText;
+};
+
+// A hairline between sections.
+class Divider : public QWidget {
+    Q_OBJECT
+
+public:
+    explicit Divider(QWidget* parent = nullptr);
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+};
+
+} // namespace brenvik
