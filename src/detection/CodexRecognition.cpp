@@ -1,11 +1,16 @@
 #include "detection/CodexRecognition.h"
 
+#include <string_view>
+
 namespace brenvik {
 
 namespace {
 
-bool contains(QStringView text, QStringView literal) {
-    return text.contains(literal);
+// A plain search: the literals are short and so are most command lines, where
+// a general-purpose search spends more on set-up than on searching.
+bool contains(QStringView text, std::u16string_view literal) {
+    return std::u16string_view(text.utf16(), size_t(text.size())).find(literal) !=
+           std::u16string_view::npos;
 }
 
 // The first maximal run of non-white-space characters; empty when none.
@@ -26,7 +31,7 @@ bool hasCodexExecutableName(QStringView lowered) {
     if (word.isEmpty())
         return false;
     QStringView last;
-    for (const QStringView piece : word.tokenize(u'/', Qt::SkipEmptyParts))
+    for (const QStringView piece : word.tokenize(QChar(u'/'), Qt::SkipEmptyParts))
         last = piece;
     return (last.isEmpty() ? word : last) == u"codex";
 }
@@ -35,6 +40,10 @@ bool hasCodexExecutableName(QStringView lowered) {
 
 QString lowerCasedCommand(QStringView command) {
     return command.toString().toLower();
+}
+
+QString lowerCasedCommand(const QString& command) {
+    return command.toLower();
 }
 
 bool isExcludedCommand(QStringView lowered) {

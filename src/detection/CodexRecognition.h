@@ -8,6 +8,8 @@ namespace brenvik {
 // Every predicate takes a command line already lower-cased with
 // lowerCasedCommand(); the records keep the command as it was read.
 [[nodiscard]] QString lowerCasedCommand(QStringView command);
+// The same; shares the text instead of copying it when nothing changes.
+[[nodiscard]] QString lowerCasedCommand(const QString& command);
 
 [[nodiscard]] bool isExcludedCommand(QStringView lowered);
 [[nodiscard]] bool isCodexCommand(QStringView lowered);

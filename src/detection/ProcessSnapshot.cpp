@@ -96,7 +96,35 @@ std::optional<double> parseWholeDouble(QStringView text) {
     return negative ? -value : value;
 }
 
+// The common "12", "0.3", "03.45": up to 15 digits with an optional point.
+// Both the digits and the power of ten are exact doubles, so one division
+// rounds exactly as the full conversion does.
+std::optional<double> parseShortDecimal(QStringView text) {
+    static constexpr double kPowersOfTen[] = {1e0, 1e1, 1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
+                                              1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
+    qint64 digits = 0;
+    int count = 0;
+    int decimals = -1;
+    for (const QChar c : text) {
+        if (c == u'.' && decimals < 0) {
+            decimals = 0;
+        } else if (c >= u'0' && c <= u'9' && count < 15) {
+            digits = digits * 10 + (c.unicode() - u'0');
+            ++count;
+            if (decimals >= 0)
+                ++decimals;
+        } else {
+            return std::nullopt;
+        }
+    }
+    if (count == 0)
+        return std::nullopt;
+    return decimals > 0 ? double(digits) / kPowersOfTen[decimals] : double(digits);
+}
+
 double numberOrZero(QStringView text) {
+    if (const auto simple = parseShortDecimal(text))
+        return *simple;
     return parseWholeDouble(text).value_or(0.0);
 }
 
@@ -110,6 +138,22 @@ qsizetype skipWord(QStringView text, qsizetype i) {
     while (i < text.size() && !text[i].isSpace())
         ++i;
     return i;
+}
+
+// The states ps prints most often, as static texts that cost no allocation.
+QString stateText(QStringView state) {
+    static const QString kCommon[] = {
+        QStringLiteral("S"),   QStringLiteral("R"),   QStringLiteral("I"),   QStringLiteral("D"),
+        QStringLiteral("Z"),   QStringLiteral("T"),   QStringLiteral("U"),   QStringLiteral("Ss"),
+        QStringLiteral("S+"),  QStringLiteral("R+"),  QStringLiteral("Ss+"), QStringLiteral("Rs"),
+        QStringLiteral("Sl"),  QStringLiteral("Ssl"), QStringLiteral("SN"),  QStringLiteral("S<"),
+        QStringLiteral("I<"),  QStringLiteral("Sl+"), QStringLiteral("S<s"), QStringLiteral("SNs"),
+        QStringLiteral("R+s"), QStringLiteral("Is"),  QStringLiteral("SW"),  QStringLiteral("IW")};
+    for (const QString& common : kCommon) {
+        if (common == state)
+            return common;
+    }
+    return state.toString();
 }
 
 } // namespace
@@ -144,7 +188,7 @@ std::optional<ObservedProcess> parseProcessLine(QStringView line) {
     ObservedProcess row;
     row.pid = *pid;
     row.ppid = *ppid;
-    row.state = words[2].toString();
+    row.state = stateText(words[2]);
     row.cpuPercent = numberOrZero(words[3]);
     row.cpuTime = parseCPUTime(words[4]);
     row.command = command.toString();
@@ -158,19 +202,29 @@ double parseCPUTime(QStringView text) {
 
     double daySeconds = 0;
     QStringView clock = text;
-    if (const qsizetype dash = text.indexOf(u'-'); dash >= 0) {
-        daySeconds = numberOrZero(text.first(dash)) * 86400;
-        clock = text.sliced(dash + 1);
+    // Time texts are a few characters: plain loops beat the general searches.
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        if (text[i] == u'-') {
+            daySeconds = numberOrZero(text.first(i)) * 86400;
+            clock = text.sliced(i + 1);
+            break;
+        }
     }
 
     // Only the last three non-empty ":" pieces count: hours, minutes, seconds.
     std::array<double, 3> last{};
     qsizetype count = 0;
-    for (const QStringView piece : clock.tokenize(u':', Qt::SkipEmptyParts)) {
-        last[0] = last[1];
-        last[1] = last[2];
-        last[2] = numberOrZero(piece);
-        ++count;
+    for (qsizetype begin = 0; begin < clock.size();) {
+        qsizetype end = begin;
+        while (end < clock.size() && clock[end] != u':')
+            ++end;
+        if (end > begin) {
+            last[0] = last[1];
+            last[1] = last[2];
+            last[2] = numberOrZero(clock.sliced(begin, end - begin));
+            ++count;
+        }
+        begin = end + 1;
     }
     switch (count) {
     case 0:

@@ -40,6 +40,31 @@ Chain climb(const ObservedProcess& candidate, QString lowered, ParentOf parentOf
     return chain;
 }
 
+// False only when the command surely does not contain "codex" in any letter
+// case, which every way of being a candidate needs. Plain ASCII is checked
+// directly; anything else might lower-case into it and is left to the rule.
+bool mayMentionCodex(QStringView command) {
+    const char16_t* const text = command.utf16();
+    const qsizetype size = command.size();
+    // Branch-free so that the compiler can vectorize it; command lines are
+    // short, so scanning to the end costs less than stopping early would save.
+    char16_t any = 0;
+    for (qsizetype i = 0; i < size; ++i)
+        any |= text[i];
+    // ASCII letters differ from their upper case only in bit 0x20; a zero
+    // difference at some position means "codex" starts there.
+    char16_t least = 1;
+    for (qsizetype i = 0; i + 5 <= size; ++i) {
+        const char16_t difference =
+            char16_t((text[i] | 0x20) ^ u'c') | char16_t((text[i + 1] | 0x20) ^ u'o') |
+            char16_t((text[i + 2] | 0x20) ^ u'd') | char16_t((text[i + 3] | 0x20) ^ u'e') |
+            char16_t((text[i + 4] | 0x20) ^ u'x');
+        least = std::min(least, difference);
+    }
+    const bool found = least == 0;
+    return found || any >= 0x80;
+}
+
 void addMember(ActivityAggregate& group, const ObservedProcess& row) {
     if (group.memberPIDs.contains(row.pid))
         return;
@@ -54,17 +79,24 @@ void addMember(ActivityAggregate& group, const ObservedProcess& row) {
 
 QList<DetectedProcessSample> detectCodexProcesses(const QList<ObservedProcess>& rows) {
     // One entry per PID, the first row winning; later rows with that PID take
-    // no part at all. Each command is lower-cased once for the whole pass.
+    // no part at all. A command is lower-cased at most once per pass, and only
+    // when a test needs it: most rows are ruled out without it.
     QHash<qint64, qsizetype> indexByPID;
     indexByPID.reserve(rows.size());
-    QList<QString> lowered(rows.size());
+    QList<QString> lowered(rows.size()); // null until needed
+    const auto loweredAt = [&](qsizetype i) -> const QString& {
+        if (lowered[i].isNull())
+            lowered[i] = lowerCasedCommand(rows[i].command);
+        return lowered[i];
+    };
+
     QList<qsizetype> candidates;
     for (qsizetype i = 0; i < rows.size(); ++i) {
-        if (indexByPID.contains(rows[i].pid))
+        qsizetype& slot = indexByPID[rows[i].pid];
+        if (slot != 0)
             continue;
-        indexByPID.insert(rows[i].pid, i);
-        lowered[i] = lowerCasedCommand(rows[i].command);
-        if (isCandidateCommand(lowered[i]))
+        slot = i + 1; // 0 marks a fresh entry
+        if (mayMentionCodex(rows[i].command) && isCandidateCommand(loweredAt(i)))
             candidates.append(i);
     }
 
@@ -72,12 +104,12 @@ QList<DetectedProcessSample> detectCodexProcesses(const QList<ObservedProcess>& 
         const auto it = indexByPID.constFind(ppid);
         if (it == indexByPID.cend())
             return std::nullopt;
-        return Parent{&rows[*it], lowered[*it]};
+        return Parent{&rows[*it - 1], loweredAt(*it - 1)};
     };
 
     QHash<qint64, ActivityAggregate> groups;
     for (const qsizetype i : std::as_const(candidates)) {
-        const Chain chain = climb(rows[i], lowered[i], parentOf);
+        const Chain chain = climb(rows[i], loweredAt(i), parentOf);
         const ObservedProcess& root = *chain.back();
         auto group = groups.find(root.pid);
         if (group == groups.end()) {

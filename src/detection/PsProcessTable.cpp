@@ -118,11 +118,22 @@ QList<ObservedProcess> readProcessTable(const QString& executable) {
             text.isEmpty() ? QStringLiteral("ps failed with exit code %1").arg(status) : text);
     }
 
+    return parseProcessListing(text);
+}
+
+QList<ObservedProcess> parseProcessListing(QStringView output) {
     QList<ObservedProcess> rows;
-    rows.reserve(text.count(u'\n') + 1);
-    for (const QStringView line : QStringView(text).tokenize(u'\n', Qt::SkipEmptyParts)) {
-        if (auto row = parseProcessLine(line))
-            rows.append(std::move(*row));
+    rows.reserve(output.size() / 64); // a typical line's length; growing is cheap
+    qsizetype begin = 0;
+    while (begin < output.size()) {
+        qsizetype end = output.indexOf(QChar(u'\n'), begin);
+        if (end < 0)
+            end = output.size();
+        if (end > begin) {
+            if (auto row = parseProcessLine(output.sliced(begin, end - begin)))
+                rows.append(std::move(*row));
+        }
+        begin = end + 1;
     }
     return rows;
 }
