@@ -7,7 +7,6 @@
 #include "views/ViewStyle.h"
 
 #include <QHBoxLayout>
-#include <QPushButton>
 #include <QShortcut>
 #include <QVBoxLayout>
 
@@ -19,6 +18,7 @@ constexpr int kSectionSpacing = 14;
 constexpr int kPreferencesHeight = 120;
 constexpr int kProcessesHeight = 136;
 constexpr int kProcessListHeight = 126;
+constexpr int kProcessListMinimumHeight = 82;
 
 QVBoxLayout* stack(int spacing, QWidget* owner = nullptr) {
     auto* layout = owner ? new QVBoxLayout(owner) : new QVBoxLayout;
@@ -41,8 +41,8 @@ ControlPanelView::ControlPanelView(CodexProcessMonitor& monitor,
     , m_preferences(new PreferencesControlsView(launchAtLogin, appVisibility, this))
     , m_processList(new ProcessListSectionView(monitor, this))
     , m_lastUpdated(new LastUpdatedLabel(monitor.lastUpdated(), this))
-    , m_refreshButton(new QPushButton(tr("Refresh Now"), this))
-    , m_quitButton(new QPushButton(tr("Quit"), this)) {
+    , m_refreshButton(new StyledButton(tr("Refresh Now"), StyledButton::bordered, this))
+    , m_quitButton(new StyledButton(tr("Quit"), StyledButton::bordered, this)) {
     setFixedSize(kWidth, kHeight);
     setAutoFillBackground(true);
     setBackgroundRole(QPalette::Window);
@@ -61,15 +61,19 @@ ControlPanelView::ControlPanelView(CodexProcessMonitor& monitor,
     preferencesStack->addWidget(m_preferences);
     preferencesStack->addStretch(1);
 
+    // The section also takes the remaining height, below its list.
     auto* processes = new QWidget(this);
     processes->setMinimumHeight(kProcessesHeight);
+    processes->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Expanding);
     auto* processesStack = stack(10, processes);
     auto* processesTitle = new StyledLabel(TextStyle::headline, NamedColor::primary, processes);
     processesTitle->setText(tr("Active processes"));
     processesStack->addWidget(processesTitle);
-    m_processList->setFixedHeight(kProcessListHeight);
-    processesStack->addWidget(m_processList);
-    processesStack->addStretch(1);
+    // 126 high; it gives way only when failure texts crowd the preferences.
+    m_processList->setMinimumHeight(kProcessListMinimumHeight);
+    m_processList->setMaximumHeight(kProcessListHeight);
+    processesStack->addWidget(m_processList, 1);
+    processesStack->addStretch(0);
 
     auto* footer = new QHBoxLayout;
     footer->setContentsMargins(0, 0, 0, 0);
@@ -85,17 +89,16 @@ ControlPanelView::ControlPanelView(CodexProcessMonitor& monitor,
     column->addWidget(new Divider(this));
     column->addWidget(preferences);
     column->addWidget(new Divider(this));
-    column->addWidget(processes);
-    column->addStretch(1);
+    column->addWidget(processes, 1);
     column->addWidget(new Divider(this));
     column->addLayout(footer);
 
-    connect(m_refreshButton, &QPushButton::clicked, this, [this] { m_actions.refreshNow(); });
-    connect(m_quitButton, &QPushButton::clicked, this, [this] { m_actions.quit(); });
+    connect(m_refreshButton, &StyledButton::clicked, this, [this] { m_actions.refreshNow(); });
+    connect(m_quitButton, &StyledButton::clicked, this, [this] { m_actions.quit(); });
     // R alone, while this window is active, presses "Refresh Now".
     auto* refreshKey = new QShortcut(QKeySequence(Qt::Key_R), this);
     refreshKey->setContext(Qt::WindowShortcut);
-    connect(refreshKey, &QShortcut::activated, m_refreshButton, &QPushButton::animateClick);
+    connect(refreshKey, &QShortcut::activated, m_refreshButton, &StyledButton::animateClick);
 
     m_updates->observe(&m_monitor);
     updateFromMonitor();

@@ -7,8 +7,6 @@
 
 #include <QWidget>
 
-class QPushButton;
-
 namespace brenvik {
 
 class CoalescedUpdate;
@@ -17,6 +15,7 @@ class LastUpdatedLabel;
 class PreferencesControlsView;
 class ProcessListSectionView;
 class StatusHeaderView;
+class StyledButton;
 
 // The whole control panel, 420 × 480: header with the error line,
 // preferences, the process list, the last refresh time, "Refresh Now" (also
@@ -37,8 +36,8 @@ public:
     [[nodiscard]] PreferencesControlsView* preferences() const noexcept { return m_preferences; }
     [[nodiscard]] ProcessListSectionView* processList() const noexcept { return m_processList; }
     [[nodiscard]] LastUpdatedLabel* lastUpdatedLabel() const noexcept { return m_lastUpdated; }
-    [[nodiscard]] QPushButton* refreshButton() const noexcept { return m_refreshButton; }
-    [[nodiscard]] QPushButton* quitButton() const noexcept { return m_quitButton; }
+    [[nodiscard]] StyledButton* refreshButton() const noexcept { return m_refreshButton; }
+    [[nodiscard]] StyledButton* quitButton() const noexcept { return m_quitButton; }
     [[nodiscard]] int updateCount() const;
 
 private:
@@ -52,8 +51,8 @@ private:
     PreferencesControlsView* m_preferences;
     ProcessListSectionView* m_processList;
     LastUpdatedLabel* m_lastUpdated;
-    QPushButton* m_refreshButton;
-    QPushButton* m_quitButton;
+    StyledButton* m_refreshButton;
+    StyledButton* m_quitButton;
 };
 
 } // namespace brenvik

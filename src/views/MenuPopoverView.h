@@ -3,29 +3,13 @@
 #include "monitor/ProcessMonitoring.h"
 #include "views/ViewActions.h"
 
-#include <QPushButton>
 #include <QWidget>
 
 namespace brenvik {
 
 class CoalescedUpdate;
+class StyledButton;
 class StatusHeaderView;
-
-// A button filled with the palette's accent colour: the one prominent action
-// of a surface.
-class ProminentButton : public QPushButton {
-    Q_OBJECT
-
-public:
-    explicit ProminentButton(const QString& text, QWidget* parent = nullptr);
-
-protected:
-    void changeEvent(QEvent* event) override;
-
-private:
-    void applyPalette();
-    bool m_applying = false;
-};
 
 // The popover: the status header and "Open Control Panel". 300 points wide;
 // its height follows the content.
@@ -38,7 +22,7 @@ public:
     static constexpr int kWidth = 300;
 
     [[nodiscard]] StatusHeaderView* header() const noexcept { return m_header; }
-    [[nodiscard]] QPushButton* openControlPanelButton() const noexcept { return m_openButton; }
+    [[nodiscard]] StyledButton* openControlPanelButton() const noexcept { return m_openButton; }
     [[nodiscard]] int updateCount() const;
 
 private:
@@ -48,7 +32,7 @@ private:
     ViewActions& m_actions;
     CoalescedUpdate* m_updates;
     StatusHeaderView* m_header;
-    ProminentButton* m_openButton;
+    StyledButton* m_openButton;
 };
 
 } // namespace brenvik

@@ -4,6 +4,7 @@
 #include "views/ProcessRowsView.h"
 #include "views/ViewStyle.h"
 
+#include <QEvent>
 #include <QScrollArea>
 #include <QScrollBar>
 #include <QStackedLayout>
@@ -47,6 +48,7 @@ ProcessListSectionView::ProcessListSectionView(CodexProcessMonitor& monitor, QWi
     m_scroll->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
     m_scroll->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     m_scroll->viewport()->setAutoFillBackground(false);
+    applySlimScrollBarStyle(m_scroll->verticalScrollBar());
 
     m_pages->addWidget(placeholderPage);
     m_pages->addWidget(m_plainPage);
@@ -55,6 +57,12 @@ ProcessListSectionView::ProcessListSectionView(CodexProcessMonitor& monitor, QWi
 
     m_updates->observe(&m_monitor);
     updateFromMonitor();
+}
+
+void ProcessListSectionView::changeEvent(QEvent* event) {
+    QWidget::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange)
+        applySlimScrollBarStyle(m_scroll->verticalScrollBar());
 }
 
 QString ProcessListSectionView::placeholderText() const {

@@ -29,6 +29,9 @@ public:
     [[nodiscard]] QScrollArea* scrollArea() const noexcept { return m_scroll; }
     [[nodiscard]] int updateCount() const;
 
+protected:
+    void changeEvent(QEvent* event) override;
+
 private:
     void updateFromMonitor();
     void setForm(ProcessListForm form);

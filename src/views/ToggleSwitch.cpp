@@ -2,6 +2,7 @@
 
 #include "views/ViewStyle.h"
 
+#include <QFocusEvent>
 #include <QPainter>
 #include <QPainterPath>
 
@@ -28,7 +29,7 @@ ToggleSwitch::ToggleSwitch(const QString& label, QWidget* parent)
 QSize ToggleSwitch::sizeHint() const {
     const QFontMetrics metrics(font());
     return {int(metrics.horizontalAdvance(text()) + kLabelGap + kTrackWidth + 4),
-            std::max(int(kTrackHeight) + 4, metrics.height() + 2)};
+            std::max(int(kTrackHeight) + 2, metrics.height())};
 }
 
 QSize ToggleSwitch::minimumSizeHint() const {
@@ -37,6 +38,13 @@ QSize ToggleSwitch::minimumSizeHint() const {
 
 void ToggleSwitch::nextCheckState() {
     // The owner decides; see toggleRequested().
+}
+
+void ToggleSwitch::focusInEvent(QFocusEvent* event) {
+    const Qt::FocusReason reason = event->reason();
+    m_keyboardFocus = reason == Qt::TabFocusReason || reason == Qt::BacktabFocusReason ||
+                      reason == Qt::ShortcutFocusReason;
+    QAbstractButton::focusInEvent(event);
 }
 
 bool ToggleSwitch::hitButton(const QPoint& pos) const {
@@ -55,6 +63,7 @@ void ToggleSwitch::paintEvent(QPaintEvent*) {
     const qreal disabled = isEnabled() ? 1.0 : 0.45;
 
     painter.setPen(withOpacity(pal.color(QPalette::WindowText), disabled));
+    painter.setFont(font());
     painter.drawText(QRectF(0, 0, trackRect().left() - kLabelGap, height()),
                      Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine, text());
 
@@ -69,7 +78,7 @@ void ToggleSwitch::paintEvent(QPaintEvent*) {
     painter.setBrush(withOpacity(trackColor, disabled));
     painter.drawRoundedRect(track, radius, radius);
 
-    if (hasFocus()) {
+    if (hasFocus() && m_keyboardFocus) {
         QPen ring(withOpacity(pal.color(QPalette::Highlight), 0.5), 2.5);
         painter.setPen(ring);
         painter.setBrush(Qt::NoBrush);

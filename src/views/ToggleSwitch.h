@@ -23,10 +23,14 @@ Q_SIGNALS:
 protected:
     void paintEvent(QPaintEvent* event) override;
     void nextCheckState() override;
+    void focusInEvent(QFocusEvent* event) override;
     [[nodiscard]] bool hitButton(const QPoint& pos) const override;
 
 private:
     [[nodiscard]] QRectF trackRect() const;
+
+    // The focus ring shows only when the keyboard brought the focus here.
+    bool m_keyboardFocus = false;
 };
 
 } // namespace brenvik

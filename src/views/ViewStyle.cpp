@@ -3,6 +3,7 @@
 #include <QApplication>
 #include <QEvent>
 #include <QPainter>
+#include <QScrollBar>
 
 namespace brenvik {
 
@@ -122,7 +123,8 @@ void StyledLabel::setColor(NamedColor color) {
 void StyledLabel::setMaximumLines(int lines) {
     setWordWrap(lines > 0);
     const QFontMetrics metrics(font());
-    setMaximumHeight(lines > 0 ? metrics.lineSpacing() * lines + 1 : QWIDGETSIZE_MAX);
+    setMaximumHeight(lines > 0 ? metrics.lineSpacing() * (lines - 1) + metrics.height() + 2
+                               : QWIDGETSIZE_MAX);
 }
 
 void StyledLabel::changeEvent(QEvent* event) {
@@ -169,6 +171,81 @@ void ElidingLabel::elide() {
     QString oneLine = m_fullText;
     oneLine.replace(u'\n', u' ');
     setText(fontMetrics().elidedText(oneLine, Qt::ElideRight, contentsRect().width()));
+}
+
+namespace {
+QString css(const QColor& color) {
+    return QStringLiteral("rgba(%1, %2, %3, %4)")
+        .arg(color.red())
+        .arg(color.green())
+        .arg(color.blue())
+        .arg(color.alphaF(), 0, 'f', 3);
+}
+} // namespace
+
+StyledButton::StyledButton(const QString& text, Kind kind, QWidget* parent)
+    : QPushButton(text, parent)
+    , m_kind(kind) {
+    // As on other desktops' utility windows: Tab reaches buttons, clicks do
+    // not leave a focus ring behind.
+    setFocusPolicy(Qt::TabFocus);
+    applyPalette();
+}
+
+void StyledButton::changeEvent(QEvent* event) {
+    QPushButton::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange && !m_applying)
+        applyPalette();
+}
+
+void StyledButton::applyPalette() {
+    m_applying = true;
+    const QPalette pal = parentWidget() ? parentWidget()->palette() : QApplication::palette();
+    const bool dark = isDarkPalette(pal);
+    const QColor accent = pal.color(QPalette::Highlight);
+    const QColor text = pal.color(QPalette::WindowText);
+    QColor background, label, border;
+    if (m_kind == prominent) {
+        background = accent;
+        label = pal.color(QPalette::HighlightedText);
+        border = accent.darker(110);
+    } else {
+        background = dark ? QColor(255, 255, 255, 30) : QColor(255, 255, 255);
+        label = pal.color(QPalette::ButtonText);
+        border = withOpacity(text, dark ? 0.22 : 0.2);
+    }
+    const QColor hover = m_kind == prominent
+                             ? accent.lighter(108)
+                             : (dark ? QColor(255, 255, 255, 44) : QColor(246, 246, 246));
+    const QColor pressed = m_kind == prominent
+                               ? accent.darker(115)
+                               : (dark ? QColor(255, 255, 255, 20) : QColor(228, 228, 228));
+    setStyleSheet(
+        QStringLiteral("QPushButton { background-color: %1; color: %2; border: 1px solid %3;"
+                       " border-radius: 6px; padding: 3px 14px; min-height: 18px; }"
+                       "QPushButton:hover { background-color: %4; }"
+                       "QPushButton:pressed { background-color: %5; }"
+                       "QPushButton:focus { border: 2px solid %6; padding: 2px 13px; }")
+            .arg(css(background), css(label), css(border), css(hover), css(pressed),
+                 css(withOpacity(accent, 0.6))));
+    m_applying = false;
+}
+
+void applySlimScrollBarStyle(QScrollBar* bar) {
+    const QPalette pal = bar->parentWidget() ? bar->parentWidget()->palette() : bar->palette();
+    const QColor text = pal.color(QPalette::WindowText);
+    bar->setStyleSheet(
+        QStringLiteral("QScrollBar:vertical { background: %1; width: 8px; margin: 0; border: none;"
+                       " border-radius: 4px; }"
+                       "QScrollBar::handle:vertical { background: %2; min-height: 24px;"
+                       " border-radius: 4px; }"
+                       "QScrollBar::handle:vertical:hover { background: %3; }"
+                       "QScrollBar::add-line:vertical, QScrollBar::sub-line:vertical { height: 0;"
+                       " border: none; background: none; }"
+                       "QScrollBar::add-page:vertical, QScrollBar::sub-page:vertical {"
+                       " background: none; }")
+            .arg(css(withOpacity(text, 0.06)), css(withOpacity(text, 0.32)),
+                 css(withOpacity(text, 0.45))));
 }
 
 Divider::Divider(QWidget* parent)

@@ -4,6 +4,9 @@
 #include <QFont>
 #include <QLabel>
 #include <QPalette>
+#include <QPushButton>
+
+class QScrollBar;
 
 namespace brenvik {
 
@@ -79,6 +82,28 @@ private:
 
     QString m_fullText;
 };
+
+// A push button drawn from the palette: "bordered" for ordinary actions,
+// "prominent" (filled with the accent colour) for the one main action.
+class StyledButton : public QPushButton {
+    Q_OBJECT
+
+public:
+    enum Kind { bordered, prominent };
+    StyledButton(const QString& text, Kind kind, QWidget* parent = nullptr);
+
+protected:
+    void changeEvent(QEvent* event) override;
+
+private:
+    void applyPalette();
+
+    Kind m_kind;
+    bool m_applying = false;
+};
+
+// A slim scroll bar without arrows, in the palette's colours.
+void applySlimScrollBarStyle(QScrollBar* bar);
 
 // A hairline between sections.
 class Divider : public QWidget {
