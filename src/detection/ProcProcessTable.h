@@ -59,7 +59,7 @@ private:
     double m_ticksPerSecond = 100;
     QHash<qint64, Known> m_known;
     std::optional<std::chrono::steady_clock::time_point> m_previousAt;
-    quint64 m_generation = 0;
+    quint64 m_generation = 1; // so that no snapshot mistakes a fresh entry (0) for the previous one
     qsizetype m_previousCount = 0;
     QByteArray m_cmdlineBuffer;            // reused: cmdline may be long
     std::array<QString, 256> m_stateTexts; // shared one-letter texts

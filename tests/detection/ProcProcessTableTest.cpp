@@ -115,15 +115,17 @@ TEST_F(ProcSourceTest, RowsFromStatAndCmdline) {
                 .cmdline = "node\0/x/codex\0--fast\0\0"_qba});
     m_proc.put({.pid = 11, .comm = "kworker/0:1", .ppid = 2});
     m_proc.put({.pid = 12, .comm = "bad", .cmdline = "a\xff\0b \0"_qba});
+    m_proc.put({.pid = 15, .comm = "", .startTicks = 0, .cmdline = "nameless"});
     m_proc.putRaw("13", "stat", "garbage");
     m_proc.putRaw("14", "status", "no stat file: vanished");
     snapshotAfter(0ms);
 
-    ASSERT_EQ(m_rows.size(), 3);
+    ASSERT_EQ(m_rows.size(), 4);
     EXPECT_EQ(find(10), (ObservedProcess{10, 3, QStringLiteral("R"), 0.0, 3.0,
                                          QStringLiteral("node /x/codex --fast")}));
     EXPECT_EQ(command(11), QStringLiteral("[kworker/0:1]"));
     EXPECT_EQ(command(12), QStringLiteral("a\uFFFD b"));
+    EXPECT_EQ(command(15), QStringLiteral("nameless"));
 }
 
 TEST_F(ProcSourceTest, CommandLineReReadOnlyWhenCommChanges) {
