@@ -1,0 +1,89 @@
+#include "app/AppModel.h"
+
+#include "app/AppVisibilityController.h"
+#include "app/ControlPanelController.h"
+#include "app/LaunchAtLoginController.h"
+#include "app/StatusItemController.h"
+
+#include <QCoreApplication>
+#include <QTimer>
+
+namespace brenvik {
+
+namespace {
+
+std::unique_ptr<CodexProcessMonitor> makeMonitor(const AppModel::Parts& parts) {
+    if (!parts.scan && !parts.clock)
+        return std::make_unique<CodexProcessMonitor>();
+    return std::make_unique<CodexProcessMonitor>(
+        parts.scan ? parts.scan : [] { return scanCodexProcesses(); },
+        parts.clock ? parts.clock : [] { return QDateTime::currentDateTime(); });
+}
+
+std::unique_ptr<AppVisibilityController> makeAppVisibility(const AppModel::Parts& parts) {
+    if (parts.activationPolicy)
+        return std::make_unique<AppVisibilityController>(*parts.activationPolicy, QString());
+    return std::make_unique<AppVisibilityController>();
+}
+
+} // namespace
+
+AppModel& AppModel::shared() {
+    // A child of the application object, deleted by its post routines: that
+    // runs first thing in the application's destructor, while windows and the
+    // tray can still be torn down properly.
+    static AppModel* const instance = [] {
+        auto* model = new AppModel(Parts{}, QCoreApplication::instance());
+        qAddPostRoutine([] {
+            delete QCoreApplication::instance()->findChild<AppModel*>(QString(),
+                                                                      Qt::FindDirectChildrenOnly);
+        });
+        return model;
+    }();
+    return *instance;
+}
+
+AppModel::AppModel(Parts parts, QObject* parent)
+    : QObject(parent)
+    , m_runAfter(parts.runAfter ? std::move(parts.runAfter)
+                                : RunAfter([this](std::chrono::milliseconds delay,
+                                                  std::function<void()> step) {
+                                      QTimer::singleShot(delay, this, std::move(step));
+                                  }))
+    , m_monitor(makeMonitor(parts))
+    , m_launchAtLogin(std::make_unique<LaunchAtLoginController>())
+    , m_appVisibility(makeAppVisibility(parts))
+    , m_controlPanel(std::make_unique<ControlPanelController>(*m_monitor, *m_launchAtLogin,
+                                                              *m_appVisibility, *this))
+    , m_statusItem(parts.traySurface
+                       ? std::make_unique<StatusItemController>(*this, *parts.traySurface)
+                       : std::make_unique<StatusItemController>(*this)) {}
+
+AppModel::~AppModel() = default;
+
+void AppModel::bootstrap() {
+    m_statusItem->configure(*m_monitor);
+    m_monitor->start();
+    if (!m_appVisibility->showDockIcon()) {
+        m_runAfter(dockPolicyDelay, [this] {
+            m_appVisibility->applyActivationPolicy(/*activate=*/false, /*reportFailure=*/false);
+        });
+    }
+    QMetaObject::invokeMethod(
+        this, [this] { m_controlPanel->show(); }, Qt::QueuedConnection);
+}
+
+void AppModel::openControlPanel() {
+    m_controlPanel->show();
+}
+
+void AppModel::refreshNow() {
+    m_launchAtLogin->setStatus(m_launchAtLogin->systemStatus());
+    m_monitor->refresh();
+}
+
+void AppModel::quit() {
+    QCoreApplication::quit();
+}
+
+} // namespace brenvik

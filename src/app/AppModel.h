@@ -1,0 +1,71 @@
+#pragma once
+
+#include "monitor/ProcessMonitoring.h"
+#include "views/ViewActions.h"
+
+#include <QObject>
+#include <chrono>
+#include <functional>
+#include <memory>
+
+namespace brenvik {
+
+class ActivationPolicy;
+class AppVisibilityController;
+class ControlPanelController;
+class LaunchAtLoginController;
+class StatusItemController;
+class TraySurface;
+
+// The root object: makes the program's long-lived objects once, in order, and
+// starts them. Everything reaches them through AppModel::shared().
+class AppModel : public QObject, public ViewActions {
+    Q_OBJECT
+
+public:
+    // How long after start-up the stored "Show in Dock" = off is applied.
+    static constexpr std::chrono::milliseconds dockPolicyDelay{150};
+
+    using RunAfter = std::function<void(std::chrono::milliseconds, std::function<void()>)>;
+
+    // What tests replace; an empty or null part means the real one.
+    struct Parts {
+        CodexProcessMonitor::ScanFunction scan;
+        CodexProcessMonitor::WallClock clock;
+        ActivationPolicy* activationPolicy = nullptr; // must outlive the model
+        TraySurface* traySurface = nullptr;           // must outlive the model
+        RunAfter runAfter;                            // delayed start-up steps
+    };
+
+    // The one instance, made on first use and kept until the application
+    // object goes away.
+    [[nodiscard]] static AppModel& shared();
+
+    explicit AppModel(Parts parts, QObject* parent = nullptr);
+    ~AppModel() override;
+
+    [[nodiscard]] CodexProcessMonitor& monitor() noexcept { return *m_monitor; }
+    [[nodiscard]] LaunchAtLoginController& launchAtLogin() noexcept { return *m_launchAtLogin; }
+    [[nodiscard]] AppVisibilityController& appVisibility() noexcept { return *m_appVisibility; }
+    [[nodiscard]] ControlPanelController& controlPanel() noexcept { return *m_controlPanel; }
+    [[nodiscard]] StatusItemController& statusItem() noexcept { return *m_statusItem; }
+
+    // Start-up, in order: draw the status item, start the monitor, schedule the
+    // stored Dock preference, and open the control panel on the next
+    // event-loop turn.
+    void bootstrap();
+
+    void openControlPanel() override;
+    void refreshNow() override;
+    void quit() override;
+
+private:
+    RunAfter m_runAfter;
+    std::unique_ptr<CodexProcessMonitor> m_monitor;
+    std::unique_ptr<LaunchAtLoginController> m_launchAtLogin;
+    std::unique_ptr<AppVisibilityController> m_appVisibility;
+    std::unique_ptr<ControlPanelController> m_controlPanel;
+    std::unique_ptr<StatusItemController> m_statusItem;
+};
+
+} // namespace brenvik

@@ -1,0 +1,45 @@
+#include "app/ControlPanelController.h"
+
+#include "views/ControlPanelView.h"
+
+#include <QGuiApplication>
+#include <QScreen>
+#include <QVBoxLayout>
+
+namespace brenvik {
+
+ControlPanelController::ControlPanelController(CodexProcessMonitor& monitor,
+                                               LaunchAtLoginController& launchAtLogin,
+                                               AppVisibilityController& appVisibility,
+                                               ViewActions& actions)
+    : m_monitor(monitor)
+    , m_launchAtLogin(launchAtLogin)
+    , m_appVisibility(appVisibility)
+    , m_actions(actions) {}
+
+ControlPanelController::~ControlPanelController() = default;
+
+void ControlPanelController::show() {
+    if (!m_window)
+        buildWindow();
+    m_window->show();
+    m_window->raise();
+    m_window->activateWindow();
+}
+
+void ControlPanelController::buildWindow() {
+    m_window = std::make_unique<QWidget>();
+    m_window->setWindowTitle(QStringLiteral("Brenvik"));
+    auto* layout = new QVBoxLayout(m_window.get());
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(new ControlPanelView(m_monitor, m_launchAtLogin, m_appVisibility, m_actions));
+    // Not resizable; closing hides the window, which stays for the next show().
+    m_window->setFixedSize(windowSize);
+    if (const QScreen* screen = QGuiApplication::primaryScreen()) {
+        QRect frame(QPoint(), windowSize);
+        frame.moveCenter(screen->availableGeometry().center());
+        m_window->move(frame.topLeft());
+    }
+}
+
+} // namespace brenvik

@@ -1,0 +1,43 @@
+#pragma once
+
+#include <QSize>
+#include <QWidget>
+#include <memory>
+
+namespace brenvik {
+
+class AppVisibilityController;
+class CodexProcessMonitor;
+class LaunchAtLoginController;
+class ViewActions;
+
+// The control panel window "Brenvik": built on first use, kept for the life of
+// the process (closing only hides it) and brought to the front on every show().
+class ControlPanelController {
+public:
+    static constexpr QSize windowSize{420, 480};
+
+    ControlPanelController(CodexProcessMonitor& monitor, LaunchAtLoginController& launchAtLogin,
+                           AppVisibilityController& appVisibility, ViewActions& actions);
+    ~ControlPanelController();
+    ControlPanelController(const ControlPanelController&) = delete;
+    ControlPanelController& operator=(const ControlPanelController&) = delete;
+
+    // Builds the window once (centred on the primary screen), then shows it,
+    // raises it and activates it.
+    void show();
+
+    // None until the first show().
+    [[nodiscard]] QWidget* window() const noexcept { return m_window.get(); }
+
+private:
+    void buildWindow();
+
+    CodexProcessMonitor& m_monitor;
+    LaunchAtLoginController& m_launchAtLogin;
+    AppVisibilityController& m_appVisibility;
+    ViewActions& m_actions;
+    std::unique_ptr<QWidget> m_window;
+};
+
+} // namespace brenvik

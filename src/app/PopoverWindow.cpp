@@ -1,0 +1,83 @@
+#include "app/PopoverWindow.h"
+
+#include "app/PopoverPlacement.h"
+
+#include <QCursor>
+#include <QGuiApplication>
+#include <QPainter>
+#include <QScreen>
+#include <QVBoxLayout>
+
+namespace brenvik {
+
+namespace {
+
+// A click on the tray icon while the popup is open first closes the popup
+// (Qt closes popups on any press outside them) and then arrives as a click on
+// the icon. Within this time after closing, that click only closes.
+constexpr qint64 closingClickMilliseconds = 300;
+
+} // namespace
+
+PopoverWindow::PopoverWindow(QWidget* parent)
+    : QWidget(parent, Qt::Popup | Qt::FramelessWindowHint) {
+    setWindowTitle(QStringLiteral("Brenvik Popover"));
+    setAttribute(Qt::WA_StyledBackground);
+    setAutoFillBackground(true);
+    setBackgroundRole(QPalette::Window);
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(1, 1, 1, 1); // room for the border
+    layout->setSpacing(0);
+}
+
+void PopoverWindow::setContent(QWidget* content) {
+    if (m_content == content)
+        return;
+    delete m_content;
+    m_content = content;
+    if (m_content)
+        layout()->addWidget(m_content);
+}
+
+void PopoverWindow::toggle(const QRect& anchor) {
+    if (isVisible()) {
+        hide();
+        return;
+    }
+    if (m_sinceClosed.isValid() && m_sinceClosed.elapsed() < closingClickMilliseconds)
+        return;
+    open(anchor);
+}
+
+void PopoverWindow::open(const QRect& anchor) {
+    const QRect target = anchor.isEmpty() ? QRect(QCursor::pos(), QSize(1, 1)) : anchor;
+    QScreen* screen = QGuiApplication::screenAt(target.center());
+    if (!screen)
+        screen = QGuiApplication::primaryScreen();
+    QRect area = screen ? screen->availableGeometry() : QRect();
+    if (screen && area.isEmpty())
+        area = screen->geometry();
+
+    adjustSize();
+    const QSize size = sizeHint().expandedTo(contentSize);
+    resize(size);
+    if (!area.isEmpty())
+        move(popoverPosition(target, size, area));
+    show();
+    raise();
+    activateWindow();
+}
+
+void PopoverWindow::hideEvent(QHideEvent* event) {
+    m_sinceClosed.start();
+    QWidget::hideEvent(event);
+}
+
+void PopoverWindow::paintEvent(QPaintEvent* event) {
+    QWidget::paintEvent(event);
+    QPainter painter(this);
+    painter.setPen(palette().color(QPalette::Mid));
+    painter.drawRect(rect().adjusted(0, 0, -1, -1));
+}
+
+} // namespace brenvik

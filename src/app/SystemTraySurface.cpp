@@ -1,0 +1,57 @@
+#include "app/SystemTraySurface.h"
+
+#include "views/ViewActions.h"
+
+namespace brenvik {
+
+SystemTraySurface::SystemTraySurface(ViewActions& actions, QObject* parent)
+    : TraySurface(parent) {
+    m_menu.setWindowTitle(QStringLiteral("Brenvik Menu"));
+    m_menu.addAction(QStringLiteral("Open Control Panel"), this,
+                     [&actions] { actions.openControlPanel(); });
+    m_menu.addAction(QStringLiteral("Refresh Now"), this, [&actions] { actions.refreshNow(); });
+    m_menu.addSeparator();
+    m_menu.addAction(QStringLiteral("Quit"), this, [&actions] { actions.quit(); });
+
+    connect(&m_hostWatcher, &TrayHostWatcher::hostAvailableChanged, this,
+            &SystemTraySurface::createTrayIcon);
+    if (m_hostWatcher.hostAvailable())
+        createTrayIcon();
+}
+
+SystemTraySurface::~SystemTraySurface() = default;
+
+void SystemTraySurface::setIcon(const QIcon& icon) {
+    m_icon = icon;
+    if (m_trayIcon)
+        m_trayIcon->setIcon(m_icon);
+    else if (m_hostWatcher.hostAvailable())
+        createTrayIcon();
+}
+
+void SystemTraySurface::setToolTip(const QString& text) {
+    m_toolTip = text;
+    if (m_trayIcon)
+        m_trayIcon->setToolTip(m_toolTip);
+}
+
+QRect SystemTraySurface::geometry() const {
+    return m_trayIcon ? m_trayIcon->geometry() : QRect();
+}
+
+void SystemTraySurface::createTrayIcon() {
+    // A host shows an empty slot for an icon without a picture.
+    if (m_trayIcon || m_icon.isNull())
+        return;
+    m_trayIcon = std::make_unique<QSystemTrayIcon>(m_icon);
+    m_trayIcon->setToolTip(m_toolTip);
+    m_trayIcon->setContextMenu(&m_menu);
+    connect(m_trayIcon.get(), &QSystemTrayIcon::activated, this,
+            [this](QSystemTrayIcon::ActivationReason reason) {
+                if (reason == QSystemTrayIcon::Trigger)
+                    Q_EMIT triggered();
+            });
+    m_trayIcon->show();
+}
+
+} // namespace brenvik

@@ -1,0 +1,82 @@
+#include "app/TrayHostWatcher.h"
+
+#include <QByteArray>
+#include <QDBusConnection>
+#include <QDBusConnectionInterface>
+#include <QGuiApplication>
+#include <QtGui/qguiapplication_platform.h>
+#include <cstdlib>
+#include <xcb/xcb.h>
+
+namespace brenvik {
+
+TrayHostWatcher::TrayHostWatcher(QObject* parent)
+    : QObject(parent) {
+    const QDBusConnection bus = QDBusConnection::sessionBus();
+    if (bus.isConnected()) {
+        m_busWatcher.setConnection(bus);
+        m_busWatcher.setWatchMode(QDBusServiceWatcher::WatchForRegistration);
+        m_busWatcher.addWatchedService(statusNotifierWatcherService.toString());
+        connect(&m_busWatcher, &QDBusServiceWatcher::serviceRegistered, this,
+                &TrayHostWatcher::markAvailable);
+    }
+    auto* x11 = qGuiApp ? qGuiApp->nativeInterface<QNativeInterface::QX11Application>() : nullptr;
+    if (x11 && x11->connection()) {
+        m_xembedPoll.setInterval(xembedPollInterval);
+        m_xembedPoll.setTimerType(Qt::CoarseTimer);
+        connect(&m_xembedPoll, &QTimer::timeout, this, &TrayHostWatcher::check);
+        m_xembedPoll.start();
+    }
+    check();
+}
+
+TrayHostWatcher::~TrayHostWatcher() = default;
+
+void TrayHostWatcher::check() {
+    if (statusNotifierWatcherRegistered() || xembedTrayOwned())
+        markAvailable();
+}
+
+void TrayHostWatcher::markAvailable() {
+    if (m_hostAvailable)
+        return;
+    m_hostAvailable = true;
+    m_xembedPoll.stop();
+    m_busWatcher.setWatchedServices({});
+    Q_EMIT hostAvailableChanged(true);
+}
+
+bool TrayHostWatcher::statusNotifierWatcherRegistered() const {
+    const QDBusConnection bus = QDBusConnection::sessionBus();
+    if (!bus.isConnected() || !bus.interface())
+        return false;
+    return bus.interface()->isServiceRegistered(statusNotifierWatcherService.toString()).value();
+}
+
+bool TrayHostWatcher::xembedTrayOwned() const {
+    auto* x11 = qGuiApp ? qGuiApp->nativeInterface<QNativeInterface::QX11Application>() : nullptr;
+    xcb_connection_t* connection = x11 ? x11->connection() : nullptr;
+    if (!connection)
+        return false;
+    // One tray selection per X screen: _NET_SYSTEM_TRAY_S0, _S1, …
+    const int screens = xcb_setup_roots_length(xcb_get_setup(connection));
+    for (int screen = 0; screen < screens; ++screen) {
+        const QByteArray name = "_NET_SYSTEM_TRAY_S" + QByteArray::number(screen);
+        xcb_intern_atom_reply_t* atom = xcb_intern_atom_reply(
+            connection,
+            xcb_intern_atom(connection, 0, static_cast<uint16_t>(name.size()), name.constData()),
+            nullptr);
+        if (!atom)
+            continue;
+        xcb_get_selection_owner_reply_t* owner = xcb_get_selection_owner_reply(
+            connection, xcb_get_selection_owner(connection, atom->atom), nullptr);
+        const bool owned = owner && owner->owner != XCB_WINDOW_NONE;
+        std::free(owner);
+        std::free(atom);
+        if (owned)
+            return true;
+    }
+    return false;
+}
+
+} // namespace brenvik

@@ -1,0 +1,42 @@
+#include "app/PopoverPlacement.h"
+
+#include <gtest/gtest.h>
+
+namespace brenvik {
+namespace {
+
+TEST(PopoverPlacement, NextToTheIconAndFullyInsideTheScreen) {
+    const QRect screen(0, 24, 1280, 776); // a top panel of 24 px is not usable
+    const QSize popover(320, 120);
+    struct Case {
+        const char* name;
+        QRect anchor;
+        QRect area;
+        QPoint expected;
+    };
+    const Case cases[] = {
+        {"icon mid-way in a top panel: below, centred", QRect(600, 2, 22, 22), screen,
+         QPoint(450, 24 + popoverGap)},
+        {"icon at the top-right corner: pulled left", QRect(1256, 2, 22, 22), screen,
+         QPoint(1280 - 320, 24 + popoverGap)},
+        {"icon at the bottom-left: above, pulled right", QRect(2, 776, 22, 22),
+         QRect(0, 0, 1280, 776), QPoint(0, 776 - popoverGap - 120)},
+        {"cursor point in the bottom-right corner", QRect(1279, 799, 1, 1), screen,
+         QPoint(1280 - 320, 799 - popoverGap - 120)},
+        {"cursor point in the top-left corner", QRect(0, 0, 1, 1), screen, QPoint(0, 24)},
+        {"second screen to the right", QRect(2000, 2, 22, 22), QRect(1280, 0, 1920, 1080),
+         QPoint(1850, 24 + popoverGap)},
+        {"screen smaller than the popover: top-left wins", QRect(10, 10, 22, 22),
+         QRect(0, 0, 200, 100), QPoint(0, 0)},
+    };
+    for (const Case& c : cases) {
+        const QPoint at = popoverPosition(c.anchor, popover, c.area);
+        EXPECT_EQ(at, c.expected) << c.name;
+        if (c.area.width() >= popover.width() && c.area.height() >= popover.height()) {
+            EXPECT_TRUE(c.area.contains(QRect(at, popover))) << c.name;
+        }
+    }
+}
+
+} // namespace
+} // namespace brenvik
