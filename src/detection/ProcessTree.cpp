@@ -78,11 +78,31 @@ void addMember(ActivityAggregate& group, const ObservedProcess& row) {
 } // namespace
 
 QList<DetectedProcessSample> detectCodexProcesses(const QList<ObservedProcess>& rows) {
-    // One entry per PID, the first row winning; later rows with that PID take
-    // no part at all. A command is lower-cased at most once per pass, and only
-    // when a test needs it: most rows are ruled out without it.
+    // processesByPID. Both sources list processes in ascending PID order, and
+    // then a binary search over the rows serves; otherwise a hash map does, in
+    // which the first row of a repeated PID wins and later ones take no part.
+    const bool ascending =
+        std::adjacent_find(rows.cbegin(), rows.cend(), [](const auto& a, const auto& b) {
+            return a.pid >= b.pid;
+        }) == rows.cend();
     QHash<qint64, qsizetype> indexByPID;
-    indexByPID.reserve(rows.size());
+    if (!ascending) {
+        indexByPID.reserve(rows.size());
+        for (qsizetype i = 0; i < rows.size(); ++i) {
+            if (!indexByPID.contains(rows[i].pid))
+                indexByPID.insert(rows[i].pid, i);
+        }
+    }
+    const auto indexOf = [&](qint64 pid) -> qsizetype {
+        if (!ascending)
+            return indexByPID.value(pid, -1);
+        const auto it = std::lower_bound(rows.cbegin(), rows.cend(), pid,
+                                         [](const auto& row, qint64 key) { return row.pid < key; });
+        return it != rows.cend() && it->pid == pid ? it - rows.cbegin() : -1;
+    };
+
+    // A command is lower-cased at most once per pass, and only when a test
+    // needs it: most rows are ruled out without it.
     QList<QString> lowered(rows.size()); // null until needed
     const auto loweredAt = [&](qsizetype i) -> const QString& {
         if (lowered[i].isNull())
@@ -92,19 +112,17 @@ QList<DetectedProcessSample> detectCodexProcesses(const QList<ObservedProcess>& 
 
     QList<qsizetype> candidates;
     for (qsizetype i = 0; i < rows.size(); ++i) {
-        qsizetype& slot = indexByPID[rows[i].pid];
-        if (slot != 0)
+        if (!ascending && indexByPID.value(rows[i].pid) != i)
             continue;
-        slot = i + 1; // 0 marks a fresh entry
         if (mayMentionCodex(rows[i].command) && isCandidateCommand(loweredAt(i)))
             candidates.append(i);
     }
 
     const auto parentOf = [&](qint64 ppid) -> std::optional<Parent> {
-        const auto it = indexByPID.constFind(ppid);
-        if (it == indexByPID.cend())
+        const qsizetype i = indexOf(ppid);
+        if (i < 0)
             return std::nullopt;
-        return Parent{&rows[*it - 1], loweredAt(*it - 1)};
+        return Parent{&rows[i], loweredAt(i)};
     };
 
     QHash<qint64, ActivityAggregate> groups;

@@ -65,8 +65,18 @@ TEST(ProcessTree, Grouping) {
          {sample(700, kAdapter, 2, 2, false, 2), sample(701, kAdapter, 2, 2, false, 2)}},
         {"self parent", {row(800, 800, kAdapter)}, {sample(800, kAdapter, 0, 0, false, 1)}},
     };
-    for (const auto& c : cases)
+    for (const auto& c : cases) {
         EXPECT_EQ(detectCodexProcesses(c.rows), c.expected) << c.name;
+        // Row order matters only for a repeated PID; ascending and other orders
+        // take different lookup paths.
+        QSet<qint64> pids;
+        for (const auto& r : c.rows)
+            pids.insert(r.pid);
+        if (pids.size() == c.rows.size()) {
+            QList<ObservedProcess> reversed(c.rows.crbegin(), c.rows.crend());
+            EXPECT_EQ(detectCodexProcesses(reversed), c.expected) << c.name << " (reversed)";
+        }
+    }
 }
 
 TEST(ProcessTree, LauncherChainRunsFromCandidateToRoot) {
