@@ -1,5 +1,7 @@
 #include "detection/ProcProcessTable.h"
 
+#include "DetectionTestSupport.h"
+
 #include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
@@ -77,8 +79,7 @@ private:
         ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
         file.write(contents);
     }
-    QTemporaryDir m_dir{qEnvironmentVariable("BRENVIK_TEST_SCRATCH", QDir::tempPath()) +
-                        QStringLiteral("/fake-proc-XXXXXX")};
+    QTemporaryDir m_dir{test::scratchTemplate("fake-proc")};
 };
 
 class ProcSourceTest : public ::testing::Test {

@@ -1,5 +1,7 @@
 #include "detection/ProcessSnapshot.h"
 
+#include "DetectionTestSupport.h"
+
 #include <cmath>
 #include <gtest/gtest.h>
 #include <limits>
@@ -7,10 +9,7 @@
 namespace brenvik {
 namespace {
 
-ObservedProcess row(qint64 pid, qint64 ppid, const char16_t* state, double cpu, double time,
-                    const char16_t* command) {
-    return {pid, ppid, QString::fromUtf16(state), cpu, time, QString::fromUtf16(command)};
-}
+using test::row;
 
 struct LineCase {
     const char* name;
@@ -21,9 +20,9 @@ struct LineCase {
 const LineCase kLineCases[] = {
     {"columns and inner white space kept",
      u"  501   1 Ss     0.0   0:01.23 /usr/local/bin/codex  exec --help  ",
-     row(501, 1, u"Ss", 0.0, 1.23, u"/usr/local/bin/codex  exec --help")},
+     row(501, 1, u"/usr/local/bin/codex  exec --help", 0.0, 1.23, u"Ss")},
     {"tabs and Unicode spaces separate, NBSP trimmed", u"7\t\u3000 3 R+\u20031.5 1:00 a\tb\u00a0",
-     row(7, 3, u"R+", 1.5, 60, u"a\tb")},
+     row(7, 3, u"a\tb", 1.5, 60, u"R+")},
     {"five columns", u"501 1 Ss 0.0 0:01.23", std::nullopt},
     {"five columns and trailing blanks", u"501 1 Ss 0.0 0:01.23   ", std::nullopt},
     {"blank line", u" \t ", std::nullopt},
@@ -36,12 +35,12 @@ const LineCase kLineCases[] = {
     {"pid beyond 64 bits", u"9223372036854775808 1 S 0.0 0:00.00 x", std::nullopt},
     {"ppid below 64 bits", u"1 -9223372036854775809 S 0.0 0:00.00 x", std::nullopt},
     {"signed extremes", u"+9223372036854775807 -9223372036854775808 S 0.0 0 x",
-     row(std::numeric_limits<qint64>::max(), std::numeric_limits<qint64>::min(), u"S", 0, 0, u"x")},
-    {"cpu not a number", u"12 1 S n/a 0:00.00 x", row(12, 1, u"S", 0, 0, u"x")},
-    {"cpu with decimal comma", u"12 1 S 0,5 0:00.00 x", row(12, 1, u"S", 0, 0, u"x")},
-    {"cpu with exponent and sign", u"12 1 S +1e2 0:00.00 x", row(12, 1, u"S", 100, 0, u"x")},
-    {"cpu with trailing junk", u"12 1 S 5% 0:00.00 x", row(12, 1, u"S", 0, 0, u"x")},
-    {"state taken unchanged", u"12 1 ?<sl 0 0 x", row(12, 1, u"?<sl", 0, 0, u"x")},
+     row(std::numeric_limits<qint64>::max(), std::numeric_limits<qint64>::min(), u"x", 0, 0, u"S")},
+    {"cpu not a number", u"12 1 S n/a 0:00.00 x", row(12, 1, u"x", 0, 0, u"S")},
+    {"cpu with decimal comma", u"12 1 S 0,5 0:00.00 x", row(12, 1, u"x", 0, 0, u"S")},
+    {"cpu with exponent and sign", u"12 1 S +1e2 0:00.00 x", row(12, 1, u"x", 100, 0, u"S")},
+    {"cpu with trailing junk", u"12 1 S 5% 0:00.00 x", row(12, 1, u"x", 0, 0, u"S")},
+    {"state taken unchanged", u"12 1 ?<sl 0 0 x", row(12, 1, u"x", 0, 0, u"?<sl")},
 };
 
 TEST(ProcessLineParsing, Cases) {

@@ -1,14 +1,13 @@
 #include "detection/ProcessTree.h"
 
+#include "DetectionTestSupport.h"
+
 #include <gtest/gtest.h>
 
 namespace brenvik {
 namespace {
 
-ObservedProcess row(qint64 pid, qint64 ppid, const char16_t* command, double cpu = 0,
-                    double time = 0, const char16_t* state = u"S") {
-    return {pid, ppid, QString::fromUtf16(state), cpu, time, QString::fromUtf16(command)};
-}
+using test::row;
 
 DetectedProcessSample sample(qint64 pid, const char16_t* command, double cpu, double time, bool hot,
                              qint64 members) {

@@ -1,5 +1,7 @@
 #include "detection/PsProcessTable.h"
 
+#include "DetectionTestSupport.h"
+
 #include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
@@ -28,8 +30,7 @@ public:
     }
 
 private:
-    QTemporaryDir m_dir{qEnvironmentVariable("BRENVIK_TEST_SCRATCH", QDir::tempPath()) +
-                        QStringLiteral("/fake-ps-XXXXXX")};
+    QTemporaryDir m_dir{test::scratchTemplate("fake-ps")};
 };
 
 struct Failure {
