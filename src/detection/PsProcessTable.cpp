@@ -105,11 +105,25 @@ QList<ObservedProcess> readProcessTable() {
 QList<ObservedProcess> readProcessTable(const QString& executable) {
     const auto [pid, fd] = launch(executable);
     QByteArray bytes;
+    int status = 0;
     {
-        const FileDescriptor readEnd(fd);
-        bytes = readToEnd(readEnd.get());
+        // Should reading fail (out of memory), the pipe closes first and the
+        // child is still reaped, so no zombie is left behind.
+        struct Reaper {
+            pid_t pid;
+            bool reaped = false;
+            ~Reaper() {
+                if (!reaped)
+                    (void)waitForExit(pid);
+            }
+        } reaper{pid};
+        {
+            const FileDescriptor readEnd(fd);
+            bytes = readToEnd(readEnd.get());
+        }
+        status = waitForExit(pid);
+        reaper.reaped = true;
     }
-    const int status = waitForExit(pid);
 
     const QString text = QString::fromUtf8(bytes).trimmed();
     if (status != 0) {
