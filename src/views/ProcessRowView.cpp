@@ -39,20 +39,34 @@ void StatusCapsule::paintEvent(QPaintEvent* event) {
     StyledLabel::paintEvent(event);
 }
 
+CommandLabel::CommandLabel(QWidget* parent)
+    : StyledLabel(TextStyle::caption, NamedColor::secondary, parent) {
+    setTextInteractionFlags(Qt::TextSelectableByMouse);
+    setCursor(Qt::IBeamCursor);
+    setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
+    setWordWrap(false);
+}
+
+void CommandLabel::paintEvent(QPaintEvent* event) {
+    StyledLabel::paintEvent(event);
+    constexpr int kFade = 28;
+    if (fontMetrics().horizontalAdvance(text()) <= contentsRect().width())
+        return;
+    QPainter painter(this);
+    const QColor background = namedColor(NamedColor::windowBackground, palette());
+    QLinearGradient fade(width() - kFade, 0, width(), 0);
+    fade.setColorAt(0, withOpacity(background, 0));
+    fade.setColorAt(1, background);
+    painter.fillRect(QRect(width() - kFade, 0, kFade, height()), fade);
+}
+
 ProcessRowView::ProcessRowView(const ProcessMatch& match, QWidget* parent)
     : QWidget(parent)
     , m_pid(new StyledLabel(TextStyle::caption, FontWeight::semibold, NamedColor::primary, this))
     , m_capsule(new StatusCapsule(this))
-    , m_command(new StyledLabel(TextStyle::caption, NamedColor::secondary, this)) {
+    , m_command(new CommandLabel(this)) {
     setFixedHeight(kHeight);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
-
-    // Selectable for copying, one line; the shown command is short already,
-    // whatever still does not fit is clipped.
-    m_command->setTextInteractionFlags(Qt::TextSelectableByMouse);
-    m_command->setCursor(Qt::IBeamCursor);
-    m_command->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
-    m_command->setWordWrap(false);
 
     auto* top = new QHBoxLayout;
     top->setContentsMargins(0, 0, 0, 0);

@@ -23,6 +23,18 @@ private:
     ProcessActivityStatus m_status = ProcessActivityStatus::idle;
 };
 
+// The shown command: selectable, one line; what does not fit fades out at
+// the trailing edge instead of being cut mid-letter.
+class CommandLabel : public StyledLabel {
+    Q_OBJECT
+
+public:
+    explicit CommandLabel(QWidget* parent = nullptr);
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+};
+
 // One process group: "PID n" with its status capsule, and the shown command,
 // which the user can select and copy. 38 points high.
 class ProcessRowView : public QWidget {
@@ -40,7 +52,7 @@ private:
     ProcessMatch m_match;
     StyledLabel* m_pid;
     StatusCapsule* m_capsule;
-    StyledLabel* m_command;
+    CommandLabel* m_command;
 };
 
 } // namespace brenvik

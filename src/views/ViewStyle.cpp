@@ -77,9 +77,9 @@ QColor namedColor(NamedColor color, const QPalette& palette) {
     case NamedColor::green:
         return dark ? QColor(48, 209, 88) : QColor(40, 180, 75);
     case NamedColor::yellow:
-        return dark ? QColor(255, 214, 10) : QColor(255, 204, 0);
+        return dark ? QColor(255, 214, 10) : QColor(246, 190, 0);
     case NamedColor::red:
-        return dark ? QColor(255, 105, 97) : QColor(215, 40, 30);
+        return dark ? QColor(255, 84, 74) : QColor(215, 40, 30);
     case NamedColor::orange:
         return dark ? QColor(255, 159, 10) : QColor(215, 110, 0);
     case NamedColor::black:

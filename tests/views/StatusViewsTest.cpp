@@ -30,32 +30,5 @@ TEST(StatusHeaderView, DotBadgeAndSummaryFollowTheState) {
     }
 }
 
-TEST(LastUpdatedLabel, ReadsCheckingUntilADateArrives) {
-    LastUpdatedLabel label(std::nullopt);
-    EXPECT_EQ(label.text(), u"Checking now"_s);
-    label.setLastUpdated(QDateTime(QDate(2026, 1, 2), QTime(9, 41)));
-    EXPECT_TRUE(label.text().startsWith(u"Updated "_s)) << qPrintable(label.text());
-    EXPECT_FALSE(label.text().contains(u"2026"_s)) << qPrintable(label.text());
-}
-
-TEST(ViewStyle, SignalColoursStayDistinctFromTheBackgroundInLightAndDark) {
-    QPalette light;
-    light.setColor(QPalette::Window, QColor(239, 239, 239));
-    light.setColor(QPalette::WindowText, Qt::black);
-    QPalette dark;
-    dark.setColor(QPalette::Window, QColor(38, 38, 40));
-    dark.setColor(QPalette::WindowText, QColor(236, 236, 238));
-    for (const QPalette& palette : {light, dark}) {
-        const bool isDark = isDarkPalette(palette);
-        const qreal background = palette.color(QPalette::Window).lightnessF();
-        for (NamedColor text : {NamedColor::red, NamedColor::orange, NamedColor::primary}) {
-            const QColor color = namedColor(text, palette);
-            const qreal lightness = color.lightnessF();
-            EXPECT_GT(std::abs(lightness - background), 0.25)
-                << (isDark ? "dark " : "light ") << int(text);
-        }
-    }
-}
-
 } // namespace
 } // namespace brenvik
