@@ -1,0 +1,174 @@
+// brenvik-status: reports the Codex CLI processes once or after every refresh.
+
+#include "monitor/ProcessMonitoring.h"
+#include "monitor/StatusReport.h"
+
+#include <QCoreApplication>
+#include <QSocketNotifier>
+#include <QStringList>
+#include <csignal>
+#include <cstdio>
+#include <optional>
+#include <sys/signalfd.h>
+#include <unistd.h>
+
+namespace {
+
+using namespace brenvik;
+
+constexpr int kExitDetectionFailed = 1;
+constexpr int kExitUsage = 2;
+
+const char kUsage[] = R"(Usage: brenvik-status [--json] [--watch]
+
+Shows the Codex CLI processes on this machine and whether each is running
+or idle. Without --watch it waits for two refreshes (about 2 seconds, so
+that CPU use is measured), prints the result and exits.
+
+Options:
+  --json      print JSON instead of text
+  --watch     print one line after every refresh (every 2 seconds) until
+              interrupted; with --json one JSON object per line
+  -h, --help  show this help and exit
+  --version   show the version and exit
+
+Exit status: 0 on success, 1 if the process table could not be read,
+2 on a usage error.
+)";
+
+struct Options {
+    bool json = false;
+    bool watch = false;
+    bool help = false;
+    bool version = false;
+};
+
+struct ParsedArguments {
+    Options options;
+    std::optional<QString> error;
+};
+
+ParsedArguments parseArguments(int argc, char** argv) {
+    ParsedArguments parsed;
+    for (int i = 1; i < argc; ++i) {
+        const QString argument = QString::fromLocal8Bit(argv[i]);
+        if (argument == u"--json")
+            parsed.options.json = true;
+        else if (argument == u"--watch")
+            parsed.options.watch = true;
+        else if (argument == u"-h" || argument == u"--help")
+            parsed.options.help = true;
+        else if (argument == u"--version")
+            parsed.options.version = true;
+        else if (argument.startsWith(u'-'))
+            return {{}, u"unknown option '" + argument + u'\''};
+        else
+            return {{}, u"unexpected argument '" + argument + u'\''};
+    }
+    return parsed;
+}
+
+void write(std::FILE* stream, const QString& text) {
+    const QByteArray bytes = text.toUtf8();
+    std::fwrite(bytes.constData(), 1, static_cast<size_t>(bytes.size()), stream);
+    std::fflush(stream);
+}
+
+// SIGINT, SIGTERM and SIGHUP as readable events instead of deaths, so that
+// --watch ends cleanly. The signals are blocked before any thread exists (so
+// every thread inherits the mask) and read from a signalfd on the event loop:
+// no handler and no global state.
+class TerminationSignals {
+public:
+    TerminationSignals() {
+        sigset_t blocked;
+        sigemptyset(&blocked);
+        for (const int signal : {SIGINT, SIGTERM, SIGHUP})
+            sigaddset(&blocked, signal);
+        pthread_sigmask(SIG_BLOCK, &blocked, nullptr);
+        m_fd = signalfd(-1, &blocked, SFD_CLOEXEC | SFD_NONBLOCK);
+    }
+    ~TerminationSignals() {
+        if (m_fd >= 0)
+            close(m_fd);
+    }
+    TerminationSignals(const TerminationSignals&) = delete;
+    TerminationSignals& operator=(const TerminationSignals&) = delete;
+
+    [[nodiscard]] int fd() const noexcept { return m_fd; }
+
+    // Takes the pending signals off the descriptor.
+    void drain() const {
+        signalfd_siginfo info;
+        while (read(m_fd, &info, sizeof info) == static_cast<ssize_t>(sizeof info)) {
+        }
+    }
+
+private:
+    int m_fd = -1;
+};
+
+} // namespace
+
+int main(int argc, char** argv) {
+    const ParsedArguments parsed = parseArguments(argc, argv);
+    if (parsed.error) {
+        write(stderr, u"brenvik-status: " + *parsed.error + u"\n\n" + QString::fromUtf8(kUsage));
+        return kExitUsage;
+    }
+    const Options& options = parsed.options;
+    if (options.help) {
+        write(stdout, QString::fromUtf8(kUsage));
+        return 0;
+    }
+    if (options.version) {
+        write(stdout, QStringLiteral("brenvik-status " BRENVIK_VERSION "\n"));
+        return 0;
+    }
+
+    std::optional<TerminationSignals> terminationSignals;
+    if (options.watch)
+        terminationSignals.emplace();
+
+    QCoreApplication app(argc, argv);
+    QCoreApplication::setApplicationName(QStringLiteral("brenvik-status"));
+    QCoreApplication::setApplicationVersion(QStringLiteral(BRENVIK_VERSION));
+    std::optional<QSocketNotifier> terminationNotifier;
+    if (terminationSignals && terminationSignals->fd() >= 0) {
+        terminationNotifier.emplace(terminationSignals->fd(), QSocketNotifier::Read);
+        QObject::connect(&*terminationNotifier, &QSocketNotifier::activated, &app, [&] {
+            terminationSignals->drain();
+            QCoreApplication::exit(0);
+        });
+    }
+
+    CodexProcessMonitor monitor;
+    int refreshesEnded = 0;
+    // Queued: the monitor stores the new value only after the notice.
+    QObject::connect(
+        &monitor, &CodexProcessMonitor::lastUpdatedChanged, &app,
+        [&] {
+            const StatusReport report = StatusReport::of(monitor);
+            if (options.watch) {
+                write(stdout, (options.json ? statusJson(report) : statusLine(report)) + u'\n');
+                return;
+            }
+            // The first refresh sees every process for the first time; the
+            // second one measures their CPU use since then.
+            if (++refreshesEnded < 2)
+                return;
+            if (options.json)
+                write(stdout, statusJson(report) + u'\n');
+            if (report.state.asError()) {
+                write(stderr, u"brenvik-status: " + statusLine(report) + u'\n');
+                QCoreApplication::exit(kExitDetectionFailed);
+                return;
+            }
+            if (!options.json)
+                write(stdout, statusText(report));
+            QCoreApplication::exit(0);
+        },
+        Qt::QueuedConnection);
+    monitor.start();
+    return QCoreApplication::exec();
+}

@@ -1,0 +1,157 @@
+#include "monitor/StatusReport.h"
+
+#include "views/CommandText.h"
+
+#include <cmath>
+
+namespace brenvik {
+
+namespace {
+
+// The widest status text, "running".
+constexpr qsizetype kStatusWidth = 7;
+
+[[nodiscard]] QString stateName(const CodexRunState& state) {
+    if (state.asObserved())
+        return QStringLiteral("observed");
+    if (state.asError())
+        return QStringLiteral("error");
+    return QStringLiteral("idle");
+}
+
+// A command line may hold line breaks or other controls (they are legal in
+// arguments); in a table row they would break the layout.
+[[nodiscard]] QString singleLine(QString text) {
+    for (QChar& c : text) {
+        if (c.category() == QChar::Other_Control)
+            c = u' ';
+    }
+    return text;
+}
+
+[[nodiscard]] QString jsonString(QStringView text) {
+    QString out;
+    out.reserve(text.size() + 2);
+    out += u'"';
+    for (const QChar c : text) {
+        switch (c.unicode()) {
+        case u'"':
+            out += u"\\\"";
+            break;
+        case u'\\':
+            out += u"\\\\";
+            break;
+        case u'\b':
+            out += u"\\b";
+            break;
+        case u'\f':
+            out += u"\\f";
+            break;
+        case u'\n':
+            out += u"\\n";
+            break;
+        case u'\r':
+            out += u"\\r";
+            break;
+        case u'\t':
+            out += u"\\t";
+            break;
+        default:
+            if (c.unicode() < 0x20)
+                out += u"\\u" + QString::number(c.unicode(), 16).rightJustified(4, u'0');
+            else
+                out += c;
+        }
+    }
+    out += u'"';
+    return out;
+}
+
+// Shortest text that reads back as the same double; JSON has no NaN or infinity.
+[[nodiscard]] QString jsonNumber(double value) {
+    if (!std::isfinite(value))
+        return QStringLiteral("null");
+    return QString::number(value, 'g', QLocale::FloatingPointShortest);
+}
+
+[[nodiscard]] QString jsonNumber(qint64 value) {
+    return QString::number(value);
+}
+
+} // namespace
+
+StatusReport StatusReport::of(const CodexProcessMonitor& monitor) {
+    return {monitor.runState(), monitor.summary(), monitor.matches(), monitor.lastUpdated()};
+}
+
+QString statusLine(const StatusReport& report) {
+    return detailText(report.state);
+}
+
+QString statusText(const StatusReport& report) {
+    QString text = singleLine(statusLine(report)) + u'\n';
+    if (report.matches.isEmpty())
+        return text;
+
+    const QString pidHeading = QStringLiteral("PID");
+    const QString membersHeading = QStringLiteral("MEMBERS");
+    qsizetype pidWidth = pidHeading.size();
+    for (const ProcessMatch& match : report.matches)
+        pidWidth = std::max(pidWidth, QString::number(match.pid).size());
+
+    const auto row = [&](const QString& pid, const QString& status, const QString& members,
+                         const QString& command) -> QString {
+        return u"  " + pid.rightJustified(pidWidth) + u"  " + status.leftJustified(kStatusWidth) +
+               u"  " + members.rightJustified(membersHeading.size()) + u"  " + command + u'\n';
+    };
+    text += row(pidHeading, QStringLiteral("STATUS"), membersHeading, QStringLiteral("COMMAND"));
+    for (const ProcessMatch& match : report.matches) {
+        text += row(QString::number(match.pid), rawValue(match.status),
+                    QString::number(match.memberCount), shownCommand(singleLine(match.command)));
+    }
+    return text;
+}
+
+QString statusJson(const StatusReport& report) {
+    qint64 total = 0;
+    qint64 running = 0;
+    qint64 idle = 0;
+    if (const auto* observed = report.state.asObserved()) {
+        total = observed->total;
+        running = observed->running;
+        idle = observed->idle;
+    }
+    const auto* error = report.state.asError();
+
+    QString json =
+        u"{\"state\":" + jsonString(stateName(report.state)) + u",\"total\":" + jsonNumber(total) +
+        u",\"running\":" + jsonNumber(running) + u",\"idle\":" + jsonNumber(idle) +
+        u",\"summary\":" + jsonString(report.summary) + u",\"detail\":" +
+        jsonString(detailText(report.state)) + u",\"error\":" +
+        (error ? jsonString(error->message) : QStringLiteral("null")) + u",\"updated\":" +
+        (report.updated ? jsonString(isoTimestamp(*report.updated)) : QStringLiteral("null")) +
+        u",\"groups\":[";
+    bool first = true;
+    for (const ProcessMatch& match : report.matches) {
+        if (!first)
+            json += u',';
+        first = false;
+        json += u"{\"pid\":" + jsonNumber(match.pid) + u",\"command\":" +
+                jsonString(match.command) + u",\"status\":" + jsonString(rawValue(match.status)) +
+                u",\"instantaneousCPUPercent\":" + jsonNumber(match.instantaneousCPUPercent) +
+                u",\"cumulativeCPUTime\":" + jsonNumber(match.cumulativeCPUTime) +
+                u",\"memberCount\":" + jsonNumber(match.memberCount) + u'}';
+    }
+    json += u"]}";
+    return json;
+}
+
+QString isoTimestamp(const QDateTime& time) {
+    const int offsetSeconds = time.offsetFromUtc();
+    const int offsetMinutes = std::abs(offsetSeconds) / 60;
+    return time.toString(u"yyyy-MM-dd'T'HH:mm:ss") + (offsetSeconds < 0 ? u'-' : u'+') +
+           QString::number(offsetMinutes / 60).rightJustified(2, u'0') + u':' +
+           QString::number(offsetMinutes % 60).rightJustified(2, u'0');
+}
+
+} // namespace brenvik

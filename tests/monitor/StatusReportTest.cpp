@@ -1,0 +1,171 @@
+// What brenvik-status prints: the text table and the JSON object.
+#include "monitor/StatusReport.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <gtest/gtest.h>
+#include <limits>
+
+namespace brenvik {
+namespace {
+
+constexpr auto running = ProcessActivityStatus::running;
+constexpr auto idle = ProcessActivityStatus::idle;
+
+const QDateTime kUpdated(QDate(2026, 11, 23), QTime(4, 5, 6, 789), Qt::OffsetFromUTC, 3600);
+
+StatusReport observedReport(QList<ProcessMatch> matches) {
+    const auto runningCount = std::count_if(matches.cbegin(), matches.cend(),
+                                            [](const auto& m) { return m.status == running; });
+    const auto total = static_cast<qint64>(matches.size());
+    return {CodexRunState::observed(total, runningCount, total - runningCount),
+            QStringLiteral("summary text"), std::move(matches), kUpdated};
+}
+
+TEST(StatusText, DetailLineThenAnAlignedRowPerGroup) {
+    const QString longCommand = QStringLiteral("node /opt/codex ") + QString(200, u'x');
+    const struct {
+        const char* name;
+        StatusReport report;
+        QString expected;
+    } cases[] = {
+        {"nothing found",
+         {CodexRunState::idle(), {}, {}, kUpdated},
+         QStringLiteral("No Codex CLI process detected\n")},
+        {"detection failed",
+         {CodexRunState::error(QStringLiteral("ps failed with exit code 1")), {}, {}, kUpdated},
+         QStringLiteral("Codex process detection failed: ps failed with exit code 1\n")},
+        {"two groups",
+         observedReport(
+             {{812, QStringLiteral("/usr/bin/codex"), running, 12.0, 3.5, 1},
+              {34567, QStringLiteral("npm exec @zed-industries/codex-acp"), idle, 0, 1, 3}}),
+         QStringLiteral("2 total \u00B7 1 running \u00B7 1 idle\n"
+                        "    PID  STATUS   MEMBERS  COMMAND\n"
+                        "    812  running        1  /usr/bin/codex\n"
+                        "  34567  idle           3  npm exec @zed-industries/codex-acp\n")},
+        {"a PID wider than the heading, a command trimmed and shortened",
+         observedReport({{4'000'000'000, u"  " + longCommand + u"\n", idle, 0, 0, 12}}),
+         QStringLiteral("1 Codex process idle\n"
+                        "         PID  STATUS   MEMBERS  COMMAND\n"
+                        "  4000000000  idle          12  ") +
+             longCommand.left(107) + QStringLiteral("...\n")},
+        {"line breaks inside a command stay on one row",
+         observedReport({{7, QStringLiteral("codex exec \"fix\nthe tests\""), running, 1, 1, 1}}),
+         QStringLiteral("1 Codex process running\n"
+                        "  PID  STATUS   MEMBERS  COMMAND\n"
+                        "    7  running        1  codex exec \"fix the tests\"\n")},
+    };
+    for (const auto& testCase : cases) {
+        SCOPED_TRACE(testCase.name);
+        EXPECT_EQ(statusText(testCase.report), testCase.expected);
+        EXPECT_EQ(statusLine(testCase.report), statusText(testCase.report).section(u'\n', 0, 0));
+    }
+}
+
+TEST(StatusJson, KeysInAFixedOrderOnOneLine) {
+    const StatusReport report =
+        observedReport({{812, QStringLiteral("/usr/bin/codex"), running, 12.5, 3.25, 1},
+                        {900, QStringLiteral("codex"), idle, 0, 1, 2}});
+    EXPECT_EQ(statusJson(report),
+              QStringLiteral(
+                  R"({"state":"observed","total":2,"running":1,"idle":1,"summary":"summary text",)"
+                  R"("detail":"2 total · 1 running · 1 idle","error":null,)"
+                  R"("updated":"2026-11-23T04:05:06+01:00","groups":[)"
+                  R"({"pid":812,"command":"/usr/bin/codex","status":"running",)"
+                  R"("instantaneousCPUPercent":12.5,"cumulativeCPUTime":3.25,"memberCount":1},)"
+                  R"({"pid":900,"command":"codex","status":"idle",)"
+                  R"("instantaneousCPUPercent":0,"cumulativeCPUTime":1,"memberCount":2}]})"));
+}
+
+TEST(StatusJson, EveryStateParsesBackToItsValues) {
+    const QString awkward =
+        QStringLiteral("codex \"quoted\" back\\slash\ttab\x01 \u00E9\U0001F600");
+    const struct {
+        const char* name;
+        StatusReport report;
+        QJsonObject expected; // the top-level keys but groups
+        QJsonArray groups;
+    } cases[] = {
+        {"before any refresh",
+         {CodexRunState::idle(), QStringLiteral("Checking"), {}, std::nullopt},
+         {{u"state"_qs, u"idle"_qs},
+          {u"total"_qs, 0},
+          {u"running"_qs, 0},
+          {u"idle"_qs, 0},
+          {u"summary"_qs, u"Checking"_qs},
+          {u"detail"_qs, u"No Codex CLI process detected"_qs},
+          {u"error"_qs, QJsonValue::Null},
+          {u"updated"_qs, QJsonValue::Null}},
+         {}},
+        {"error with an awkward text",
+         {CodexRunState::error(awkward), QStringLiteral("Process detection failed"), {}, kUpdated},
+         {{u"state"_qs, u"error"_qs},
+          {u"total"_qs, 0},
+          {u"running"_qs, 0},
+          {u"idle"_qs, 0},
+          {u"summary"_qs, u"Process detection failed"_qs},
+          {u"detail"_qs, QString(u"Codex process detection failed: "_qs + awkward)},
+          {u"error"_qs, awkward},
+          {u"updated"_qs, u"2026-11-23T04:05:06+01:00"_qs}},
+         {}},
+        {"a group with an awkward command and figures",
+         observedReport({{2'200'000'000, awkward, running, 250.125, 1e-3, 4}}),
+         {{u"state"_qs, u"observed"_qs},
+          {u"total"_qs, 1},
+          {u"running"_qs, 1},
+          {u"idle"_qs, 0},
+          {u"summary"_qs, u"summary text"_qs},
+          {u"detail"_qs, u"1 Codex process running"_qs},
+          {u"error"_qs, QJsonValue::Null},
+          {u"updated"_qs, u"2026-11-23T04:05:06+01:00"_qs}},
+         {QJsonObject{{u"pid"_qs, qint64(2'200'000'000)},
+                      {u"command"_qs, awkward},
+                      {u"status"_qs, u"running"_qs},
+                      {u"instantaneousCPUPercent"_qs, 250.125},
+                      {u"cumulativeCPUTime"_qs, 1e-3},
+                      {u"memberCount"_qs, 4}}}},
+    };
+    for (const auto& testCase : cases) {
+        SCOPED_TRACE(testCase.name);
+        const QString json = statusJson(testCase.report);
+        EXPECT_FALSE(json.contains(u'\n'));
+        QJsonParseError error;
+        const QJsonDocument document = QJsonDocument::fromJson(json.toUtf8(), &error);
+        ASSERT_EQ(error.error, QJsonParseError::NoError) << json.toStdString();
+        QJsonObject object = document.object();
+        EXPECT_EQ(object.take(u"groups"_qs).toArray(), testCase.groups);
+        EXPECT_EQ(object, testCase.expected) << json.toStdString();
+    }
+}
+
+TEST(StatusJson, FiguresThatJsonCannotHoldBecomeNull) {
+    const StatusReport report =
+        observedReport({{1, QStringLiteral("codex"), idle, std::numeric_limits<double>::quiet_NaN(),
+                         std::numeric_limits<double>::infinity(), 1}});
+    const QJsonObject group =
+        QJsonDocument::fromJson(statusJson(report).toUtf8()).object()[u"groups"_qs][0].toObject();
+    EXPECT_TRUE(group[u"instantaneousCPUPercent"_qs].isNull());
+    EXPECT_TRUE(group[u"cumulativeCPUTime"_qs].isNull());
+}
+
+TEST(IsoTimestamp, SecondsWithTheOffsetSpelledOut) {
+    const struct {
+        const char* name;
+        int offsetSeconds;
+        const char* expected;
+    } cases[] = {
+        {"UTC", 0, "2026-11-23T04:05:06+00:00"},
+        {"east", 3600, "2026-11-23T04:05:06+01:00"},
+        {"west, half hour", -(5 * 3600 + 30 * 60), "2026-11-23T04:05:06-05:30"},
+    };
+    for (const auto& testCase : cases) {
+        SCOPED_TRACE(testCase.name);
+        const QDateTime time(QDate(2026, 11, 23), QTime(4, 5, 6, 789), Qt::OffsetFromUTC,
+                             testCase.offsetSeconds);
+        EXPECT_EQ(isoTimestamp(time), QString::fromLatin1(testCase.expected));
+    }
+}
+
+} // namespace
+} // namespace brenvik
