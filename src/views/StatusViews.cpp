@@ -70,10 +70,9 @@ StatusHeaderView::StatusHeaderView(const CodexRunState& state, const QString& su
     texts->addWidget(title);
     texts->addWidget(m_summary);
 
-    // Digits of equal width, so the badge does not jump as the count changes.
-    QFont badgeFont = m_badge->font();
-    badgeFont.setStyleHint(QFont::SansSerif);
-    m_badge->setFont(badgeFont);
+    // The UI fonts Brenvik meets (DejaVu, Cantarell, Noto) draw digits at one
+    // width already, so the badge does not jump as the count changes; Qt 6.4
+    // has no switch for tabular figures.
     m_badge->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
 
     auto* row = new QHBoxLayout(this);
