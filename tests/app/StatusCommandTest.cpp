@@ -1,0 +1,356 @@
+// brenvik-status as a user runs it: its output held against expected-output
+// files under golden/, and an end-to-end run against fake Codex CLI
+// processes that the test starts and ends itself.
+#include <QCoreApplication>
+#include <QDir>
+#include <QFile>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QProcess>
+#include <QRegularExpression>
+#include <QTemporaryDir>
+#include <QTest>
+#include <csignal>
+#include <gtest/gtest.h>
+#include <memory>
+#include <optional>
+#include <sys/prctl.h>
+
+namespace {
+
+constexpr int kBound = 30000; // ms; generous for a sanitized build on a busy machine
+
+struct CommandResult {
+    int exitCode = -1;
+    QString out;
+    QString err;
+};
+
+void startStatus(QProcess& process, const QStringList& arguments) {
+    process.start(QStringLiteral(BRENVIK_STATUS_COMMAND), arguments);
+}
+
+CommandResult runStatus(const QStringList& arguments) {
+    QProcess process;
+    startStatus(process, arguments);
+    CommandResult run;
+    if (!process.waitForFinished(kBound)) {
+        process.kill();
+        process.waitForFinished();
+        run.err = QStringLiteral("brenvik-status did not finish");
+        return run;
+    }
+    run.exitCode = process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
+    run.out = QString::fromUtf8(process.readAllStandardOutput());
+    run.err = QString::fromUtf8(process.readAllStandardError());
+    return run;
+}
+
+// Runs --watch until it printed `lines` lines, then ends it with `signal`.
+CommandResult watchStatus(const QStringList& arguments, int lines, int signal) {
+    QProcess process;
+    startStatus(process, arguments);
+    QByteArray out;
+    // Whether enough lines came or the command ended early, the checks below tell.
+    (void)QTest::qWaitFor(
+        [&] {
+            out += process.readAllStandardOutput();
+            return out.count('\n') >= lines || process.state() == QProcess::NotRunning;
+        },
+        kBound);
+    CommandResult run;
+    if (process.state() == QProcess::NotRunning) {
+        run.err = QStringLiteral("brenvik-status --watch ended by itself: ") +
+                  QString::fromUtf8(process.readAllStandardError());
+        return run;
+    }
+    ::kill(static_cast<pid_t>(process.processId()), signal);
+    if (!process.waitForFinished(kBound)) {
+        process.kill();
+        process.waitForFinished();
+        run.err = QStringLiteral("brenvik-status --watch ignored the signal");
+        return run;
+    }
+    run.exitCode = process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
+    out += process.readAllStandardOutput();
+    // Only whole lines up to the count: another refresh may have ended meanwhile.
+    run.out = QString::fromUtf8(out).section(u'\n', 0, lines - 1) + u'\n';
+    run.err = QString::fromUtf8(process.readAllStandardError());
+    return run;
+}
+
+// A fake Codex CLI: `exec -a DIR/codex` over sleep (idle) or yes (busy). It
+// dies with the test, also when the test itself is killed.
+class FakeCodex {
+public:
+    enum class Kind { idle, busy };
+
+    FakeCodex(const QString& directory, Kind kind)
+        : m_command(directory + u"/codex") {
+        const QString script = kind == Kind::idle ? QStringLiteral("exec -a \"$0\" sleep 600")
+                                                  : QStringLiteral("exec -a \"$0\" yes >/dev/null");
+        if (kind == Kind::idle)
+            m_command += u" 600";
+        m_process.setChildProcessModifier([] { ::prctl(PR_SET_PDEATHSIG, SIGKILL); });
+        m_process.start(QStringLiteral("bash"),
+                        {QStringLiteral("-c"), script, directory + u"/codex"});
+        m_process.waitForStarted(kBound);
+        // Wait for the exec, so nobody sees the bash in between.
+        const QString cmdline = QStringLiteral("/proc/%1/cmdline").arg(pid());
+        m_execed = QTest::qWaitFor(
+            [&] {
+                QFile file(cmdline);
+                return file.open(QIODevice::ReadOnly) &&
+                       QString::fromLocal8Bit(file.readAll()).replace(u'\0', u' ').trimmed() ==
+                           m_command;
+            },
+            kBound);
+    }
+    ~FakeCodex() { stop(); }
+    FakeCodex(const FakeCodex&) = delete;
+    FakeCodex& operator=(const FakeCodex&) = delete;
+
+    [[nodiscard]] qint64 pid() const { return m_process.processId(); }
+    [[nodiscard]] const QString& command() const { return m_command; }
+    // Started and showing the Codex command line.
+    [[nodiscard]] bool isRunning() const {
+        return m_execed && m_process.state() == QProcess::Running;
+    }
+    void stop() {
+        if (m_process.state() == QProcess::NotRunning)
+            return;
+        m_process.kill();
+        m_process.waitForFinished(kBound);
+    }
+
+private:
+    QProcess m_process;
+    QString m_command;
+    bool m_execed = false;
+};
+
+// Compares output with an expected-output file. In the file, {{...}} is a
+// regular expression and ${NAME} a value the test knows; everything else is
+// literal. Returns a description of the first difference.
+std::optional<QString> differenceFromGolden(const QString& actual, const QString& goldenName,
+                                            const QHash<QString, QString>& values) {
+    QFile file(QStringLiteral(BRENVIK_GOLDEN_DIR) + u'/' + goldenName);
+    if (!file.open(QIODevice::ReadOnly))
+        return u"cannot read " + file.fileName();
+    const QStringList expectedLines = QString::fromUtf8(file.readAll()).split(u'\n');
+    const QStringList actualLines = actual.split(u'\n');
+    static const QRegularExpression piece(QStringLiteral(R"(\{\{(.*?)\}\}|\$\{(\w+)\})"));
+    for (qsizetype i = 0; i < std::max(expectedLines.size(), actualLines.size()); ++i) {
+        const QString expected = expectedLines.value(i);
+        const QString line = actualLines.value(i);
+        QString pattern;
+        qsizetype literalStart = 0;
+        for (auto it = piece.globalMatch(expected); it.hasNext();) {
+            const auto match = it.next();
+            pattern += QRegularExpression::escape(
+                expected.mid(literalStart, match.capturedStart() - literalStart));
+            pattern += match.hasCaptured(1)
+                           ? u'(' + match.captured(1) + u')'
+                           : QRegularExpression::escape(values.value(match.captured(2)));
+            literalStart = match.capturedEnd();
+        }
+        pattern += QRegularExpression::escape(expected.mid(literalStart));
+        const QRegularExpression lineExpression(QRegularExpression::anchoredPattern(pattern));
+        if (i >= expectedLines.size() || i >= actualLines.size() ||
+            !lineExpression.match(line).hasMatch()) {
+            return QStringLiteral("%1 line %2:\n  expected: %3\n  actual:   %4\nwhole output:\n%5")
+                .arg(goldenName)
+                .arg(i + 1)
+                .arg(i < expectedLines.size() ? expected : QStringLiteral("(end)"),
+                     i < actualLines.size() ? line : QStringLiteral("(end)"), actual);
+        }
+    }
+    return std::nullopt;
+}
+
+// Where the fake processes seem to live. Its name must not contain the
+// program's own name, which would exclude them: so not under
+// BRENVIK_TEST_SCRATCH.
+const QString kFakeDirectoryTemplate = QStringLiteral("/tmp/cdx-status-XXXXXX");
+
+std::optional<QJsonObject> parseReport(const QString& line) {
+    QJsonParseError error;
+    const QJsonDocument document = QJsonDocument::fromJson(line.toUtf8(), &error);
+    if (error.error != QJsonParseError::NoError || !document.isObject())
+        return std::nullopt;
+    return document.object();
+}
+
+QList<qint64> groupPIDs(const QJsonObject& report) {
+    QList<qint64> pids;
+    for (const QJsonValue& group : report[u"groups"].toArray())
+        pids << group[u"pid"].toInteger();
+    return pids;
+}
+
+struct GoldenCase {
+    const char* name;
+    QStringList arguments;
+    bool withFakes; // an idle and a busy fake Codex CLI run meanwhile
+    int watchLines; // 0: runs to its end; otherwise --watch, ended after this many lines
+    int signal;     // what ends --watch
+    int exitCode;
+    const char* stdoutGolden;
+    const char* stderrGolden; // nullptr: nothing on standard error
+};
+
+const GoldenCase kGoldenCases[] = {
+    {"help", {QStringLiteral("--help")}, false, 0, 0, 0, "help.txt", nullptr},
+    {"version", {QStringLiteral("--version")}, false, 0, 0, 0, "version.txt", nullptr},
+    {"unknown option",
+     {QStringLiteral("--json"), QStringLiteral("--frobnicate")},
+     false,
+     0,
+     0,
+     2,
+     "empty.txt",
+     "unknown-option.txt"},
+    {"unexpected argument",
+     {QStringLiteral("now")},
+     false,
+     0,
+     0,
+     2,
+     "empty.txt",
+     "unexpected-argument.txt"},
+    {"text report", {}, true, 0, 0, 0, "report.txt", nullptr},
+    {"JSON report", {QStringLiteral("--json")}, true, 0, 0, 0, "report.json", nullptr},
+    {"watch, ended by SIGINT",
+     {QStringLiteral("--watch")},
+     true,
+     2,
+     SIGINT,
+     0,
+     "watch.txt",
+     nullptr},
+    {"watch JSON, ended by SIGTERM",
+     {QStringLiteral("--watch"), QStringLiteral("--json")},
+     true,
+     2,
+     SIGTERM,
+     0,
+     "watch.json",
+     nullptr},
+};
+
+void checkAgainstGolden(const GoldenCase& testCase) {
+    SCOPED_TRACE(testCase.name);
+    QTemporaryDir directory(kFakeDirectoryTemplate);
+    ASSERT_TRUE(directory.isValid());
+    std::unique_ptr<FakeCodex> idle;
+    std::unique_ptr<FakeCodex> busy;
+    QHash<QString, QString> values{{QStringLiteral("DIR"), directory.path()}};
+    if (testCase.withFakes) {
+        idle = std::make_unique<FakeCodex>(directory.path(), FakeCodex::Kind::idle);
+        busy = std::make_unique<FakeCodex>(directory.path(), FakeCodex::Kind::busy);
+        // The expected files list the idle one first; PIDs that wrapped
+        // around in between are too rare to be worth a second layout.
+        ASSERT_TRUE(idle->isRunning() && busy->isRunning());
+        ASSERT_LT(idle->pid(), busy->pid());
+        values.insert(QStringLiteral("IDLE_PID"), QString::number(idle->pid()));
+        values.insert(QStringLiteral("BUSY_PID"), QString::number(busy->pid()));
+    }
+
+    const CommandResult run =
+        testCase.watchLines > 0
+            ? watchStatus(testCase.arguments, testCase.watchLines, testCase.signal)
+            : runStatus(testCase.arguments);
+    EXPECT_EQ(run.exitCode, testCase.exitCode) << run.err.toStdString();
+    if (const auto difference =
+            differenceFromGolden(run.out, QString::fromLatin1(testCase.stdoutGolden), values))
+        ADD_FAILURE() << difference->toStdString();
+    if (testCase.stderrGolden) {
+        if (const auto difference =
+                differenceFromGolden(run.err, QString::fromLatin1(testCase.stderrGolden), values))
+            ADD_FAILURE() << difference->toStdString();
+    } else {
+        EXPECT_EQ(run.err, QString());
+    }
+}
+
+TEST(StatusCommand, UsageMatchesTheExpectedFiles) {
+    for (const GoldenCase& testCase : kGoldenCases) {
+        if (!testCase.withFakes)
+            checkAgainstGolden(testCase);
+    }
+}
+
+TEST(StatusCommand, ReportsMatchTheExpectedFiles) {
+    // The expected reports hold the fakes alone.
+    const auto before = parseReport(runStatus({QStringLiteral("--json")}).out);
+    ASSERT_TRUE(before);
+    if (!(*before)[u"groups"].toArray().isEmpty())
+        GTEST_SKIP() << "other Codex CLI processes run on this machine";
+    for (const GoldenCase& testCase : kGoldenCases) {
+        if (testCase.withFakes)
+            checkAgainstGolden(testCase);
+    }
+}
+
+TEST(StatusCommand, EndToEndSeesFakeCodexProcessesComeAndGo) {
+    QTemporaryDir directory(kFakeDirectoryTemplate);
+    ASSERT_TRUE(directory.isValid());
+    FakeCodex idle(directory.path(), FakeCodex::Kind::idle);
+    FakeCodex busy(directory.path(), FakeCodex::Kind::busy);
+    ASSERT_TRUE(idle.isRunning());
+    ASSERT_TRUE(busy.isRunning());
+
+    const CommandResult withFakes = runStatus({QStringLiteral("--json")});
+    ASSERT_EQ(withFakes.exitCode, 0) << withFakes.err.toStdString();
+    const auto report = parseReport(withFakes.out);
+    ASSERT_TRUE(report) << withFakes.out.toStdString();
+    EXPECT_EQ((*report)[u"state"].toString(), QStringLiteral("observed"));
+    EXPECT_GE((*report)[u"total"].toInteger(), 2);
+    EXPECT_GE((*report)[u"running"].toInteger(), 1);
+    EXPECT_GE((*report)[u"idle"].toInteger(), 1);
+
+    // Other Codex CLI processes may run on a developer's machine: look at ours.
+    QHash<qint64, QJsonObject> ours;
+    for (const QJsonValue& group : (*report)[u"groups"].toArray()) {
+        const qint64 pid = group[u"pid"].toInteger();
+        if (pid == idle.pid() || pid == busy.pid())
+            ours.insert(pid, group.toObject());
+    }
+    ASSERT_EQ(ours.size(), 2) << withFakes.out.toStdString();
+    const struct {
+        const char* name;
+        const FakeCodex& fake;
+        const char* status;
+    } expectations[] = {{"idle fake", idle, "idle"}, {"busy fake", busy, "running"}};
+    for (const auto& expected : expectations) {
+        SCOPED_TRACE(expected.name);
+        const QJsonObject group = ours.value(expected.fake.pid());
+        EXPECT_EQ(group[u"status"].toString(), QString::fromLatin1(expected.status));
+        EXPECT_EQ(group[u"command"].toString(), expected.fake.command());
+        EXPECT_EQ(group[u"memberCount"].toInteger(), 1);
+    }
+
+    idle.stop();
+    busy.stop();
+    const CommandResult withoutFakes = runStatus({QStringLiteral("--json")});
+    ASSERT_EQ(withoutFakes.exitCode, 0) << withoutFakes.err.toStdString();
+    const auto after = parseReport(withoutFakes.out);
+    ASSERT_TRUE(after) << withoutFakes.out.toStdString();
+    const QList<qint64> pids = groupPIDs(*after);
+    EXPECT_FALSE(pids.contains(idle.pid()));
+    EXPECT_FALSE(pids.contains(busy.pid()));
+    if (pids.isEmpty()) {
+        EXPECT_EQ((*after)[u"state"].toString(), QStringLiteral("idle"));
+        EXPECT_EQ((*after)[u"total"].toInteger(), 0);
+        EXPECT_EQ((*after)[u"detail"].toString(), QStringLiteral("No Codex CLI process detected"));
+    }
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    QCoreApplication app(argc, argv);
+    ::testing::InitGoogleTest(&argc, argv);
+    return RUN_ALL_TESTS();
+}
