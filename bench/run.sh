@@ -36,3 +36,11 @@ awk -F, '
   }' "$detect_csv"
 rm -f "$detect_csv"
 # ==== end detection ==========================================================
+
+# ==== monitor ================================================================
+# The monitor's steady-state cost on the live machine: brenvik-status --watch
+# refreshing every 2 s for 60 s (output discarded).
+echo
+echo "== Monitor steady state"
+"$(dirname "$0")/steady-state.sh" 60 "$build/src/app/brenvik-status" --watch
+# ==== end monitor ============================================================
