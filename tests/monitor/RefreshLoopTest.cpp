@@ -146,18 +146,6 @@ TEST(PublishedState, NoticesComeInOrderBeforeEachValueIsStored) {
     }
 }
 
-TEST(PublishedState, StartsEmptyAndStartsNothing) {
-    ScriptedScan scan;
-    ManualClock clock;
-    CodexProcessMonitor monitor(scan.function(), clock.function());
-    QCoreApplication::processEvents();
-    EXPECT_TRUE(monitor.matches().isEmpty());
-    EXPECT_FALSE(monitor.lastUpdated());
-    EXPECT_FALSE(monitor.lastError());
-    EXPECT_FALSE(monitor.isRefreshing());
-    EXPECT_EQ(scan.started(), 0);
-}
-
 TEST(RefreshLoop, StartRefreshesAtOnceThenEveryInterval) {
     ScriptedScan scan;
     scan.fails(QStringLiteral("ps failed with exit code 1"));
@@ -268,17 +256,6 @@ TEST(RefreshLoop, FailureThenSuccessClearsTheErrorAndJudgesGroupsAsNew) {
     EXPECT_FALSE(monitor.lastError());
     ASSERT_EQ(monitor.matches().size(), 1);
     EXPECT_EQ(monitor.matches()[0].status, ProcessActivityStatus::idle);
-}
-
-TEST(RefreshLoop, NothingFoundPublishesEmptyMatchesAndNoError) {
-    ScriptedScan scan;
-    ManualClock clock;
-    CodexProcessMonitor monitor(scan.function(), clock.function());
-    ASSERT_TRUE(refreshAt(monitor, clock, 1000));
-    EXPECT_TRUE(monitor.matches().isEmpty());
-    EXPECT_TRUE(monitor.historyByPID().isEmpty());
-    EXPECT_FALSE(monitor.lastError());
-    EXPECT_EQ(monitor.lastUpdated(), at(1000));
 }
 
 TEST(RefreshLoop, EveryFailureOfTheScanBecomesTheErrorText) {

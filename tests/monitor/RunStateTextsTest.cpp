@@ -112,16 +112,5 @@ TEST(RunStateAndSummary, FollowThePublishedState) {
     }
 }
 
-TEST(RunStateAndSummary, CheckingTextNeverReturnsOnceARefreshEnded) {
-    ScriptedScan scan;
-    ManualClock clock;
-    CodexProcessMonitor monitor(scan.function(), clock.function());
-    scan.returns({sample(1, 0.0, 1.0)});
-    ASSERT_TRUE(refreshAt(monitor, clock, 0));
-    scan.returns({});
-    ASSERT_TRUE(refreshAt(monitor, clock, 2000));
-    EXPECT_EQ(monitor.summary(), QStringLiteral("No Codex CLI process detected"));
-}
-
 } // namespace
 } // namespace brenvik::test
