@@ -10,3 +10,12 @@ brenvik_add_gtest(brenvik_shell_tests
     ${CMAKE_CURRENT_LIST_DIR}/TrayIconPainterTest.cpp
   LIBS brenvik_shell Qt6::Test)
 target_include_directories(brenvik_shell_tests PRIVATE ${PROJECT_SOURCE_DIR})
+
+# End to end under Xvfb on a private session bus: trayer as XEmbed tray host,
+# openbox as window manager, and a fake StatusNotifierItem watcher.
+add_executable(brenvik-fake-sni-watcher ${CMAKE_CURRENT_LIST_DIR}/FakeStatusNotifierWatcher.cpp)
+target_link_libraries(brenvik-fake-sni-watcher PRIVATE Qt6::Core Qt6::DBus brenvik_warnings)
+brenvik_add_test(NAME brenvik_tray_e2e
+  COMMAND ${CMAKE_CURRENT_LIST_DIR}/tray-e2e.sh $<TARGET_FILE:brenvik>
+          $<TARGET_FILE:brenvik-fake-sni-watcher>
+  SERIAL LABELS e2e TIMEOUT 300)

@@ -1,0 +1,62 @@
+// A stand-in for a StatusNotifierItem panel: owns org.kde.StatusNotifierWatcher
+// on the session bus, says a host is there, and prints one line
+// "registered SERVICE" for every item that registers, so the end-to-end test
+// can talk to the item itself.
+#include <QCoreApplication>
+#include <QDBusConnection>
+#include <QDBusConnectionInterface>
+#include <QDBusMessage>
+#include <QObject>
+#include <QStringList>
+#include <cstdio>
+
+namespace {
+
+class FakeWatcher : public QObject {
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "org.kde.StatusNotifierWatcher")
+    Q_PROPERTY(bool IsStatusNotifierHostRegistered READ isHostRegistered)
+    Q_PROPERTY(int ProtocolVersion READ protocolVersion)
+    Q_PROPERTY(QStringList RegisteredStatusNotifierItems READ registeredItems)
+
+public:
+    [[nodiscard]] bool isHostRegistered() const { return true; }
+    [[nodiscard]] int protocolVersion() const { return 0; }
+    [[nodiscard]] QStringList registeredItems() const { return m_items; }
+
+public Q_SLOTS:
+    void RegisterStatusNotifierItem(const QString& service, const QDBusMessage& message) {
+        // Items may pass an object path instead of a name; then the sender is the name.
+        const QString name = service.startsWith(u'/') ? message.service() : service;
+        m_items.append(name);
+        std::printf("registered %s\n", qPrintable(name));
+        std::fflush(stdout);
+        Q_EMIT StatusNotifierItemRegistered(name);
+    }
+    void RegisterStatusNotifierHost(const QString&) {}
+
+Q_SIGNALS:
+    void StatusNotifierItemRegistered(const QString& service);
+    void StatusNotifierItemUnregistered(const QString& service);
+    void StatusNotifierHostRegistered();
+
+private:
+    QStringList m_items;
+};
+
+} // namespace
+
+int main(int argc, char** argv) {
+    QCoreApplication app(argc, argv);
+    QDBusConnection bus = QDBusConnection::sessionBus();
+    FakeWatcher watcher;
+    if (!bus.registerObject(QStringLiteral("/StatusNotifierWatcher"), &watcher,
+                            QDBusConnection::ExportAllContents) ||
+        !bus.registerService(QStringLiteral("org.kde.StatusNotifierWatcher"))) {
+        std::fprintf(stderr, "cannot own org.kde.StatusNotifierWatcher on the session bus\n");
+        return 1;
+    }
+    return QCoreApplication::exec();
+}
+
+#include "FakeStatusNotifierWatcher.moc"
