@@ -44,3 +44,41 @@ echo
 echo "== Monitor steady state"
 "$(dirname "$0")/steady-state.sh" 60 "$build/src/app/brenvik-status" --watch
 # ==== end monitor ============================================================
+
+# ==== app ====================================================================
+# The tray program at rest: brenvik for 60 s under Xvfb, with trayer as tray
+# host and openbox as window manager, on a private session bus and with private
+# settings, its control panel closed after start.
+app_steady_state() {
+  local build=$1 steady=$2 dir
+  dir=$(mktemp -d)
+  local helpers=()
+  app_cleanup() { [ ${#helpers[@]} -eq 0 ] || kill "${helpers[@]}" 2>/dev/null || true; rm -rf "$dir"; }
+  trap app_cleanup EXIT
+  mkdir -p "$dir/home" "$dir/config" "$dir/runtime"
+  chmod 0700 "$dir/runtime"
+  export HOME=$dir/home XDG_CONFIG_HOME=$dir/config XDG_RUNTIME_DIR=$dir/runtime QT_QPA_PLATFORM=xcb
+  Xvfb -displayfd 3 -screen 0 1280x800x24 -nolisten tcp 3>"$dir/display" >/dev/null 2>&1 &
+  helpers+=($!)
+  for _ in $(seq 100); do [ -s "$dir/display" ] && break; sleep 0.1; done
+  export DISPLAY=:$(head -n1 "$dir/display")
+  openbox --sm-disable >/dev/null 2>&1 &
+  helpers+=($!)
+  trayer --edge top --align right --widthtype request --height 24 --SetDockType true >/dev/null 2>&1 &
+  helpers+=($!)
+  # Close the control panel as a user would, once it is up.
+  (
+    for _ in $(seq 100); do
+      panel=$(xwininfo -root -tree | sed -n 's/^ *\(0x[0-9a-f]*\) "Brenvik": ("brenvik" "Brenvik")  420x480.*/\1/p' | head -n1)
+      [ -n "$panel" ] && xwininfo -id "$panel" | grep -q IsViewable && break
+      sleep 0.1
+    done
+    [ -n "${panel:-}" ] && xdotool windowactivate --sync "$panel" key alt+F4
+  ) &
+  helpers+=($!)
+  WARMUP=8 "$steady" 60 "$build/src/app/brenvik"
+}
+echo
+echo "== Tray app steady state (control panel closed; goal < 40 MB, < 0.2 % of one core)"
+dbus-run-session -- bash -c "set -euo pipefail; $(declare -f app_steady_state); app_steady_state '$build' '$(dirname "$0")/steady-state.sh'" 2> >(grep -v 'fd limit' >&2)
+# ==== end app ================================================================
