@@ -2,10 +2,10 @@
 # The tray program end to end, under Xvfb on a private session bus:
 #  1. trayer as XEmbed tray host, openbox as window manager, "Show in Dock" off:
 #     control panel mapped and kept out of the taskbar, icon embedded and green,
-#     yellow within 5 s of a busy Codex CLI, left click opens the popover next to
-#     the icon, the right-click menu's "Open Control Panel" brings back and
-#     activates the closed panel, a second launch shows the panel and exits 0,
-#     "Quit" ends the process with status 0;
+#     yellow within 5 s of a busy Codex CLI, a left click opens the popover next
+#     to the icon and a second one closes it, the right-click menu's "Open
+#     Control Panel" brings back and activates the closed panel, a second launch
+#     shows the panel and exits 0, "Quit" ends the process with status 0;
 #  2. the tray host starts a few seconds after the app: the icon still appears;
 #  3. no XEmbed host, a fake StatusNotifierWatcher instead: the item registers,
 #     its ToolTip carries the detail text, and Activate opens the popover fully
@@ -234,8 +234,9 @@ gap=$((py - (iy + ih)))
 ((px <= ix + iw && px + pw >= ix)) || fail "popover x $px..$((px + pw)) misses the icon at $ix"
 ((px >= 0 && px + pw <= screen_w)) || fail "popover leaves the screen"
 log "popover ${pw}x${ph} at +$px+$py next to the icon at +$ix+$iy"
-xdotool key Escape
-wait_until 20 popover_is_closed || fail "popover did not close"
+click_icon 1
+wait_until 20 popover_is_closed || fail "a second left click did not close the popover"
+log "a second left click closed it"
 
 xdotool windowactivate --sync "$(panel_window)" key alt+F4
 wait_until 20 panel_is_closed || fail "control panel did not close"
