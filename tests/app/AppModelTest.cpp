@@ -164,13 +164,5 @@ TEST_F(Startup, RefreshNowRereadsTheLoginItemThenRefreshes) {
     EXPECT_EQ(m_scan.started(), 1);
 }
 
-TEST_F(Startup, ActionsReachTheirObjects) {
-    AppModel& model = makeModel();
-    ViewActions& actions = model;
-    actions.openControlPanel();
-    ASSERT_NE(model.controlPanel().window(), nullptr);
-    EXPECT_TRUE(model.controlPanel().window()->isVisible());
-}
-
 } // namespace
 } // namespace brenvik

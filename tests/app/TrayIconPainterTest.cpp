@@ -115,14 +115,6 @@ TEST(TrayIconPainter, BadgeTextIsDrawnOnTheDotAndIdleIsTheDotAlone) {
     }
 }
 
-TEST(TrayIconPainter, BadgeTextContrastsWithTheDot) {
-    for (StateColor color : {StateColor::green, StateColor::yellow, StateColor::red}) {
-        const double dot = trayDotColor(color).lightnessF();
-        const double text = trayBadgeTextColor(color).lightnessF();
-        EXPECT_GT(std::abs(dot - text), 0.35) << name(hueOf(trayDotColor(color)));
-    }
-}
-
 TEST(TrayIconPainter, IconHoldsEveryPanelSizeAndItsDouble) {
     const QIcon icon = makeTrayIcon(StateColor::yellow, u"3");
     const QList<QSize> sizes = icon.availableSizes();
