@@ -50,18 +50,19 @@ echo "== Monitor steady state"
 # host and openbox as window manager, on a private session bus and with private
 # settings, its control panel closed after start.
 app_steady_state() {
-  local build=$1 steady=$2 dir
-  dir=$(mktemp -d)
-  local helpers=()
-  app_cleanup() { [ ${#helpers[@]} -eq 0 ] || kill "${helpers[@]}" 2>/dev/null || true; rm -rf "$dir"; }
+  local build=$1 steady=$2
+  # Not local: the EXIT trap runs after this function has returned.
+  app_dir=$(mktemp -d)
+  helpers=()
+  app_cleanup() { [ ${#helpers[@]} -eq 0 ] || kill "${helpers[@]}" 2>/dev/null || true; rm -rf "$app_dir"; }
   trap app_cleanup EXIT
-  mkdir -p "$dir/home" "$dir/config" "$dir/runtime"
-  chmod 0700 "$dir/runtime"
-  export HOME=$dir/home XDG_CONFIG_HOME=$dir/config XDG_RUNTIME_DIR=$dir/runtime QT_QPA_PLATFORM=xcb
-  Xvfb -displayfd 3 -screen 0 1280x800x24 -nolisten tcp 3>"$dir/display" >/dev/null 2>&1 &
+  mkdir -p "$app_dir/home" "$app_dir/config" "$app_dir/runtime"
+  chmod 0700 "$app_dir/runtime"
+  export HOME=$app_dir/home XDG_CONFIG_HOME=$app_dir/config XDG_RUNTIME_DIR=$app_dir/runtime QT_QPA_PLATFORM=xcb
+  Xvfb -displayfd 3 -screen 0 1280x800x24 -nolisten tcp 3>"$app_dir/display" >/dev/null 2>&1 &
   helpers+=($!)
-  for _ in $(seq 100); do [ -s "$dir/display" ] && break; sleep 0.1; done
-  export DISPLAY=:$(head -n1 "$dir/display")
+  for _ in $(seq 100); do [ -s "$app_dir/display" ] && break; sleep 0.1; done
+  export DISPLAY=:$(head -n1 "$app_dir/display")
   openbox --sm-disable >/dev/null 2>&1 &
   helpers+=($!)
   trayer --edge top --align right --widthtype request --height 24 --SetDockType true >/dev/null 2>&1 &
@@ -77,6 +78,12 @@ app_steady_state() {
   ) &
   helpers+=($!)
   WARMUP=8 "$steady" 60 "$build/src/app/brenvik"
+  if xwininfo -root -tree | grep -q '"Brenvik": ("brenvik" "Brenvik")  420x480'; then
+    xwininfo -root -tree | sed -n 's/^ *\(0x[0-9a-f]*\) "Brenvik": ("brenvik" "Brenvik")  420x480.*/\1/p' |
+      while read -r id; do
+        xwininfo -id "$id" | grep -q IsViewable && echo "note: the control panel was still open"
+      done
+  fi
 }
 echo
 echo "== Tray app steady state (control panel closed; goal < 40 MB, < 0.2 % of one core)"
