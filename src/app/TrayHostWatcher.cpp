@@ -22,9 +22,14 @@ TrayHostWatcher::TrayHostWatcher(QObject* parent)
     }
     auto* x11 = qGuiApp ? qGuiApp->nativeInterface<QNativeInterface::QX11Application>() : nullptr;
     if (x11 && x11->connection()) {
+        m_sinceStart.start();
         m_xembedPoll.setInterval(xembedPollInterval);
         m_xembedPoll.setTimerType(Qt::CoarseTimer);
-        connect(&m_xembedPoll, &QTimer::timeout, this, &TrayHostWatcher::check);
+        connect(&m_xembedPoll, &QTimer::timeout, this, [this] {
+            check();
+            if (m_xembedPoll.isActive() && m_sinceStart.elapsed() > xembedFastPollPeriod.count())
+                m_xembedPoll.setInterval(xembedSlowPollInterval);
+        });
         m_xembedPoll.start();
     }
     check();

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QDBusServiceWatcher>
+#include <QElapsedTimer>
 #include <QObject>
 #include <QStringView>
 #include <QTimer>
@@ -20,8 +21,11 @@ class TrayHostWatcher : public QObject {
 public:
     static constexpr QStringView statusNotifierWatcherService = u"org.kde.StatusNotifierWatcher";
     // XEmbed trays announce themselves by owning a selection, which the bus
-    // does not tell; looking costs one round trip.
+    // does not tell; looking costs a round trip. Often at first, while a
+    // panel started with the session may still come up; rarely after that.
     static constexpr std::chrono::milliseconds xembedPollInterval{1500};
+    static constexpr std::chrono::milliseconds xembedSlowPollInterval{10000};
+    static constexpr std::chrono::milliseconds xembedFastPollPeriod{60000};
 
     // Looks at once, then keeps watching until a host appears.
     explicit TrayHostWatcher(QObject* parent = nullptr);
@@ -42,6 +46,7 @@ private:
     bool m_hostAvailable = false;
     QDBusServiceWatcher m_busWatcher;
     QTimer m_xembedPoll;
+    QElapsedTimer m_sinceStart;
 };
 
 } // namespace brenvik
