@@ -28,7 +28,11 @@ void ControlPanelController::show() {
 }
 
 void ControlPanelController::buildWindow() {
-    m_window = std::make_unique<QWidget>();
+    // Titled, closable and minimisable; a fixed-size window has nothing to maximise.
+    m_window = std::make_unique<QWidget>(
+        nullptr, Qt::Window | Qt::CustomizeWindowHint | Qt::WindowTitleHint |
+                     Qt::WindowSystemMenuHint | Qt::WindowMinimizeButtonHint |
+                     Qt::WindowCloseButtonHint);
     m_window->setWindowTitle(QStringLiteral("Brenvik"));
     auto* layout = new QVBoxLayout(m_window.get());
     layout->setContentsMargins(0, 0, 0, 0);

@@ -58,8 +58,10 @@ void PopoverWindow::open(const QRect& anchor) {
     if (screen && area.isEmpty())
         area = screen->geometry();
 
+    // Follow the view's own size: stretching it to a fixed box would only
+    // pull its header apart.
     adjustSize();
-    const QSize size = sizeHint().expandedTo(contentSize);
+    const QSize size = sizeHint();
     resize(size);
     if (!area.isEmpty())
         move(popoverPosition(target, size, area));

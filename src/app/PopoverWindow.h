@@ -13,9 +13,6 @@ class PopoverWindow : public QWidget {
     Q_OBJECT
 
 public:
-    // The least size of the popup; larger content makes it larger.
-    static constexpr QSize contentSize{320, 120};
-
     explicit PopoverWindow(QWidget* parent = nullptr);
 
     // Takes the content; a second call replaces it.
