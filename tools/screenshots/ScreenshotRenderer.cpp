@@ -1,0 +1,217 @@
+// Renders the popover and the control panel in their states to PNG files, on
+// the offscreen platform, for looking at them without a desktop.
+//   brenvik_screenshots <output folder>
+
+#include "views/ControlPanelView.h"
+#include "views/MenuPopoverView.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QFile>
+#include <QSignalSpy>
+#include <QStyleFactory>
+#include <QTemporaryDir>
+#include <cstdio>
+#include <variant>
+
+using namespace brenvik;
+
+namespace {
+
+QPalette darkPalette() {
+    QPalette p;
+    const QColor window(38, 38, 40), text(236, 236, 238), base(28, 28, 30), button(62, 62, 66);
+    p.setColor(QPalette::Window, window);
+    p.setColor(QPalette::WindowText, text);
+    p.setColor(QPalette::Base, base);
+    p.setColor(QPalette::AlternateBase, window);
+    p.setColor(QPalette::Text, text);
+    p.setColor(QPalette::Button, button);
+    p.setColor(QPalette::ButtonText, text);
+    p.setColor(QPalette::BrightText, Qt::white);
+    p.setColor(QPalette::Highlight, QColor(10, 132, 255));
+    p.setColor(QPalette::HighlightedText, Qt::white);
+    p.setColor(QPalette::PlaceholderText, QColor(236, 236, 238, 140));
+    p.setColor(QPalette::ToolTipBase, button);
+    p.setColor(QPalette::ToolTipText, text);
+    p.setColor(QPalette::Light, button.lighter(130));
+    p.setColor(QPalette::Midlight, button.lighter(115));
+    p.setColor(QPalette::Mid, button.darker(120));
+    p.setColor(QPalette::Dark, button.darker(160));
+    p.setColor(QPalette::Shadow, Qt::black);
+    p.setColor(QPalette::Disabled, QPalette::WindowText, QColor(236, 236, 238, 90));
+    p.setColor(QPalette::Disabled, QPalette::ButtonText, QColor(236, 236, 238, 90));
+    p.setColor(QPalette::Disabled, QPalette::Text, QColor(236, 236, 238, 90));
+    return p;
+}
+
+DetectedProcessSample group(qint64 pid, QString command, double cpuPercent = 0) {
+    return DetectedProcessSample{pid, std::move(command), cpuPercent, 1.0, false, 1};
+}
+
+// What the monitor has seen: nothing yet, a failure text, or these matches.
+using Outcome = std::variant<std::monostate, QString, QList<DetectedProcessSample>>;
+
+// The buttons do nothing in a picture.
+class NoActions : public ViewActions {
+public:
+    void openControlPanel() override {}
+    void refreshNow() override {}
+    void quit() override {}
+};
+
+// A desktop that refuses the Dock switch, so the refusal shows.
+class RefusingPolicy : public ActivationPolicy {
+public:
+    bool setPolicy(ActivationPolicyKind) override { return false; }
+    void activate() override {}
+};
+
+// Both preference controllers on files in a private folder.
+class Preferences {
+public:
+    Preferences()
+        : launchAtLogin(entry())
+        , appVisibility(m_policy, m_dir.filePath(QStringLiteral("Brenvik.conf"))) {}
+
+private:
+    // A program file that exists, so the entry can be registered.
+    AutostartEntry entry() const {
+        const QString program = m_dir.filePath(QStringLiteral("brenvik"));
+        QFile(program).open(QIODevice::WriteOnly);
+        return AutostartEntry({m_dir.filePath(QStringLiteral("autostart")), program, {}});
+    }
+
+    QTemporaryDir m_dir;
+    RefusingPolicy m_policy;
+
+public:
+    LaunchAtLoginController launchAtLogin;
+    AppVisibilityController appVisibility;
+};
+
+struct Scene {
+    const char* name;
+    bool panel; // else the popover
+    Outcome outcome;
+    void (*preferences)(Preferences&) = nullptr;
+};
+
+bool render(const Scene& scene, const QDir& out, const QString& suffix) {
+    const Outcome outcome = scene.outcome;
+    CodexProcessMonitor monitor(
+        [outcome] {
+            if (const auto* failure = std::get_if<QString>(&outcome))
+                throw ProcessSnapshotError(kProcessMonitorErrorDomain, 1, *failure);
+            return std::get<QList<DetectedProcessSample>>(outcome);
+        },
+        [] { return QDateTime(QDate(2026, 11, 23), QTime(14, 5, 30)); });
+    if (!std::holds_alternative<std::monostate>(outcome)) {
+        QSignalSpy ended(&monitor, &CodexProcessMonitor::lastUpdatedChanged);
+        monitor.refresh();
+        if (ended.isEmpty() && !ended.wait(20'000)) {
+            std::fprintf(stderr, "%s: the refresh did not end\n", scene.name);
+            return false;
+        }
+    }
+    Preferences preferences;
+    if (scene.preferences)
+        scene.preferences(preferences);
+    NoActions actions;
+    std::unique_ptr<QWidget> view;
+    if (scene.panel)
+        view = std::make_unique<ControlPanelView>(monitor, preferences.launchAtLogin,
+                                                  preferences.appVisibility, actions);
+    else
+        view = std::make_unique<MenuPopoverView>(monitor, actions);
+    view->show();
+    QCoreApplication::processEvents();
+    QCoreApplication::processEvents();
+    const QString file =
+        out.filePath(QString::fromUtf8(scene.name) + suffix + QStringLiteral(".png"));
+    if (!view->grab().save(file)) {
+        std::fprintf(stderr, "cannot write %s\n", qPrintable(file));
+        return false;
+    }
+    std::printf("%s\n", qPrintable(file));
+    return true;
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    // Twice the pixels, as on a HiDPI screen.
+    if (qEnvironmentVariableIsEmpty("QT_SCALE_FACTOR"))
+        qputenv("QT_SCALE_FACTOR", "2");
+    QApplication app(argc, argv);
+    if (argc < 2) {
+        std::fprintf(stderr, "usage: %s <output folder>\n", argv[0]);
+        return 2;
+    }
+    QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
+    QFont font(QStringLiteral("DejaVu Sans"));
+    font.setPointSizeF(10);
+    QApplication::setFont(font);
+
+    const QDir out(QString::fromLocal8Bit(argv[1]));
+    if (!QDir().mkpath(out.path()))
+        return 1;
+
+    const Outcome checking;
+    const Outcome error = QStringLiteral(
+        "Could not read the process table: /proc is not mounted (No such file or directory)");
+    const Outcome noMatch = QList<DetectedProcessSample>();
+    const Outcome two = QList<DetectedProcessSample>{
+        group(4242,
+              QStringLiteral("node /usr/local/lib/node_modules/@openai/codex/bin/codex.js "
+                             "--model gpt-5-codex"),
+              14.5),
+        group(51873, QStringLiteral("codex exec \"summarise the changes since the last release "
+                                    "and draft release notes for the team\"")),
+    };
+    const Outcome five = QList<DetectedProcessSample>{
+        group(1207, QStringLiteral("codex"), 3.2),
+        group(4242, QStringLiteral("node /usr/local/lib/node_modules/@openai/codex/bin/codex.js"),
+              22.0),
+        group(8810, QStringLiteral("npm exec @zed-industries/codex-acp")),
+        group(23001, QStringLiteral("codex resume --last")),
+        group(51873, QStringLiteral("openclaw acpx codex --cwd /home/ann/projects/brenvik")),
+    };
+    const Outcome idle = QList<DetectedProcessSample>{group(4242, QStringLiteral("codex")),
+                                                      group(51873, QStringLiteral("codex exec"))};
+    const Outcome one = QList<DetectedProcessSample>{group(4242, QStringLiteral("codex"))};
+    const auto loginOn = [](Preferences& p) { p.launchAtLogin.setEnabled(true); };
+    const auto dockRefused = [](Preferences& p) { p.appVisibility.setShowDockIcon(false); };
+    const auto approval = [](Preferences& p) {
+        p.launchAtLogin.setStatus(LaunchAtLoginStatus::requiresApproval);
+    };
+
+    const Scene light[] = {
+        {"control-panel-checking", true, checking},
+        {"control-panel-error", true, error},
+        {"control-panel-no-match", true, noMatch},
+        {"control-panel-two-matches", true, two, loginOn},
+        {"control-panel-five-matches", true, five, dockRefused},
+        {"control-panel-waiting-for-approval", true, one, approval},
+        {"popover-checking", false, checking},
+        {"popover-nothing-found", false, noMatch},
+        {"popover-idle", false, idle},
+        {"popover-running", false, two},
+        {"popover-error", false, error},
+    };
+    const Scene dark[] = {
+        {"control-panel-two-matches", true, two, loginOn},
+        {"control-panel-five-matches", true, five, dockRefused},
+        {"control-panel-error", true, error},
+        {"popover-running", false, two},
+        {"popover-error", false, error},
+    };
+
+    bool ok = true;
+    for (const Scene& scene : light)
+        ok = render(scene, out, QString()) && ok;
+    QApplication::setPalette(darkPalette());
+    for (const Scene& scene : dark)
+        ok = render(scene, out, QStringLiteral("-dark")) && ok;
+    return ok ? 0 : 1;
+}
