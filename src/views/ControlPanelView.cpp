@@ -1,6 +1,5 @@
 #include "views/ControlPanelView.h"
 
-#include "views/CoalescedUpdate.h"
 #include "views/PreferencesControlsView.h"
 #include "views/ProcessListSectionView.h"
 #include "views/StatusViews.h"
@@ -32,11 +31,7 @@ ControlPanelView::ControlPanelView(CodexProcessMonitor& monitor,
                                    LaunchAtLoginController& launchAtLogin,
                                    AppVisibilityController& appVisibility, ViewActions& actions,
                                    QWidget* parent)
-    : QWidget(parent)
-    , m_monitor(monitor)
-    , m_actions(actions)
-    , m_updates(new CoalescedUpdate([this] { updateFromMonitor(); }, this))
-    , m_header(new StatusHeaderView(monitor.runState(), monitor.summary(), this))
+    : MonitorStatusView(monitor, actions, parent)
     , m_errorLine(new ElidingLabel(TextStyle::footnote, NamedColor::red, this))
     , m_preferences(new PreferencesControlsView(launchAtLogin, appVisibility, this))
     , m_processList(new ProcessListSectionView(monitor, this))
@@ -47,9 +42,9 @@ ControlPanelView::ControlPanelView(CodexProcessMonitor& monitor,
     setAutoFillBackground(true);
     setBackgroundRole(QPalette::Window);
 
-    auto* header = stack(6);
-    header->addWidget(m_header);
-    header->addWidget(m_errorLine);
+    auto* top = stack(6);
+    top->addWidget(header());
+    top->addWidget(m_errorLine);
     m_errorLine->setTextInteractionFlags(Qt::TextSelectableByMouse);
 
     auto* preferences = new QWidget(this);
@@ -85,7 +80,7 @@ ControlPanelView::ControlPanelView(CodexProcessMonitor& monitor,
 
     auto* column = stack(kSectionSpacing, this);
     column->setContentsMargins(kPadding, kPadding, kPadding, kPadding);
-    column->addLayout(header);
+    column->addLayout(top);
     column->addWidget(new Divider(this));
     column->addWidget(preferences);
     column->addWidget(new Divider(this));
@@ -100,17 +95,12 @@ ControlPanelView::ControlPanelView(CodexProcessMonitor& monitor,
     refreshKey->setContext(Qt::WindowShortcut);
     connect(refreshKey, &QShortcut::activated, m_refreshButton, &StyledButton::animateClick);
 
-    m_updates->observe(&m_monitor);
     updateFromMonitor();
 }
 
-int ControlPanelView::updateCount() const {
-    return m_updates->count();
-}
-
 void ControlPanelView::updateFromMonitor() {
+    MonitorStatusView::updateFromMonitor();
     const CodexRunState state = m_monitor.runState();
-    m_header->setState(state, m_monitor.summary());
     const auto* error = state.asError();
     m_errorLine->setFullText(error ? error->message : QString());
     m_errorLine->setVisible(error != nullptr);

@@ -2,25 +2,20 @@
 
 #include "app/AppVisibilityController.h"
 #include "app/LaunchAtLoginController.h"
-#include "monitor/ProcessMonitoring.h"
-#include "views/ViewActions.h"
-
-#include <QWidget>
+#include "views/MonitorStatusView.h"
 
 namespace brenvik {
 
-class CoalescedUpdate;
 class ElidingLabel;
 class LastUpdatedLabel;
 class PreferencesControlsView;
 class ProcessListSectionView;
-class StatusHeaderView;
 class StyledButton;
 
 // The whole control panel, 420 × 480: header with the error line,
 // preferences, the process list, the last refresh time, "Refresh Now" (also
 // the R key) and "Quit".
-class ControlPanelView : public QWidget {
+class ControlPanelView : public MonitorStatusView {
     Q_OBJECT
 
 public:
@@ -31,22 +26,16 @@ public:
     static constexpr int kWidth = 420;
     static constexpr int kHeight = 480;
 
-    [[nodiscard]] StatusHeaderView* header() const noexcept { return m_header; }
     [[nodiscard]] ElidingLabel* errorLine() const noexcept { return m_errorLine; }
     [[nodiscard]] PreferencesControlsView* preferences() const noexcept { return m_preferences; }
     [[nodiscard]] ProcessListSectionView* processList() const noexcept { return m_processList; }
     [[nodiscard]] LastUpdatedLabel* lastUpdatedLabel() const noexcept { return m_lastUpdated; }
     [[nodiscard]] StyledButton* refreshButton() const noexcept { return m_refreshButton; }
     [[nodiscard]] StyledButton* quitButton() const noexcept { return m_quitButton; }
-    [[nodiscard]] int updateCount() const;
 
 private:
-    void updateFromMonitor();
+    void updateFromMonitor() override;
 
-    CodexProcessMonitor& m_monitor;
-    ViewActions& m_actions;
-    CoalescedUpdate* m_updates;
-    StatusHeaderView* m_header;
     ElidingLabel* m_errorLine;
     PreferencesControlsView* m_preferences;
     ProcessListSectionView* m_processList;
