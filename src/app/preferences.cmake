@@ -4,15 +4,22 @@
 find_package(PkgConfig REQUIRED)
 pkg_check_modules(XCB REQUIRED IMPORTED_TARGET xcb)
 
-add_library(brenvik_preferences STATIC
-  ${CMAKE_CURRENT_LIST_DIR}/ActivationPolicy.cpp
-  ${CMAKE_CURRENT_LIST_DIR}/AppVisibilityController.cpp
-  ${CMAKE_CURRENT_LIST_DIR}/AutostartEntry.cpp
-  ${CMAKE_CURRENT_LIST_DIR}/LaunchAtLoginController.cpp
-  ${CMAKE_CURRENT_LIST_DIR}/ActivationPolicy.h
-  ${CMAKE_CURRENT_LIST_DIR}/AppVisibilityController.h
-  ${CMAKE_CURRENT_LIST_DIR}/LaunchAtLoginController.h)
-target_include_directories(brenvik_preferences PUBLIC ${PROJECT_SOURCE_DIR}/src)
-target_link_libraries(brenvik_preferences
-  PUBLIC Qt6::Core Qt6::Gui
-  PRIVATE PkgConfig::XCB brenvik_warnings)
+# brenvik_app_library(<name> [X11] FILES <files in src/app...> PUBLIC <targets...>)
+# A static library of this folder's files; X11 when it talks to the X server
+# itself. shell.cmake builds its libraries with it too.
+function(brenvik_app_library name)
+  cmake_parse_arguments(ARG "X11" "" "FILES;PUBLIC" ${ARGN})
+  list(TRANSFORM ARG_FILES PREPEND ${CMAKE_CURRENT_FUNCTION_LIST_DIR}/)
+  add_library(${name} STATIC ${ARG_FILES})
+  target_include_directories(${name} PUBLIC ${PROJECT_SOURCE_DIR}/src)
+  target_link_libraries(${name} PUBLIC ${ARG_PUBLIC} PRIVATE brenvik_warnings)
+  if(ARG_X11)
+    target_link_libraries(${name} PRIVATE PkgConfig::XCB)
+  endif()
+endfunction()
+
+brenvik_app_library(brenvik_preferences X11
+  FILES ActivationPolicy.cpp AppVisibilityController.cpp AutostartEntry.cpp
+        LaunchAtLoginController.cpp ActivationPolicy.h AppVisibilityController.h
+        LaunchAtLoginController.h
+  PUBLIC Qt6::Core Qt6::Gui)

@@ -3,35 +3,18 @@
 
 # The tray icon's drawing: QtGui only, shared by the app and the build-time
 # icon export.
-add_library(brenvik_trayicon STATIC
-  ${CMAKE_CURRENT_LIST_DIR}/TrayIconPainter.cpp
-  ${CMAKE_CURRENT_LIST_DIR}/TrayIconPainter.h)
-target_include_directories(brenvik_trayicon PUBLIC ${PROJECT_SOURCE_DIR}/src)
-target_link_libraries(brenvik_trayicon PUBLIC brenvik_presentation Qt6::Gui PRIVATE brenvik_warnings)
+brenvik_app_library(brenvik_trayicon
+  FILES TrayIconPainter.cpp TrayIconPainter.h
+  PUBLIC brenvik_presentation Qt6::Gui)
 
 # Everything of the program but main(), so the tests drive the same code.
-add_library(brenvik_shell STATIC
-  ${CMAKE_CURRENT_LIST_DIR}/AppModel.cpp
-  ${CMAKE_CURRENT_LIST_DIR}/AppModel.h
-  ${CMAKE_CURRENT_LIST_DIR}/ControlPanelController.cpp
-  ${CMAKE_CURRENT_LIST_DIR}/ControlPanelController.h
-  ${CMAKE_CURRENT_LIST_DIR}/PopoverPlacement.cpp
-  ${CMAKE_CURRENT_LIST_DIR}/PopoverPlacement.h
-  ${CMAKE_CURRENT_LIST_DIR}/PopoverWindow.cpp
-  ${CMAKE_CURRENT_LIST_DIR}/PopoverWindow.h
-  ${CMAKE_CURRENT_LIST_DIR}/SingleInstance.cpp
-  ${CMAKE_CURRENT_LIST_DIR}/SingleInstance.h
-  ${CMAKE_CURRENT_LIST_DIR}/StatusItemController.cpp
-  ${CMAKE_CURRENT_LIST_DIR}/StatusItemController.h
-  ${CMAKE_CURRENT_LIST_DIR}/SystemTraySurface.cpp
-  ${CMAKE_CURRENT_LIST_DIR}/SystemTraySurface.h
-  ${CMAKE_CURRENT_LIST_DIR}/TrayHostWatcher.cpp
-  ${CMAKE_CURRENT_LIST_DIR}/TrayHostWatcher.h
-  ${CMAKE_CURRENT_LIST_DIR}/TraySurface.h)
-target_include_directories(brenvik_shell PUBLIC ${PROJECT_SOURCE_DIR}/src)
-target_link_libraries(brenvik_shell
-  PUBLIC brenvik_core brenvik_views brenvik_preferences brenvik_trayicon Qt6::Widgets Qt6::DBus
-  PRIVATE PkgConfig::XCB brenvik_warnings)
+brenvik_app_library(brenvik_shell X11
+  FILES AppModel.cpp AppModel.h ControlPanelController.cpp ControlPanelController.h
+        PopoverPlacement.cpp PopoverPlacement.h PopoverWindow.cpp PopoverWindow.h
+        SingleInstance.cpp SingleInstance.h StatusItemController.cpp StatusItemController.h
+        SystemTraySurface.cpp SystemTraySurface.h TrayHostWatcher.cpp TrayHostWatcher.h
+        TraySurface.h
+  PUBLIC brenvik_core brenvik_views brenvik_preferences brenvik_trayicon Qt6::Widgets Qt6::DBus)
 
 add_executable(brenvik ${CMAKE_CURRENT_LIST_DIR}/BrenvikApp.cpp)
 target_link_libraries(brenvik PRIVATE brenvik_shell brenvik_warnings)
