@@ -15,16 +15,8 @@ namespace brenvik {
 
 namespace {
 
-// The fields of one stat line, viewing the buffer it was read into.
-struct StatFields {
-    qint64 pid = 0;
-    QByteArrayView comm;
-    char state = '?';
-    qint64 ppid = 0;
-    quint64 utimeTicks = 0;
-    quint64 stimeTicks = 0;
-    quint64 startTimeTicks = 0;
-};
+// One stat line, its name viewing the buffer it was read into.
+using StatFields = BasicProcStat<QByteArrayView>;
 
 template <typename Integer> bool parseWhole(QByteArrayView text, Integer& value) {
     if (text.isEmpty())

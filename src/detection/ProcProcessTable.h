@@ -11,18 +11,21 @@
 
 namespace brenvik {
 
-// The fields of /proc/PID/stat the snapshot needs.
-struct ProcStat {
+// The fields of /proc/PID/stat the snapshot needs. The snapshot itself reads
+// them with a QByteArrayView comm into its own buffer, so that the name is
+// decoded only when a process is new.
+template <typename Comm> struct BasicProcStat {
     qint64 pid = 0;
-    QString comm;
+    Comm comm;
     char state = '?';
     qint64 ppid = 0;
     quint64 utimeTicks = 0;
     quint64 stimeTicks = 0;
     quint64 startTimeTicks = 0;
 
-    friend bool operator==(const ProcStat&, const ProcStat&) = default;
+    friend bool operator==(const BasicProcStat&, const BasicProcStat&) = default;
 };
+using ProcStat = BasicProcStat<QString>;
 
 // Parses the contents of /proc/PID/stat. The comm field is taken up to the
 // last ")" because a process name may hold spaces and parentheses.
