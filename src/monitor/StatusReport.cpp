@@ -3,6 +3,7 @@
 #include "views/CommandText.h"
 
 #include <cmath>
+#include <string_view>
 
 namespace brenvik {
 
@@ -33,35 +34,16 @@ constexpr qsizetype kStatusWidth = 7;
     QString out;
     out.reserve(text.size() + 2);
     out += u'"';
+    // Characters with a short escape, and the letter after the backslash.
+    constexpr std::u16string_view kShort = u"\"\\\b\f\n\r\t";
+    constexpr std::u16string_view kLetter = u"\"\\bfnrt";
     for (const QChar c : text) {
-        switch (c.unicode()) {
-        case u'"':
-            out += u"\\\"";
-            break;
-        case u'\\':
-            out += u"\\\\";
-            break;
-        case u'\b':
-            out += u"\\b";
-            break;
-        case u'\f':
-            out += u"\\f";
-            break;
-        case u'\n':
-            out += u"\\n";
-            break;
-        case u'\r':
-            out += u"\\r";
-            break;
-        case u'\t':
-            out += u"\\t";
-            break;
-        default:
-            if (c.unicode() < 0x20)
-                out += u"\\u" + QString::number(c.unicode(), 16).rightJustified(4, u'0');
-            else
-                out += c;
-        }
+        if (const auto at = kShort.find(c.unicode()); at != std::u16string_view::npos)
+            out.append(u'\\').append(QChar(kLetter[at]));
+        else if (c.unicode() < 0x20)
+            out += u"\\u" + QString::number(c.unicode(), 16).rightJustified(4, u'0');
+        else
+            out += c;
     }
     out += u'"';
     return out;

@@ -39,7 +39,10 @@ const ClassificationCase kCases[] = {
      {{0, {sample(1, 0.4, base)}, {{1, running, 0}}}}},
     {"CPU percent just below the threshold is not",
      {{0, {sample(1, 0.39, base)}, {{1, idle, std::nullopt}}}}},
-    {"CPU percent far above one core is busy", {{0, {sample(1, 350.0, base)}, {{1, running, 0}}}}},
+    {"CPU percent far above one core is busy; the match carries the sample's figures",
+     {{0,
+       {sample(4'000'000'000, 350.0, 61.25, false, QStringLiteral("Node /x/CODEX --Flag"), 3)},
+       {{4'000'000'000, running, 0}}}}},
     {"CPU time grown by 0.05 s is busy",
      {{0, {sample(1, 0.0, base)}, {{1, idle, std::nullopt}}},
       {2000, {sample(1, 0.0, base + 0.05)}, {{1, running, 2000}}}}},
@@ -108,8 +111,11 @@ TEST(ActivityClassification, VerdictsAcrossRefreshes) {
             for (qsizetype i = 0; i < step.expected.size(); ++i) {
                 const Expected& expected = step.expected[i];
                 const ProcessMatch& match = monitor.matches()[i];
-                EXPECT_EQ(match.pid, expected.pid);
-                EXPECT_EQ(rawValue(match.status), rawValue(expected.status)) << "pid " << match.pid;
+                const DetectedProcessSample& s = step.samples[i];
+                EXPECT_EQ(match,
+                          (ProcessMatch{expected.pid, s.command, expected.status, s.totalCPUPercent,
+                                        s.cumulativeCPUTime, s.memberCount}))
+                    << "pid " << match.pid << " " << rawValue(match.status).toStdString();
                 ASSERT_TRUE(monitor.historyByPID().contains(expected.pid));
                 const auto& record = monitor.historyByPID()[expected.pid];
                 EXPECT_EQ(record.cumulativeCPUTime, step.samples[i].cumulativeCPUTime);
@@ -120,18 +126,6 @@ TEST(ActivityClassification, VerdictsAcrossRefreshes) {
             }
         }
     }
-}
-
-TEST(ActivityClassification, MatchCarriesTheSampleFigures) {
-    ScriptedScan scan;
-    ManualClock clock;
-    CodexProcessMonitor monitor(scan.function(), clock.function());
-    scan.returns(
-        {sample(4'000'000'000, 12.5, 61.25, false, QStringLiteral("Node /x/CODEX --Flag"), 3)});
-    ASSERT_TRUE(refreshAt(monitor, clock, 0));
-    const QList<ProcessMatch> expected = {
-        {4'000'000'000, QStringLiteral("Node /x/CODEX --Flag"), running, 12.5, 61.25, 3}};
-    EXPECT_EQ(monitor.matches(), expected);
 }
 
 TEST(ActivityClassification, ClassifyReadsTheHistoryButLeavesIt) {

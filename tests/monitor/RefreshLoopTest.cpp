@@ -17,15 +17,12 @@ QString describe(const QList<ProcessMatch>& matches) {
         pids << QString::number(match.pid);
     return u'[' + pids.join(u',') + u']';
 }
-
 QString describe(const std::optional<QString>& text) {
     return text ? u'"' + *text + u'"' : QStringLiteral("none");
 }
-
 QString describe(const std::optional<QDateTime>& time) {
     return time ? QString::number(at(0).msecsTo(*time)) : QStringLiteral("none");
 }
-
 QString describe(bool flag) {
     return flag ? QStringLiteral("true") : QStringLiteral("false");
 }
@@ -34,76 +31,61 @@ QString describe(bool flag) {
 class NoticeRecorder {
 public:
     explicit NoticeRecorder(CodexProcessMonitor& monitor) {
-        const auto* m = &monitor;
-        QObject::connect(m, &CodexProcessMonitor::objectWillChange, &m_context,
+        QObject::connect(&monitor, &CodexProcessMonitor::objectWillChange, &m_context,
                          [this] { notices << QStringLiteral("will change"); });
-        QObject::connect(m, &CodexProcessMonitor::matchesChanged, &m_context,
-                         [this, m](const QList<ProcessMatch>& next) {
-                             notices << u"matches: " + describe(m->matches()) + u" -> " +
-                                            describe(next);
-                         });
-        QObject::connect(m, &CodexProcessMonitor::lastErrorChanged, &m_context,
-                         [this, m](const std::optional<QString>& next) {
-                             notices << u"lastError: " + describe(m->lastError()) + u" -> " +
-                                            describe(next);
-                         });
-        QObject::connect(m, &CodexProcessMonitor::isRefreshingChanged, &m_context,
-                         [this, m](bool next) {
-                             notices << u"isRefreshing: " + describe(m->isRefreshing()) + u" -> " +
-                                            describe(next);
-                         });
-        QObject::connect(m, &CodexProcessMonitor::lastUpdatedChanged, &m_context,
-                         [this, m](const std::optional<QDateTime>& next) {
-                             notices << u"lastUpdated: " + describe(m->lastUpdated()) + u" -> " +
-                                            describe(next);
-                         });
+        record(monitor, u"matches", &CodexProcessMonitor::matchesChanged,
+               &CodexProcessMonitor::matches);
+        record(monitor, u"lastError", &CodexProcessMonitor::lastErrorChanged,
+               &CodexProcessMonitor::lastError);
+        record(monitor, u"isRefreshing", &CodexProcessMonitor::isRefreshingChanged,
+               &CodexProcessMonitor::isRefreshing);
+        record(monitor, u"lastUpdated", &CodexProcessMonitor::lastUpdatedChanged,
+               &CodexProcessMonitor::lastUpdated);
     }
 
     QStringList notices;
 
 private:
+    template <typename Value, typename Getter>
+    void record(const CodexProcessMonitor& monitor, QStringView name,
+                void (CodexProcessMonitor::*changed)(Value), Getter getter) {
+        QObject::connect(&monitor, changed, &m_context,
+                         [this, &monitor, name = name.toString(), getter](Value next) {
+                             notices << name + u": " + describe((monitor.*getter)()) + u" -> " +
+                                            describe(next);
+                         });
+    }
     QObject m_context;
 };
 
 enum class Outcome { success, failure, cancellation };
 
-struct OrderCase {
+// Every change comes as "will change", then the property's own notice.
+QStringList noticesFor(std::initializer_list<const char*> changes) {
+    QStringList notices;
+    for (const char* change : changes)
+        notices << QStringLiteral("will change") << QString::fromUtf8(change);
+    return notices;
+}
+
+const struct {
     const char* name;
     std::optional<Outcome> before; // a refresh that ended at 1000 ms
     Outcome outcome;               // the recorded refresh, ending at 3000 ms
     QStringList expected;
-};
-
-const QString will = QStringLiteral("will change");
-
-const OrderCase kOrderCases[] = {
-    {"success after a failure",
-     Outcome::failure,
-     Outcome::success,
-     {will, QStringLiteral("isRefreshing: false -> true"), will,
-      QStringLiteral("matches: [] -> [7]"), will, QStringLiteral("lastError: \"boom\" -> none"),
-      will, QStringLiteral("isRefreshing: true -> false"), will,
-      QStringLiteral("lastUpdated: 1000 -> 3000")}},
-    {"first success also publishes the absent error",
-     std::nullopt,
-     Outcome::success,
-     {will, QStringLiteral("isRefreshing: false -> true"), will,
-      QStringLiteral("matches: [] -> [7]"), will, QStringLiteral("lastError: none -> none"), will,
-      QStringLiteral("isRefreshing: true -> false"), will,
-      QStringLiteral("lastUpdated: none -> 3000")}},
-    {"failure after a success",
-     Outcome::success,
-     Outcome::failure,
-     {will, QStringLiteral("isRefreshing: false -> true"), will,
-      QStringLiteral("matches: [7] -> []"), will, QStringLiteral("lastError: none -> \"boom\""),
-      will, QStringLiteral("isRefreshing: true -> false"), will,
-      QStringLiteral("lastUpdated: 1000 -> 3000")}},
-    {"cancellation touches only the flag and the time",
-     Outcome::success,
-     Outcome::cancellation,
-     {will, QStringLiteral("isRefreshing: false -> true"), will,
-      QStringLiteral("isRefreshing: true -> false"), will,
-      QStringLiteral("lastUpdated: 1000 -> 3000")}},
+} kOrderCases[] = {
+    {"success after a failure", Outcome::failure, Outcome::success,
+     noticesFor({"isRefreshing: false -> true", "matches: [] -> [7]", "lastError: \"boom\" -> none",
+                 "isRefreshing: true -> false", "lastUpdated: 1000 -> 3000"})},
+    {"first success also publishes the absent error", std::nullopt, Outcome::success,
+     noticesFor({"isRefreshing: false -> true", "matches: [] -> [7]", "lastError: none -> none",
+                 "isRefreshing: true -> false", "lastUpdated: none -> 3000"})},
+    {"failure after a success", Outcome::success, Outcome::failure,
+     noticesFor({"isRefreshing: false -> true", "matches: [7] -> []", "lastError: none -> \"boom\"",
+                 "isRefreshing: true -> false", "lastUpdated: 1000 -> 3000"})},
+    {"cancellation touches only the flag and the time", Outcome::success, Outcome::cancellation,
+     noticesFor({"isRefreshing: false -> true", "isRefreshing: true -> false",
+                 "lastUpdated: 1000 -> 3000"})},
 };
 
 void runRefresh(CodexProcessMonitor& monitor, ScriptedScan& scan, ManualClock& clock,
@@ -122,7 +104,7 @@ void runRefresh(CodexProcessMonitor& monitor, ScriptedScan& scan, ManualClock& c
 }
 
 TEST(PublishedState, NoticesComeInOrderBeforeEachValueIsStored) {
-    for (const OrderCase& testCase : kOrderCases) {
+    for (const auto& testCase : kOrderCases) {
         SCOPED_TRACE(testCase.name);
         ScriptedScan scan;
         ManualClock clock;
@@ -146,11 +128,17 @@ TEST(PublishedState, NoticesComeInOrderBeforeEachValueIsStored) {
     }
 }
 
-TEST(RefreshLoop, StartRefreshesAtOnceThenEveryInterval) {
+// One monitor on a scripted scan and a hand-set clock; the scan first, since
+// the monitor waits for its scan when destroyed.
+class RefreshLoop : public ::testing::Test {
+protected:
     ScriptedScan scan;
-    scan.fails(QStringLiteral("ps failed with exit code 1"));
     ManualClock clock;
-    CodexProcessMonitor monitor(scan.function(), clock.function());
+    CodexProcessMonitor monitor{scan.function(), clock.function()};
+};
+
+TEST_F(RefreshLoop, StartRefreshesAtOnceThenEveryInterval) {
+    scan.fails(QStringLiteral("ps failed with exit code 1"));
     QSignalSpy refreshes(&monitor, &CodexProcessMonitor::lastUpdatedChanged);
 
     scan.hold();
@@ -173,10 +161,7 @@ TEST(RefreshLoop, StartRefreshesAtOnceThenEveryInterval) {
     EXPECT_EQ(monitor.lastUpdated(), at(2000));
 }
 
-TEST(RefreshLoop, SecondStartCreatesNoSecondLoopOrRefresh) {
-    ScriptedScan scan;
-    ManualClock clock;
-    CodexProcessMonitor monitor(scan.function(), clock.function());
+TEST_F(RefreshLoop, SecondStartCreatesNoSecondLoopOrRefresh) {
     scan.hold();
     monitor.start();
     monitor.start();
@@ -191,10 +176,7 @@ TEST(RefreshLoop, SecondStartCreatesNoSecondLoopOrRefresh) {
     EXPECT_EQ(scan.started(), 1);
 }
 
-TEST(RefreshLoop, RefreshDuringARefreshChangesNothing) {
-    ScriptedScan scan;
-    ManualClock clock;
-    CodexProcessMonitor monitor(scan.function(), clock.function());
+TEST_F(RefreshLoop, RefreshDuringARefreshChangesNothing) {
     scan.hold();
     monitor.refresh();
     NoticeRecorder recorder(monitor);
@@ -210,10 +192,7 @@ TEST(RefreshLoop, RefreshDuringARefreshChangesNothing) {
     EXPECT_EQ(recorder.notices.filter(QStringLiteral("lastUpdated")).size(), 1);
 }
 
-TEST(RefreshLoop, WakeUpsDuringASlowScanStartNothingAndTheNextOneDoes) {
-    ScriptedScan scan;
-    ManualClock clock;
-    CodexProcessMonitor monitor(scan.function(), clock.function());
+TEST_F(RefreshLoop, WakeUpsDuringASlowScanStartNothingAndTheNextOneDoes) {
     QSignalSpy refreshes(&monitor, &CodexProcessMonitor::lastUpdatedChanged);
     scan.hold();
     monitor.refresh();
@@ -237,48 +216,28 @@ TEST(RefreshLoop, WakeUpsDuringASlowScanStartNothingAndTheNextOneDoes) {
     EXPECT_EQ(refreshes.size(), 2);
 }
 
-TEST(RefreshLoop, FailureThenSuccessClearsTheErrorAndJudgesGroupsAsNew) {
-    ScriptedScan scan;
-    ManualClock clock;
-    CodexProcessMonitor monitor(scan.function(), clock.function());
-    scan.returns({sample(5, 50.0, 10.0)});
-    ASSERT_TRUE(refreshAt(monitor, clock, 0));
-    ASSERT_EQ(monitor.matches().value(0).status, ProcessActivityStatus::running);
-
-    scan.fails(QStringLiteral("ps failed with exit code 1"));
-    ASSERT_TRUE(refreshAt(monitor, clock, 2000));
-    EXPECT_TRUE(monitor.matches().isEmpty());
-    EXPECT_TRUE(monitor.historyByPID().isEmpty());
-
-    // Within the grace period and with grown CPU time, but judged as new.
-    scan.returns({sample(5, 0.0, 20.0)});
-    ASSERT_TRUE(refreshAt(monitor, clock, 4000));
-    EXPECT_FALSE(monitor.lastError());
-    ASSERT_EQ(monitor.matches().size(), 1);
-    EXPECT_EQ(monitor.matches()[0].status, ProcessActivityStatus::idle);
-}
-
-TEST(RefreshLoop, EveryFailureOfTheScanBecomesTheErrorText) {
+// Whatever the scan throws becomes the error text; the loop goes on, the
+// failure clears the history, and the next success clears the error.
+TEST(ScanFailure, BecomesTheErrorTextThenSuccessClearsIt) {
+    using Samples = QList<DetectedProcessSample>;
     const struct {
         const char* name;
         ScriptedScan::Behaviour behaviour;
         QString expected;
     } cases[] = {
         {"snapshot error: its message",
-         []() -> QList<DetectedProcessSample> {
+         []() -> Samples {
              throw ProcessSnapshotError(kProcessMonitorErrorDomain, 2,
                                         QStringLiteral("ps failed with exit code 2"));
          },
          QStringLiteral("ps failed with exit code 2")},
         {"snapshot error with an empty message",
-         []() -> QList<DetectedProcessSample> {
-             throw ProcessSnapshotError(kProcessMonitorErrorDomain, 1, QString());
-         },
+         []() -> Samples { throw ProcessSnapshotError(kProcessMonitorErrorDomain, 1, QString()); },
          QString()},
         {"standard exception: its what()",
-         []() -> QList<DetectedProcessSample> { throw std::runtime_error("cannot read /proc"); },
+         []() -> Samples { throw std::runtime_error("cannot read /proc"); },
          QStringLiteral("cannot read /proc")},
-        {"anything else: a fixed text", []() -> QList<DetectedProcessSample> { throw 42; },
+        {"anything else: a fixed text", []() -> Samples { throw 42; },
          QStringLiteral("Unknown error while reading the process table")},
     };
     for (const auto& testCase : cases) {
@@ -286,18 +245,26 @@ TEST(RefreshLoop, EveryFailureOfTheScanBecomesTheErrorText) {
         ScriptedScan scan;
         ManualClock clock;
         CodexProcessMonitor monitor(scan.function(), clock.function());
-        scan.setBehaviour(testCase.behaviour);
+        scan.returns({sample(5, 50.0, 10.0)});
         ASSERT_TRUE(refreshAt(monitor, clock, 0));
-        EXPECT_EQ(monitor.lastError(), testCase.expected);
+        ASSERT_EQ(monitor.matches().value(0).status, ProcessActivityStatus::running);
 
-        // The next refresh still runs and recovers.
-        scan.returns({});
+        scan.setBehaviour(testCase.behaviour);
         ASSERT_TRUE(refreshAt(monitor, clock, 2000));
+        EXPECT_EQ(monitor.lastError(), testCase.expected);
+        EXPECT_TRUE(monitor.matches().isEmpty());
+        EXPECT_TRUE(monitor.historyByPID().isEmpty());
+
+        // Within the grace period and with grown CPU time, but judged as new.
+        scan.returns({sample(5, 0.0, 20.0)});
+        ASSERT_TRUE(refreshAt(monitor, clock, 4000));
         EXPECT_FALSE(monitor.lastError());
+        ASSERT_EQ(monitor.matches().size(), 1);
+        EXPECT_EQ(monitor.matches()[0].status, ProcessActivityStatus::idle);
     }
 }
 
-TEST(RefreshLoop, DestroyingTheMonitorDuringAScanIsSafe) {
+TEST(MonitorLifetime, DestroyingTheMonitorDuringAScanIsSafe) {
     // Whether the scan ends during the destruction or its result already
     // waits in the event queue, nothing may touch the dead monitor (the
     // sanitizers watch this).
