@@ -13,7 +13,6 @@
 #include <QTest>
 #include <csignal>
 #include <gtest/gtest.h>
-#include <memory>
 #include <optional>
 #include <sys/prctl.h>
 
@@ -27,14 +26,37 @@ struct CommandResult {
     QString err;
 };
 
-void startStatus(QProcess& process, const QStringList& arguments) {
-    process.start(QStringLiteral(BRENVIK_STATUS_COMMAND), arguments);
-}
-
-CommandResult runStatus(const QStringList& arguments) {
+// Runs brenvik-status to its end; or, with `watchLines`, runs --watch until it
+// printed that many lines and ends it with `signal`.
+CommandResult runStatus(const QStringList& arguments, int watchLines = 0, int signal = 0) {
     QProcess process;
-    startStatus(process, arguments);
+    if (watchLines > 0) {
+        // LeakSanitizer's stop-the-world pass at exit was once seen to hang after
+        // the signal on a loaded machine; the one-shot runs keep the leak check.
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert(QStringLiteral("ASAN_OPTIONS"),
+                           environment.value(QStringLiteral("ASAN_OPTIONS")) +
+                               QStringLiteral(":detect_leaks=0"));
+        process.setProcessEnvironment(environment);
+    }
+    process.start(QStringLiteral(BRENVIK_STATUS_COMMAND), arguments);
+    QByteArray out;
     CommandResult run;
+    if (watchLines > 0) {
+        // Whether enough lines came or the command ended early, the checks below tell.
+        (void)QTest::qWaitFor(
+            [&] {
+                out += process.readAllStandardOutput();
+                return out.count('\n') >= watchLines || process.state() == QProcess::NotRunning;
+            },
+            kBound);
+        if (process.state() == QProcess::NotRunning) {
+            run.err = u"brenvik-status --watch ended by itself: "_qs +
+                      QString::fromUtf8(process.readAllStandardError());
+            return run;
+        }
+        ::kill(static_cast<pid_t>(process.processId()), signal);
+    }
     if (!process.waitForFinished(kBound)) {
         process.kill();
         process.waitForFinished();
@@ -42,47 +64,11 @@ CommandResult runStatus(const QStringList& arguments) {
         return run;
     }
     run.exitCode = process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
-    run.out = QString::fromUtf8(process.readAllStandardOutput());
-    run.err = QString::fromUtf8(process.readAllStandardError());
-    return run;
-}
-
-// Runs --watch until it printed `lines` lines, then ends it with `signal`.
-CommandResult watchStatus(const QStringList& arguments, int lines, int signal) {
-    QProcess process;
-    // LeakSanitizer's stop-the-world pass at exit was once seen to hang after
-    // the signal on a loaded machine; the one-shot runs keep the leak check.
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert(QStringLiteral("ASAN_OPTIONS"),
-                       environment.value(QStringLiteral("ASAN_OPTIONS")) +
-                           QStringLiteral(":detect_leaks=0"));
-    process.setProcessEnvironment(environment);
-    startStatus(process, arguments);
-    QByteArray out;
-    // Whether enough lines came or the command ended early, the checks below tell.
-    (void)QTest::qWaitFor(
-        [&] {
-            out += process.readAllStandardOutput();
-            return out.count('\n') >= lines || process.state() == QProcess::NotRunning;
-        },
-        kBound);
-    CommandResult run;
-    if (process.state() == QProcess::NotRunning) {
-        run.err = QStringLiteral("brenvik-status --watch ended by itself: ") +
-                  QString::fromUtf8(process.readAllStandardError());
-        return run;
-    }
-    ::kill(static_cast<pid_t>(process.processId()), signal);
-    if (!process.waitForFinished(kBound)) {
-        process.kill();
-        process.waitForFinished();
-        run.err = QStringLiteral("brenvik-status --watch ignored the signal");
-        return run;
-    }
-    run.exitCode = process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
     out += process.readAllStandardOutput();
+    run.out = QString::fromUtf8(out);
     // Only whole lines up to the count: another refresh may have ended meanwhile.
-    run.out = QString::fromUtf8(out).section(u'\n', 0, lines - 1) + u'\n';
+    if (watchLines > 0)
+        run.out = run.out.section(u'\n', 0, watchLines - 1) + u'\n';
     run.err = QString::fromUtf8(process.readAllStandardError());
     return run;
 }
@@ -115,8 +101,6 @@ public:
             kBound);
     }
     ~FakeCodex() { stop(); }
-    FakeCodex(const FakeCodex&) = delete;
-    FakeCodex& operator=(const FakeCodex&) = delete;
 
     [[nodiscard]] qint64 pid() const { return m_process.processId(); }
     [[nodiscard]] const QString& command() const { return m_command; }
@@ -140,9 +124,10 @@ private:
 // Compares output with an expected-output file. In the file, {{...}} is a
 // regular expression and ${NAME} a value the test knows; everything else is
 // literal. Returns a description of the first difference.
-std::optional<QString> differenceFromGolden(const QString& actual, const QString& goldenName,
+std::optional<QString> differenceFromGolden(const QString& actual, const char* goldenName,
                                             const QHash<QString, QString>& values) {
-    QFile file(QStringLiteral(BRENVIK_GOLDEN_DIR) + u'/' + goldenName);
+    const QString name = QString::fromLatin1(goldenName);
+    QFile file(QStringLiteral(BRENVIK_GOLDEN_DIR "/") + name);
     if (!file.open(QIODevice::ReadOnly))
         return u"cannot read " + file.fileName();
     const QStringList expectedLines = QString::fromUtf8(file.readAll()).split(u'\n');
@@ -167,7 +152,7 @@ std::optional<QString> differenceFromGolden(const QString& actual, const QString
         if (i >= expectedLines.size() || i >= actualLines.size() ||
             !lineExpression.match(line).hasMatch()) {
             return QStringLiteral("%1 line %2:\n  expected: %3\n  actual:   %4\nwhole output:\n%5")
-                .arg(goldenName)
+                .arg(name)
                 .arg(i + 1)
                 .arg(i < expectedLines.size() ? expected : QStringLiteral("(end)"),
                      i < actualLines.size() ? line : QStringLiteral("(end)"), actual);
@@ -180,6 +165,16 @@ std::optional<QString> differenceFromGolden(const QString& actual, const QString
 // program's own name, which would exclude them: so not under
 // BRENVIK_TEST_SCRATCH.
 const QString kFakeDirectoryTemplate = QStringLiteral("/tmp/cdx-status-XXXXXX");
+
+// An idle and a busy fake Codex CLI in a fresh folder.
+struct FakePair {
+    QTemporaryDir directory{kFakeDirectoryTemplate};
+    FakeCodex idle{directory.path(), FakeCodex::Kind::idle};
+    FakeCodex busy{directory.path(), FakeCodex::Kind::busy};
+    [[nodiscard]] bool isRunning() const {
+        return directory.isValid() && idle.isRunning() && busy.isRunning();
+    }
+};
 
 std::optional<QJsonObject> parseReport(const QString& line) {
     QJsonParseError error;
@@ -198,86 +193,50 @@ QList<qint64> groupPIDs(const QJsonObject& report) {
 
 struct GoldenCase {
     const char* name;
-    QStringList arguments;
-    bool withFakes; // an idle and a busy fake Codex CLI run meanwhile
-    int watchLines; // 0: runs to its end; otherwise --watch, ended after this many lines
-    int signal;     // what ends --watch
+    const char* arguments; // separated by blanks
+    bool withFakes;        // an idle and a busy fake Codex CLI run meanwhile
+    int watchLines;        // 0: runs to its end; otherwise --watch, ended after this many lines
+    int signal;            // what ends --watch
     int exitCode;
     const char* stdoutGolden;
-    const char* stderrGolden; // nullptr: nothing on standard error
+    const char* stderrGolden;
 };
 
 const GoldenCase kGoldenCases[] = {
-    {"help", {QStringLiteral("--help")}, false, 0, 0, 0, "help.txt", nullptr},
-    {"version", {QStringLiteral("--version")}, false, 0, 0, 0, "version.txt", nullptr},
-    {"unknown option",
-     {QStringLiteral("--json"), QStringLiteral("--frobnicate")},
-     false,
-     0,
-     0,
-     2,
-     "empty.txt",
-     "unknown-option.txt"},
-    {"unexpected argument",
-     {QStringLiteral("now")},
-     false,
-     0,
-     0,
-     2,
-     "empty.txt",
-     "unexpected-argument.txt"},
-    {"text report", {}, true, 0, 0, 0, "report.txt", nullptr},
-    {"JSON report", {QStringLiteral("--json")}, true, 0, 0, 0, "report.json", nullptr},
-    {"watch, ended by SIGINT",
-     {QStringLiteral("--watch")},
-     true,
-     2,
-     SIGINT,
-     0,
-     "watch.txt",
-     nullptr},
-    {"watch JSON, ended by SIGTERM",
-     {QStringLiteral("--watch"), QStringLiteral("--json")},
-     true,
-     2,
-     SIGTERM,
-     0,
-     "watch.json",
-     nullptr},
+    {"help", "--help", false, 0, 0, 0, "help.txt", "empty.txt"},
+    {"version", "--version", false, 0, 0, 0, "version.txt", "empty.txt"},
+    {"unknown option", "--json --frobnicate", false, 0, 0, 2, "empty.txt", "unknown-option.txt"},
+    {"unexpected argument", "now", false, 0, 0, 2, "empty.txt", "unexpected-argument.txt"},
+    {"text report", "", true, 0, 0, 0, "report.txt", "empty.txt"},
+    {"JSON report", "--json", true, 0, 0, 0, "report.json", "empty.txt"},
+    {"watch, ended by SIGINT", "--watch", true, 2, SIGINT, 0, "watch.txt", "empty.txt"},
+    {"watch JSON, ended by SIGTERM", "--watch --json", true, 2, SIGTERM, 0, "watch.json",
+     "empty.txt"},
 };
 
 void checkAgainstGolden(const GoldenCase& testCase) {
     SCOPED_TRACE(testCase.name);
-    QTemporaryDir directory(kFakeDirectoryTemplate);
-    ASSERT_TRUE(directory.isValid());
-    std::unique_ptr<FakeCodex> idle;
-    std::unique_ptr<FakeCodex> busy;
-    QHash<QString, QString> values{{QStringLiteral("DIR"), directory.path()}};
+    std::optional<FakePair> fakes;
+    QHash<QString, QString> values;
     if (testCase.withFakes) {
-        idle = std::make_unique<FakeCodex>(directory.path(), FakeCodex::Kind::idle);
-        busy = std::make_unique<FakeCodex>(directory.path(), FakeCodex::Kind::busy);
+        fakes.emplace();
         // The expected files list the idle one first; PIDs that wrapped
         // around in between are too rare to be worth a second layout.
-        ASSERT_TRUE(idle->isRunning() && busy->isRunning());
-        ASSERT_LT(idle->pid(), busy->pid());
-        values.insert(QStringLiteral("IDLE_PID"), QString::number(idle->pid()));
-        values.insert(QStringLiteral("BUSY_PID"), QString::number(busy->pid()));
+        ASSERT_TRUE(fakes->isRunning());
+        ASSERT_LT(fakes->idle.pid(), fakes->busy.pid());
+        values = {{QStringLiteral("DIR"), fakes->directory.path()},
+                  {QStringLiteral("IDLE_PID"), QString::number(fakes->idle.pid())},
+                  {QStringLiteral("BUSY_PID"), QString::number(fakes->busy.pid())}};
     }
 
     const CommandResult run =
-        testCase.watchLines > 0
-            ? watchStatus(testCase.arguments, testCase.watchLines, testCase.signal)
-            : runStatus(testCase.arguments);
+        runStatus(QString::fromLatin1(testCase.arguments).split(u' ', Qt::SkipEmptyParts),
+                  testCase.watchLines, testCase.signal);
     EXPECT_EQ(run.exitCode, testCase.exitCode) << run.err.toStdString();
-    if (const auto difference =
-            differenceFromGolden(run.out, QString::fromLatin1(testCase.stdoutGolden), values))
-        ADD_FAILURE() << difference->toStdString();
-    if (testCase.stderrGolden) {
-        if (const auto difference =
-                differenceFromGolden(run.err, QString::fromLatin1(testCase.stderrGolden), values))
-            ADD_FAILURE() << difference->toStdString();
-    } else {
-        EXPECT_EQ(run.err, QString());
+    for (const auto& [text, golden] :
+         {std::pair{run.out, testCase.stdoutGolden}, {run.err, testCase.stderrGolden}}) {
+        const auto difference = differenceFromGolden(text, golden, values);
+        EXPECT_FALSE(difference) << difference.value_or(QString()).toStdString();
     }
 }
 
@@ -301,13 +260,8 @@ TEST(StatusCommand, ReportsMatchTheExpectedFiles) {
 }
 
 TEST(StatusCommand, EndToEndSeesFakeCodexProcessesComeAndGo) {
-    QTemporaryDir directory(kFakeDirectoryTemplate);
-    ASSERT_TRUE(directory.isValid());
-    FakeCodex idle(directory.path(), FakeCodex::Kind::idle);
-    FakeCodex busy(directory.path(), FakeCodex::Kind::busy);
-    ASSERT_TRUE(idle.isRunning());
-    ASSERT_TRUE(busy.isRunning());
-
+    FakePair fakes;
+    ASSERT_TRUE(fakes.isRunning());
     const CommandResult withFakes = runStatus({QStringLiteral("--json")});
     ASSERT_EQ(withFakes.exitCode, 0) << withFakes.err.toStdString();
     const auto report = parseReport(withFakes.out);
@@ -318,35 +272,30 @@ TEST(StatusCommand, EndToEndSeesFakeCodexProcessesComeAndGo) {
     EXPECT_GE((*report)[u"idle"].toInteger(), 1);
 
     // Other Codex CLI processes may run on a developer's machine: look at ours.
-    QHash<qint64, QJsonObject> ours;
-    for (const QJsonValue& group : (*report)[u"groups"].toArray()) {
-        const qint64 pid = group[u"pid"].toInteger();
-        if (pid == idle.pid() || pid == busy.pid())
-            ours.insert(pid, group.toObject());
-    }
-    ASSERT_EQ(ours.size(), 2) << withFakes.out.toStdString();
-    const struct {
-        const char* name;
-        const FakeCodex& fake;
-        const char* status;
-    } expectations[] = {{"idle fake", idle, "idle"}, {"busy fake", busy, "running"}};
-    for (const auto& expected : expectations) {
-        SCOPED_TRACE(expected.name);
-        const QJsonObject group = ours.value(expected.fake.pid());
-        EXPECT_EQ(group[u"status"].toString(), QString::fromLatin1(expected.status));
-        EXPECT_EQ(group[u"command"].toString(), expected.fake.command());
-        EXPECT_EQ(group[u"memberCount"].toInteger(), 1);
+    for (const auto& [fake, status] :
+         {std::pair<const FakeCodex*, const char*>{&fakes.idle, "idle"},
+          {&fakes.busy, "running"}}) {
+        SCOPED_TRACE(status);
+        const QJsonArray groups = (*report)[u"groups"].toArray();
+        const auto group = std::find_if(groups.begin(), groups.end(), [&](const QJsonValue& g) {
+            return g[u"pid"].toInteger() == fake->pid();
+        });
+        ASSERT_NE(group, groups.end()) << withFakes.out.toStdString();
+        EXPECT_EQ((*group)[u"status"].toString(), QString::fromLatin1(status));
+        EXPECT_EQ((*group)[u"command"].toString(), fake->command());
+        EXPECT_EQ((*group)[u"memberCount"].toInteger(), 1);
     }
 
-    idle.stop();
-    busy.stop();
+    const QList<qint64> ours{fakes.idle.pid(), fakes.busy.pid()};
+    fakes.idle.stop();
+    fakes.busy.stop();
     const CommandResult withoutFakes = runStatus({QStringLiteral("--json")});
     ASSERT_EQ(withoutFakes.exitCode, 0) << withoutFakes.err.toStdString();
     const auto after = parseReport(withoutFakes.out);
     ASSERT_TRUE(after) << withoutFakes.out.toStdString();
     const QList<qint64> pids = groupPIDs(*after);
-    EXPECT_FALSE(pids.contains(idle.pid()));
-    EXPECT_FALSE(pids.contains(busy.pid()));
+    for (const qint64 pid : ours)
+        EXPECT_FALSE(pids.contains(pid)) << pid;
     if (pids.isEmpty()) {
         EXPECT_EQ((*after)[u"state"].toString(), QStringLiteral("idle"));
         EXPECT_EQ((*after)[u"total"].toInteger(), 0);
