@@ -5,32 +5,16 @@
 #include "app/LaunchAtLoginController.h"
 #include "app/StatusItemController.h"
 #include "tests/app/ShellTestSupport.h"
-#include "tests/monitor/MonitorTestSupport.h"
 
 #include <QApplication>
-#include <QDir>
-#include <QFile>
 #include <QFileInfo>
 #include <QSettings>
 #include <gtest/gtest.h>
 
 namespace brenvik {
 namespace {
-
 using namespace std::chrono_literals;
-
-class RecordingPolicy : public ActivationPolicy {
-public:
-    bool setPolicy(ActivationPolicyKind policy) override {
-        requested.append(policy);
-        return accept;
-    }
-    void activate() override { ++activations; }
-
-    bool accept = true;
-    QList<ActivationPolicyKind> requested;
-    int activations = 0;
-};
+using namespace Qt::StringLiterals;
 
 // A start-up step the model asked to run later.
 struct Deferred {
@@ -43,20 +27,20 @@ protected:
     void SetUp() override { storeShowDockIcon(std::nullopt); }
     void TearDown() override {
         m_scan.release();
-        if (m_model)
-            (void)test::waitForRefreshToEnd(m_model->monitor());
-        if (m_model && m_model->controlPanel().window())
-            m_model->controlPanel().window()->close();
+        if (!m_model)
+            return;
+        (void)test::waitForRefreshToEnd(m_model->monitor());
+        if (QWidget* window = m_model->controlPanel().window())
+            window->close();
     }
 
     static void storeShowDockIcon(std::optional<bool> value) {
-        QSettings settings(QSettings::NativeFormat, QSettings::UserScope, QStringLiteral("Brenvik"),
-                           QStringLiteral("Brenvik"));
+        QSettings settings(QSettings::NativeFormat, QSettings::UserScope, u"Brenvik"_s,
+                           u"Brenvik"_s);
         if (value)
-            settings.setValue(QStringLiteral("showDockIcon"), *value);
+            settings.setValue(u"showDockIcon"_s, *value);
         else
-            settings.remove(QStringLiteral("showDockIcon"));
-        settings.sync();
+            settings.remove(u"showDockIcon"_s);
     }
 
     AppModel& makeModel() {
@@ -74,13 +58,13 @@ protected:
 
     test::ScriptedScan m_scan;
     test::ManualClock m_clock;
-    RecordingPolicy m_policy;
+    test::RecordingPolicy m_policy;
     test::RecordingSurface m_surface;
     QList<Deferred> m_deferred;
     std::unique_ptr<AppModel> m_model;
 };
 
-TEST_F(Startup, StatusItemIsDrawnBeforeTheFirstRefreshResult) {
+TEST_F(Startup, StatusItemBeforeTheFirstResultAndThePanelOnTheNextTurn) {
     AppModel& model = makeModel();
     m_scan.hold();
     m_scan.returns({test::sample(41, 25.0, 3.0, true)});
@@ -88,86 +72,72 @@ TEST_F(Startup, StatusItemIsDrawnBeforeTheFirstRefreshResult) {
 
     model.bootstrap();
     EXPECT_TRUE(model.monitor().isRefreshing()) << "the first refresh starts in bootstrap";
-    EXPECT_FALSE(model.monitor().lastUpdated().has_value());
     ASSERT_EQ(m_surface.icons.size(), 1);
-    EXPECT_EQ(m_surface.toolTips, QList<QString>{QStringLiteral("No Codex CLI process detected")});
+    EXPECT_EQ(m_surface.toolTips, QList<QString>{u"No Codex CLI process detected"_s});
     EXPECT_EQ(model.statusItem().appearance()->color, StateColor::green);
-    EXPECT_EQ(model.statusItem().appearance()->badge, QString());
+    EXPECT_EQ(model.controlPanel().window(), nullptr) << "opened within bootstrap";
+    QApplication::processEvents();
+    ASSERT_NE(model.controlPanel().window(), nullptr);
+    EXPECT_TRUE(model.controlPanel().window()->isVisible());
 
     m_scan.release();
     ASSERT_TRUE(test::waitForRefreshToEnd(model.monitor()));
     QApplication::processEvents();
     EXPECT_EQ(model.statusItem().appearance()->color, StateColor::yellow);
-    EXPECT_EQ(m_surface.toolTips.last(), QStringLiteral("1 Codex process running"));
-}
-
-TEST_F(Startup, ControlPanelOpensOnTheNextEventLoopTurn) {
-    AppModel& model = makeModel();
-    model.bootstrap();
-    EXPECT_EQ(model.controlPanel().window(), nullptr) << "opened within bootstrap";
-    QApplication::processEvents();
-    ASSERT_NE(model.controlPanel().window(), nullptr);
-    EXPECT_TRUE(model.controlPanel().window()->isVisible());
-    EXPECT_EQ(model.controlPanel().window()->windowTitle(), QStringLiteral("Brenvik"));
+    EXPECT_EQ(m_surface.toolTips.last(), u"1 Codex process running"_s);
 }
 
 TEST_F(Startup, StoredDockPreferenceOffIsAppliedSilentlyAfter150Milliseconds) {
-    struct Case {
-        const char* name;
-        std::optional<bool> stored;
-        bool policyAccepts;
-        bool expectDockStep;
-    };
-    const Case cases[] = {
+    // Name, stored value, whether the desktop accepts, whether a Dock step follows.
+    const std::tuple<const char*, std::optional<bool>, bool, bool> cases[] = {
         {"absent", std::nullopt, true, false},
         {"stored true", true, true, false},
         {"stored false", false, true, true},
         {"stored false, desktop refuses", false, false, true},
     };
-    for (const Case& c : cases) {
-        storeShowDockIcon(c.stored);
+    for (const auto& [name, stored, accepts, dockStep] : cases) {
+        storeShowDockIcon(stored);
         m_deferred.clear();
-        m_policy = RecordingPolicy();
-        m_policy.accept = c.policyAccepts;
+        m_policy = test::RecordingPolicy();
+        m_policy.accept = accepts;
         AppModel& model = makeModel();
         model.bootstrap();
-        EXPECT_TRUE(m_policy.requested.isEmpty()) << c.name << ": applied during bootstrap";
         QApplication::processEvents();
-        EXPECT_TRUE(m_policy.requested.isEmpty()) << c.name << ": applied with the panel";
+        EXPECT_TRUE(m_policy.requested.isEmpty()) << name << ": applied with the panel";
 
-        ASSERT_EQ(m_deferred.size(), c.expectDockStep ? 1 : 0) << c.name;
-        if (c.expectDockStep) {
-            EXPECT_EQ(m_deferred.front().delay, 150ms) << c.name;
+        ASSERT_EQ(m_deferred.size(), dockStep ? 1 : 0) << name;
+        if (dockStep) {
+            EXPECT_EQ(m_deferred.front().delay, 150ms) << name;
             m_deferred.front().step();
-            EXPECT_EQ(m_policy.requested, QList{ActivationPolicyKind::accessory}) << c.name;
-            EXPECT_EQ(m_policy.activations, 0) << c.name << ": brought to the front";
-            EXPECT_EQ(model.appVisibility().lastError(), std::nullopt) << c.name;
+            EXPECT_EQ(m_policy.requested, QList{ActivationPolicyKind::accessory}) << name;
+            EXPECT_EQ(m_policy.activations, 0) << name << ": brought to the front";
+            EXPECT_EQ(model.appVisibility().lastError(), std::nullopt) << name;
         }
-        ASSERT_TRUE(test::waitForRefreshToEnd(model.monitor())) << c.name;
+        ASSERT_TRUE(test::waitForRefreshToEnd(model.monitor())) << name;
         model.controlPanel().window()->close();
     }
 }
 
 TEST_F(Startup, RefreshNowRereadsTheLoginItemThenRefreshes) {
     AppModel& model = makeModel();
+    LaunchAtLoginController& login = model.launchAtLogin();
     // Registered behind the controller's back, as another session would; the
     // test binary itself may live where no entry may point (under /tmp).
-    const QString entryPath = model.launchAtLogin().entry().filePath();
+    const QString entryPath = login.entry().filePath();
     ASSERT_TRUE(QDir().mkpath(QFileInfo(entryPath).path()));
     QFile entry(entryPath);
     ASSERT_TRUE(entry.open(QIODevice::WriteOnly));
     entry.write("[Desktop Entry]\nType=Application\nName=Brenvik\nExec=brenvik\n");
     entry.close();
-    model.launchAtLogin().setStatus(model.launchAtLogin().systemStatus());
-    ASSERT_EQ(model.launchAtLogin().status(), LaunchAtLoginStatus::enabled);
+    login.setStatus(login.systemStatus());
+    ASSERT_EQ(login.status(), LaunchAtLoginStatus::enabled);
     ASSERT_TRUE(QFile::remove(entryPath));
-    ASSERT_EQ(model.launchAtLogin().status(), LaunchAtLoginStatus::enabled)
-        << "re-read without being asked";
+    ASSERT_EQ(login.status(), LaunchAtLoginStatus::enabled) << "re-read without being asked";
 
     m_scan.hold();
     model.refreshNow();
-    EXPECT_NE(model.launchAtLogin().status(), LaunchAtLoginStatus::enabled);
-    EXPECT_EQ(model.launchAtLogin().status(), model.launchAtLogin().systemStatus());
+    EXPECT_NE(login.status(), LaunchAtLoginStatus::enabled);
+    EXPECT_EQ(login.status(), login.systemStatus());
     EXPECT_TRUE(model.monitor().isRefreshing());
     // A second press while the scan runs re-reads again but starts no scan.
     model.refreshNow();

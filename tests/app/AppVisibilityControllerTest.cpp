@@ -1,27 +1,15 @@
 #include "app/AppVisibilityController.h"
 
+#include "tests/views/ViewTestSupport.h"
+
 #include <QDir>
-#include <QFile>
 #include <QSignalSpy>
-#include <QTemporaryDir>
 #include <gtest/gtest.h>
 
 namespace brenvik {
 namespace {
 using namespace Qt::StringLiterals;
-
-class FakePolicy : public ActivationPolicy {
-public:
-    bool setPolicy(ActivationPolicyKind policy) override {
-        requested.append(policy);
-        return accept;
-    }
-    void activate() override { ++activations; }
-
-    bool accept = true;
-    QList<ActivationPolicyKind> requested;
-    int activations = 0;
-};
+using test::RecordingPolicy;
 
 class DockVisibility : public ::testing::Test {
 protected:
@@ -33,31 +21,25 @@ protected:
     }
 
     QTemporaryDir m_dir;
-    FakePolicy m_policy;
+    RecordingPolicy m_policy;
 };
 
 TEST_F(DockVisibility, StoredValueIsReadAtStartWithoutApplying) {
-    struct Case {
-        const char* name;
-        std::optional<QByteArray> contents;
-        bool expected;
-    };
-    const Case cases[] = {
+    const std::tuple<const char*, std::optional<QByteArray>, bool> cases[] = {
         {"no settings file", std::nullopt, true},
         {"key absent", "[General]\nother=1\n", true},
         {"stored false", "[General]\nshowDockIcon=false\n", false},
         {"stored true", "[General]\nshowDockIcon=true\n", true},
         {"not a Boolean", "[General]\nshowDockIcon=banana\n", true},
-        {"empty value", "[General]\nshowDockIcon=\n", true},
         {"corrupt file", QByteArray("\0\xff[[[=\n\x01showDockIcon", 20), true},
     };
-    for (const Case& c : cases) {
+    for (const auto& [name, contents, expected] : cases) {
         QFile::remove(settingsFile());
-        if (c.contents)
-            writeSettings(*c.contents);
+        if (contents)
+            writeSettings(*contents);
         const AppVisibilityController controller(m_policy, settingsFile());
-        EXPECT_EQ(controller.showDockIcon(), c.expected) << c.name;
-        EXPECT_EQ(controller.lastError(), std::nullopt) << c.name;
+        EXPECT_EQ(controller.showDockIcon(), expected) << name;
+        EXPECT_EQ(controller.lastError(), std::nullopt) << name;
     }
     EXPECT_TRUE(m_policy.requested.isEmpty());
 }
@@ -78,78 +60,53 @@ TEST_F(DockVisibility, UnreadableSettingsFallBackToShown) {
 }
 
 TEST_F(DockVisibility, ChoiceSurvivesARestart) {
-    {
-        AppVisibilityController controller(m_policy, settingsFile());
-        controller.setShowDockIcon(false);
+    for (const bool show : {false, true}) {
+        AppVisibilityController(m_policy, settingsFile()).setShowDockIcon(show);
+        EXPECT_EQ(AppVisibilityController(m_policy, settingsFile()).showDockIcon(), show);
     }
-    EXPECT_FALSE(AppVisibilityController(m_policy, settingsFile()).showDockIcon());
-    {
-        AppVisibilityController controller(m_policy, settingsFile());
-        controller.setShowDockIcon(true);
-    }
-    EXPECT_TRUE(AppVisibilityController(m_policy, settingsFile()).showDockIcon());
-}
-
-TEST_F(DockVisibility, NativeSettingsLiveInTheConfigHome) {
-    {
-        AppVisibilityController controller(m_policy, QString());
-        controller.setShowDockIcon(false);
-    }
-    const QString expected =
+    // The native settings live in the config home.
+    AppVisibilityController(m_policy, QString()).setShowDockIcon(false);
+    const QString native =
         QDir(qEnvironmentVariable("XDG_CONFIG_HOME")).filePath(u"Brenvik/Brenvik.conf"_s);
-    EXPECT_TRUE(QFile::exists(expected)) << qPrintable(expected);
+    EXPECT_TRUE(QFile::exists(native)) << qPrintable(native);
     EXPECT_FALSE(AppVisibilityController(m_policy, QString()).showDockIcon());
 }
 
 TEST_F(DockVisibility, EachAssignmentStoresAppliesAndActivatesWhenShown) {
-    struct Step {
-        const char* name;
-        bool value;
-        bool accept;
-        ActivationPolicyKind policy;
-        int activations; // running total
-        std::optional<QString> lastError;
-    };
-    const QString refusal = AppVisibilityController::kRefusalMessage.toString();
-    const Step steps[] = {
-        {"hide", false, true, ActivationPolicyKind::accessory, 0, std::nullopt},
-        {"hide again", false, true, ActivationPolicyKind::accessory, 0, std::nullopt},
-        {"show", true, true, ActivationPolicyKind::regular, 1, std::nullopt},
-        {"show again", true, true, ActivationPolicyKind::regular, 2, std::nullopt},
-        {"refused hide", false, false, ActivationPolicyKind::accessory, 2, refusal},
-        {"next success clears", false, true, ActivationPolicyKind::accessory, 2, std::nullopt},
-        {"refused show", true, false, ActivationPolicyKind::regular, 2, refusal},
+    using enum ActivationPolicyKind;
+    // Name, value, whether the desktop accepts, the policy asked for, the
+    // running total of activations, and whether the refusal shows.
+    const std::tuple<const char*, bool, bool, ActivationPolicyKind, int, bool> steps[] = {
+        {"hide", false, true, accessory, 0, false},
+        {"hide again", false, true, accessory, 0, false},
+        {"show", true, true, regular, 1, false},
+        {"show again", true, true, regular, 2, false},
+        {"refused hide", false, false, accessory, 2, true},
+        {"next success clears", false, true, accessory, 2, false},
+        {"refused show", true, false, regular, 2, true},
     };
     AppVisibilityController controller(m_policy, settingsFile());
     QSignalSpy shownSpy(&controller, &AppVisibilityController::showDockIconChanged);
-    int index = 0;
-    for (const Step& s : steps) {
-        m_policy.accept = s.accept;
+    int count = 0;
+    for (const auto& [name, value, accept, policy, activations, refused] : steps) {
+        ++count;
+        m_policy.accept = accept;
         writeSettings("[General]\nshowDockIcon=unset\n");
-        controller.setShowDockIcon(s.value);
-        ++index;
-        EXPECT_EQ(shownSpy.count(), index) << s.name;
-        EXPECT_EQ(controller.showDockIcon(), s.value) << s.name;
-        EXPECT_EQ(m_policy.requested.size(), index) << s.name;
-        EXPECT_EQ(m_policy.requested.last(), s.policy) << s.name;
-        EXPECT_EQ(m_policy.activations, s.activations) << s.name;
-        EXPECT_EQ(controller.lastError(), s.lastError) << s.name;
-        // Written every time, refused or not.
+        controller.setShowDockIcon(value);
+        // Published, applied and written every time, refused or not.
+        EXPECT_EQ(shownSpy.count(), count) << name;
+        EXPECT_EQ(m_policy.requested.size(), count) << name;
+        EXPECT_EQ(controller.showDockIcon(), value) << name;
+        EXPECT_EQ(m_policy.requested.last(), policy) << name;
+        EXPECT_EQ(m_policy.activations, activations) << name;
+        EXPECT_EQ(controller.lastError(),
+                  refused ? std::optional(AppVisibilityController::kRefusalMessage.toString())
+                          : std::nullopt)
+            << name;
         EXPECT_EQ(QSettings(settingsFile(), QSettings::IniFormat).value(u"showDockIcon"_s).toBool(),
-                  s.value)
-            << s.name;
+                  value)
+            << name;
     }
-}
-
-TEST_F(DockVisibility, StartUpApplicationIsSilent) {
-    writeSettings("[General]\nshowDockIcon=false\n");
-    AppVisibilityController controller(m_policy, settingsFile());
-    QSignalSpy errorSpy(&controller, &AppVisibilityController::lastErrorChanged);
-    m_policy.accept = false;
-    controller.applyActivationPolicy(false, false);
-    EXPECT_EQ(m_policy.requested, QList{ActivationPolicyKind::accessory});
-    EXPECT_EQ(errorSpy.count(), 0);
-    EXPECT_EQ(m_policy.activations, 0);
 }
 
 TEST(TaskbarPolicy, RefusedWithoutX11) {

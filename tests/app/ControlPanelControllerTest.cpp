@@ -1,45 +1,27 @@
 #include "app/ControlPanelController.h"
 
-#include "app/AppVisibilityController.h"
-#include "app/LaunchAtLoginController.h"
 #include "tests/app/ShellTestSupport.h"
-#include "tests/monitor/MonitorTestSupport.h"
 #include "views/ControlPanelView.h"
 
 #include <QApplication>
-#include <QGuiApplication>
 #include <QScreen>
 #include <gtest/gtest.h>
 
 namespace brenvik {
 namespace {
 
-class FixedPolicy : public ActivationPolicy {
-public:
-    bool setPolicy(ActivationPolicyKind) override { return true; }
-    void activate() override {}
-};
-
-class ControlPanel : public ::testing::Test {
-protected:
-    test::ScriptedScan m_scan;
-    test::ManualClock m_clock;
-    CodexProcessMonitor m_monitor{m_scan.function(), m_clock.function()};
-    LaunchAtLoginController m_launchAtLogin;
-    FixedPolicy m_policy;
-    AppVisibilityController m_appVisibility{m_policy, QString()};
-    test::RecordingActions m_actions;
-    ControlPanelController m_controller{m_monitor, m_launchAtLogin, m_appVisibility, m_actions};
-};
-
-TEST_F(ControlPanel, BuildsOneFixedSizeWindowCentredOnce) {
-    EXPECT_EQ(m_controller.window(), nullptr) << "no window before the first show";
-    m_controller.show();
-    QWidget* window = m_controller.window();
+TEST(ControlPanelController, BuildsOneFixedSizeWindowCentredOnce) {
+    test::ScriptedMonitor scripted;
+    test::PrivatePreferences preferences;
+    test::RecordingActions actions;
+    ControlPanelController controller(scripted.monitor, preferences.launchAtLogin,
+                                      preferences.appVisibility, actions);
+    EXPECT_EQ(controller.window(), nullptr) << "no window before the first show";
+    controller.show();
+    QWidget* window = controller.window();
     ASSERT_NE(window, nullptr);
     EXPECT_TRUE(window->isVisible());
     EXPECT_EQ(window->windowTitle(), QStringLiteral("Brenvik"));
-    EXPECT_EQ(window->size(), QSize(420, 480));
     EXPECT_EQ(window->minimumSize(), QSize(420, 480)) << "resizable";
     EXPECT_EQ(window->maximumSize(), QSize(420, 480)) << "resizable";
     EXPECT_NE(window->findChild<ControlPanelView*>(), nullptr);
@@ -47,32 +29,26 @@ TEST_F(ControlPanel, BuildsOneFixedSizeWindowCentredOnce) {
     EXPECT_LE((window->geometry().center() - centre).manhattanLength(), 4);
 
     // Closing hides; later shows bring back the same window where it was left.
-    struct Step {
-        const char* name;
-        bool closeFirst;
-        std::optional<QPoint> moveTo;
-    };
-    const Step steps[] = {
+    const std::tuple<const char*, bool, std::optional<QPoint>> steps[] = {
         {"shown again while open", false, std::nullopt},
         {"closed, then shown", true, std::nullopt},
         {"moved, closed, then shown", true, QPoint(40, 60)},
     };
-    for (const Step& step : steps) {
-        if (step.moveTo)
-            window->move(*step.moveTo);
+    for (const auto& [name, closeFirst, moveTo] : steps) {
+        if (moveTo)
+            window->move(*moveTo);
         const QPoint before = window->pos();
-        if (step.closeFirst) {
-            EXPECT_TRUE(window->close()) << step.name;
-            EXPECT_FALSE(window->isVisible()) << step.name;
+        if (closeFirst) {
+            EXPECT_TRUE(window->close()) << name;
         }
-        m_controller.show();
-        EXPECT_EQ(m_controller.window(), window) << step.name;
-        EXPECT_TRUE(window->isVisible()) << step.name;
-        EXPECT_EQ(window->pos(), before) << step.name;
-        EXPECT_EQ(window->size(), QSize(420, 480)) << step.name;
+        controller.show();
+        EXPECT_EQ(controller.window(), window) << name;
+        EXPECT_TRUE(window->isVisible()) << name;
+        EXPECT_EQ(window->pos(), before) << name;
+        EXPECT_EQ(window->size(), QSize(420, 480)) << name;
     }
     EXPECT_EQ(QApplication::topLevelWidgets().count(window), 1);
-    m_controller.window()->close();
+    window->close();
 }
 
 } // namespace

@@ -8,13 +8,7 @@ namespace {
 TEST(PopoverPlacement, NextToTheIconAndFullyInsideTheScreen) {
     const QRect screen(0, 24, 1280, 776); // a top panel of 24 px is not usable
     const QSize popover(320, 120);
-    struct Case {
-        const char* name;
-        QRect anchor;
-        QRect area;
-        QPoint expected;
-    };
-    const Case cases[] = {
+    const std::tuple<const char*, QRect, QRect, QPoint> cases[] = {
         {"icon mid-way in a top panel: below, centred", QRect(600, 2, 22, 22), screen,
          QPoint(450, 24 + popoverGap)},
         {"icon at the top-right corner: pulled left", QRect(1256, 2, 22, 22), screen,
@@ -29,11 +23,11 @@ TEST(PopoverPlacement, NextToTheIconAndFullyInsideTheScreen) {
         {"screen smaller than the popover: top-left wins", QRect(10, 10, 22, 22),
          QRect(0, 0, 200, 100), QPoint(0, 0)},
     };
-    for (const Case& c : cases) {
-        const QPoint at = popoverPosition(c.anchor, popover, c.area);
-        EXPECT_EQ(at, c.expected) << c.name;
-        if (c.area.width() >= popover.width() && c.area.height() >= popover.height()) {
-            EXPECT_TRUE(c.area.contains(QRect(at, popover))) << c.name;
+    for (const auto& [name, anchor, area, expected] : cases) {
+        const QPoint at = popoverPosition(anchor, popover, area);
+        EXPECT_EQ(at, expected) << name;
+        if (area.width() >= popover.width() && area.height() >= popover.height()) {
+            EXPECT_TRUE(area.contains(QRect(at, popover))) << name;
         }
     }
 }

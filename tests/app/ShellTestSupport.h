@@ -1,9 +1,7 @@
 #pragma once
 
 #include "app/TraySurface.h"
-#include "views/ViewActions.h"
-
-#include <QList>
+#include "tests/views/ViewTestSupport.h"
 
 namespace brenvik::test {
 
@@ -18,17 +16,6 @@ public:
     QList<QIcon> icons;
     QList<QString> toolTips;
     QRect iconGeometry;
-};
-
-class RecordingActions : public ViewActions {
-public:
-    void openControlPanel() override { ++openControlPanelCalls; }
-    void refreshNow() override { ++refreshNowCalls; }
-    void quit() override { ++quitCalls; }
-
-    int openControlPanelCalls = 0;
-    int refreshNowCalls = 0;
-    int quitCalls = 0;
 };
 
 } // namespace brenvik::test

@@ -7,37 +7,21 @@ namespace {
 using namespace Qt::StringLiterals;
 
 TEST(PreferencesPresentation, LaunchAtLoginStatusReadsForTheUser) {
-    struct Case {
-        const char* name;
-        int status;
-        LaunchAtLoginPresentation expected;
-    };
-    const Case cases[] = {
-        {"notRegistered", 0, {false, u"Launch at login is off"_s, StatusTextRole::secondary}},
-        {"enabled", 1, {true, u"Launch at login is enabled"_s, StatusTextRole::secondary}},
-        {"requiresApproval",
-         2,
+    const auto plain = StatusTextRole::secondary;
+    const QString unavailable = u"Launch-at-login status is unavailable"_s;
+    const std::pair<int, LaunchAtLoginPresentation> cases[] = {
+        {0, {false, u"Launch at login is off"_s, plain}},
+        {1, {true, u"Launch at login is enabled"_s, plain}},
+        {2,
          {true, u"Launch at login is waiting for approval in System Settings"_s,
           StatusTextRole::orange}},
-        {"notFound",
-         3,
-         {false, u"Launch-at-login service is not available for this app bundle"_s,
-          StatusTextRole::secondary}},
-        {"unknown 4",
-         4,
-         {false, u"Launch-at-login status is unavailable"_s, StatusTextRole::secondary}},
-        {"unknown -1",
-         -1,
-         {false, u"Launch-at-login status is unavailable"_s, StatusTextRole::secondary}},
-        {"unknown 4711",
-         4711,
-         {false, u"Launch-at-login status is unavailable"_s, StatusTextRole::secondary}},
+        {3, {false, u"Launch-at-login service is not available for this app bundle"_s, plain}},
+        {4, {false, unavailable, plain}},
+        {-1, {false, unavailable, plain}},
     };
-    for (const Case& c : cases) {
-        const auto shown = launchAtLoginPresentation(static_cast<LaunchAtLoginStatus>(c.status));
-        EXPECT_EQ(shown.switchOn, c.expected.switchOn) << c.name;
-        EXPECT_EQ(shown.text, c.expected.text) << c.name;
-        EXPECT_EQ(shown.role, c.expected.role) << c.name;
+    for (const auto& [status, expected] : cases) {
+        const auto shown = launchAtLoginPresentation(static_cast<LaunchAtLoginStatus>(status));
+        EXPECT_EQ(shown, expected) << status << ": " << qPrintable(shown.text);
     }
 }
 

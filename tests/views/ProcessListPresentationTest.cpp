@@ -6,51 +6,33 @@ namespace brenvik {
 namespace {
 using namespace Qt::StringLiterals;
 
-const QDateTime kSomeTime = QDateTime::fromSecsSinceEpoch(1'700'000'000);
-
 TEST(ProcessListPresentation, PlaceholderTakesTheFirstRuleThatApplies) {
-    struct Case {
-        const char* name;
-        std::optional<QString> lastError;
-        std::optional<QDateTime> lastUpdated;
-        QString expected;
-    };
+    const QDateTime someTime = QDateTime::fromSecsSinceEpoch(1'700'000'000);
+    const QString failed = u"No process list available while detection is in an error state. "_s;
+    using Case = std::tuple<const char*, std::optional<QString>, std::optional<QDateTime>, QString>;
     const Case cases[] = {
-        {"error after a refresh", u"ps exited with status 1"_s, kSomeTime,
-         u"No process list available while detection is in an error state. ps exited with "
-         u"status 1"_s},
-        {"error wins over checking", u"boom"_s, std::nullopt,
-         u"No process list available while detection is in an error state. boom"_s},
-        {"empty error text still says so", u""_s, kSomeTime,
-         u"No process list available while detection is in an error state. "_s},
+        {"error after a refresh", u"ps exited with status 1"_s, someTime,
+         failed + u"ps exited with status 1"_s},
+        {"error wins over checking", u"boom"_s, std::nullopt, failed + u"boom"_s},
+        {"empty error text still says so", u""_s, someTime, failed},
+        // One ellipsis character, not three dots.
         {"before the first refresh", std::nullopt, std::nullopt,
          u"Checking the local process list\u2026"_s},
-        {"refreshed, nothing found", std::nullopt, kSomeTime,
+        {"refreshed, nothing found", std::nullopt, someTime,
          u"No matching Codex CLI processes found."_s},
     };
-    for (const Case& c : cases)
-        EXPECT_EQ(processListPlaceholder(c.lastError, c.lastUpdated), c.expected) << c.name;
-}
-
-TEST(ProcessListPresentation, CheckingTextEndsInOneEllipsisCharacter) {
-    const QString text = processListPlaceholder(std::nullopt, std::nullopt);
-    EXPECT_EQ(text.back(), QChar(0x2026));
-    EXPECT_FALSE(text.contains(u"..."_s));
+    for (const auto& [name, lastError, lastUpdated, expected] : cases)
+        EXPECT_EQ(processListPlaceholder(lastError, lastUpdated), expected) << name;
 }
 
 TEST(ProcessListPresentation, FormFollowsTheNumberOfMatches) {
-    struct Case {
-        qsizetype count;
-        ProcessListForm form;
+    using enum ProcessListForm;
+    const std::pair<qsizetype, ProcessListForm> cases[] = {
+        {-1, placeholder}, {0, placeholder},   {1, plainStack},
+        {3, plainStack},   {4, scrollingList}, {1000, scrollingList},
     };
-    const Case cases[] = {
-        {-1, ProcessListForm::placeholder},  {0, ProcessListForm::placeholder},
-        {1, ProcessListForm::plainStack},    {2, ProcessListForm::plainStack},
-        {3, ProcessListForm::plainStack},    {4, ProcessListForm::scrollingList},
-        {5, ProcessListForm::scrollingList}, {1000, ProcessListForm::scrollingList},
-    };
-    for (const Case& c : cases)
-        EXPECT_EQ(processListForm(c.count), c.form) << "n = " << c.count;
+    for (const auto& [count, form] : cases)
+        EXPECT_EQ(processListForm(count), form) << "n = " << count;
 }
 
 } // namespace

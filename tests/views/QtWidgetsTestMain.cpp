@@ -1,4 +1,5 @@
-// Widget tests need a QApplication around every test.
+// The widgets deliver through the event loop, so every test runs inside one
+// application object (offscreen).
 #include <QApplication>
 #include <gtest/gtest.h>
 

@@ -1,22 +1,20 @@
 #pragma once
 
+// Stand-ins shared by the view tests and the tray shell's tests.
+
 #include "app/AppVisibilityController.h"
 #include "app/LaunchAtLoginController.h"
-#include "detection/ProcessSnapshot.h"
-#include "monitor/ProcessMonitoring.h"
+#include "tests/monitor/MonitorTestSupport.h"
 #include "views/ViewActions.h"
 
-#include <QDir>
+#include <QCoreApplication>
 #include <QFile>
-#include <QSignalSpy>
 #include <QTemporaryDir>
-#include <mutex>
 
 namespace brenvik::test {
 
 // Records the button actions instead of reaching for the app.
-class RecordingActions : public ViewActions {
-public:
+struct RecordingActions : ViewActions {
     void openControlPanel() override { ++openControlPanelCalls; }
     void refreshNow() override { ++refreshNowCalls; }
     void quit() override { ++quitCalls; }
@@ -26,87 +24,60 @@ public:
     int quitCalls = 0;
 };
 
-// An activation policy that accepts or refuses as told.
-class FakePolicy : public ActivationPolicy {
-public:
-    bool setPolicy(ActivationPolicyKind) override { return accept; }
-    void activate() override {}
+// An activation policy that accepts or refuses as told, and records what it was asked.
+struct RecordingPolicy : ActivationPolicy {
+    bool setPolicy(ActivationPolicyKind policy) override {
+        requested.append(policy);
+        return accept;
+    }
+    void activate() override { ++activations; }
+
     bool accept = true;
+    QList<ActivationPolicyKind> requested;
+    int activations = 0;
 };
 
-inline DetectedProcessSample group(qint64 pid, QString command, double cpuPercent = 0) {
-    return DetectedProcessSample{pid, std::move(command), cpuPercent, 1.0, false, 1};
+// Lets queued updates run.
+inline void settle() {
+    for (int i = 0; i < 3; ++i)
+        QCoreApplication::processEvents();
 }
 
-// A monitor on a scripted scan and a fixed clock, brought into a state by
-// refreshing and waiting for the refresh to end.
-class ScriptedMonitor {
-public:
-    ScriptedMonitor()
-        : monitor(
-              [this] {
-                  std::lock_guard lock(m_mutex);
-                  if (m_error)
-                      throw ProcessSnapshotError(kProcessMonitorErrorDomain, 1, *m_error);
-                  return m_samples;
-              },
-              [] { return QDateTime(QDate(2026, 11, 23), QTime(14, 5, 30)); }) {}
+inline DetectedProcessSample group(qint64 pid, QString command, double cpuPercent = 0) {
+    return sample(pid, cpuPercent, 1.0, false, std::move(command));
+}
 
-    // True once the refresh has ended within the bound.
-    bool refreshWith(QList<DetectedProcessSample> samples) {
-        {
-            std::lock_guard lock(m_mutex);
-            m_samples = std::move(samples);
-            m_error.reset();
-        }
-        return refresh();
+// A monitor on a scripted scan, brought into a state by one refresh; true once
+// the refresh has ended.
+struct ScriptedMonitor {
+    ScriptedScan scan;
+    ManualClock clock;
+    CodexProcessMonitor monitor{scan.function(), clock.function()};
+
+    [[nodiscard]] bool refreshWith(QList<DetectedProcessSample> samples) {
+        scan.returns(std::move(samples));
+        return refreshAt(monitor, clock, 0);
     }
-    bool failWith(QString message) {
-        {
-            std::lock_guard lock(m_mutex);
-            m_samples.clear();
-            m_error = std::move(message);
-        }
-        return refresh();
+    [[nodiscard]] bool failWith(QString message) {
+        scan.fails(std::move(message));
+        return refreshAt(monitor, clock, 0);
     }
-
-private:
-    bool refresh() {
-        QSignalSpy ended(&monitor, &CodexProcessMonitor::lastUpdatedChanged);
-        monitor.refresh();
-        return ended.count() > 0 || ended.wait(20'000);
-    }
-
-    std::mutex m_mutex;
-    QList<DetectedProcessSample> m_samples;
-    std::optional<QString> m_error;
-
-public:
-    CodexProcessMonitor monitor; // last: waits for its scan, which reads the fields above
 };
 
-// Both preference controllers on private files: an autostart folder and a
-// settings file in a temporary folder, and a fake activation policy.
+// Both preference controllers on files in a temporary folder.
 class PrivatePreferences {
-public:
-    PrivatePreferences()
-        : launchAtLogin(entryIn(m_dir))
-        , appVisibility(policy, m_dir.filePath(QStringLiteral("Brenvik.conf"))) {}
-
-private:
+    QTemporaryDir m_dir;
     // A program file that exists, so the entry can be registered.
-    static AutostartEntry entryIn(const QTemporaryDir& dir) {
-        const QString program = dir.filePath(QStringLiteral("brenvik"));
+    AutostartEntry entry() const {
+        const QString program = m_dir.filePath(QStringLiteral("brenvik"));
         QFile(program).open(QIODevice::WriteOnly);
-        return AutostartEntry({dir.filePath(QStringLiteral("autostart")), program, {}});
+        return AutostartEntry({m_dir.filePath(QStringLiteral("autostart")), program, {}});
     }
 
-    QTemporaryDir m_dir;
-
 public:
-    FakePolicy policy;
-    LaunchAtLoginController launchAtLogin;
-    AppVisibilityController appVisibility;
+    RecordingPolicy policy;
+    LaunchAtLoginController launchAtLogin{entry()};
+    AppVisibilityController appVisibility{policy, m_dir.filePath(QStringLiteral("Brenvik.conf"))};
 };
 
 } // namespace brenvik::test
