@@ -7,7 +7,6 @@
 #include "tests/app/ShellTestSupport.h"
 
 #include <QApplication>
-#include <QFileInfo>
 #include <QSettings>
 #include <gtest/gtest.h>
 
@@ -121,26 +120,20 @@ TEST_F(Startup, StoredDockPreferenceOffIsAppliedSilentlyAfter150Milliseconds) {
 TEST_F(Startup, RefreshNowRereadsTheLoginItemThenRefreshes) {
     AppModel& model = makeModel();
     LaunchAtLoginController& login = model.launchAtLogin();
-    // Registered behind the controller's back, as another session would; the
-    // test binary itself may live where no entry may point (under /tmp).
-    const QString entryPath = login.entry().filePath();
-    ASSERT_TRUE(QDir().mkpath(QFileInfo(entryPath).path()));
-    QFile entry(entryPath);
-    ASSERT_TRUE(entry.open(QIODevice::WriteOnly));
-    entry.write("[Desktop Entry]\nType=Application\nName=Brenvik\nExec=brenvik\n");
-    entry.close();
-    login.setStatus(login.systemStatus());
-    ASSERT_EQ(login.status(), LaunchAtLoginStatus::enabled);
-    ASSERT_TRUE(QFile::remove(entryPath));
-    ASSERT_EQ(login.status(), LaunchAtLoginStatus::enabled) << "re-read without being asked";
-
+    // A status the disk does not hold, as if changed behind the app's back.
+    login.setStatus(LaunchAtLoginStatus::requiresApproval);
+    std::optional<LaunchAtLoginStatus> statusWhenRefreshing;
+    QObject::connect(&model.monitor(), &CodexProcessMonitor::isRefreshingChanged, &model,
+                     [&] { statusWhenRefreshing = login.status(); });
     m_scan.hold();
     model.refreshNow();
-    EXPECT_NE(login.status(), LaunchAtLoginStatus::enabled);
-    EXPECT_EQ(login.status(), login.systemStatus());
     EXPECT_TRUE(model.monitor().isRefreshing());
+    EXPECT_EQ(statusWhenRefreshing, login.systemStatus()) << "re-read after the refresh began";
+    EXPECT_NE(login.status(), LaunchAtLoginStatus::requiresApproval);
     // A second press while the scan runs re-reads again but starts no scan.
+    login.setStatus(LaunchAtLoginStatus::requiresApproval);
     model.refreshNow();
+    EXPECT_EQ(login.status(), login.systemStatus());
     m_scan.release();
     ASSERT_TRUE(test::waitForRefreshToEnd(model.monitor()));
     EXPECT_EQ(m_scan.started(), 1);

@@ -88,7 +88,7 @@ TEST_F(Autostart, DisabledEntriesReadAsOff) {
     }
 }
 
-TEST_F(Autostart, ExecutableMustBeStable) {
+TEST_F(Autostart, OnlyAStableExecutableCanRegister) {
     const std::tuple<const char*, QString, QStringList, bool> cases[] = {
         {"existing file", m_program, {}, true},
         {"empty path", u""_s, {}, false},
@@ -99,9 +99,14 @@ TEST_F(Autostart, ExecutableMustBeStable) {
         {"root is only a prefix", m_program, {m_dir.path() + u"x"_s}, true},
     };
     for (const auto& [name, executable, temporaryRoots, stable] : cases) {
-        EXPECT_EQ(entry(executable, temporaryRoots).status(),
+        LaunchAtLoginController controller(entry(executable, temporaryRoots));
+        EXPECT_EQ(controller.status(),
                   stable ? LaunchAtLoginStatus::notRegistered : LaunchAtLoginStatus::notFound)
             << name;
+        controller.setEnabled(true);
+        EXPECT_EQ(controller.lastError().has_value(), !stable) << name;
+        EXPECT_EQ(QFile::exists(controller.entry().filePath()), stable) << name;
+        controller.setEnabled(false);
     }
 }
 
