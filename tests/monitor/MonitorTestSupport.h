@@ -36,12 +36,19 @@ private:
 };
 
 // A scan whose result the test scripts, that counts its calls and that can be
-// held at a latch until the test releases it. Called on the worker thread.
-// Declare it before the monitor: the monitor waits for its scan when destroyed.
+// held until the test releases it. Called on the worker thread. Declare it
+// before the monitor: the monitor waits for its scan when destroyed.
 class ScriptedScan {
 public:
     using Behaviour = std::function<QList<DetectedProcessSample>()>;
 
+private:
+    template <typename F> auto locked(F f) const {
+        std::lock_guard lock(m_mutex);
+        return f();
+    }
+
+public:
     void returns(QList<DetectedProcessSample> samples) {
         setBehaviour([samples] { return samples; });
     }
@@ -51,34 +58,26 @@ public:
         });
     }
     void setBehaviour(Behaviour behaviour) {
-        std::lock_guard lock(m_mutex);
-        m_behaviour = std::move(behaviour);
+        locked([&] { m_behaviour = std::move(behaviour); });
     }
     void hold() {
-        std::lock_guard lock(m_mutex);
-        m_held = true;
+        locked([this] { m_held = true; });
     }
     void release() {
-        {
-            std::lock_guard lock(m_mutex);
-            m_held = false;
-        }
+        locked([this] { m_held = false; });
         m_changed.notify_all();
     }
     [[nodiscard]] int started() const {
-        std::lock_guard lock(m_mutex);
-        return m_started;
+        return locked([this] { return m_started; });
     }
 
     [[nodiscard]] CodexProcessMonitor::ScanFunction function() {
         return [this] {
-            Behaviour behaviour;
-            {
-                std::unique_lock lock(m_mutex);
-                ++m_started;
-                m_changed.wait(lock, [this] { return !m_held; });
-                behaviour = m_behaviour;
-            }
+            std::unique_lock lock(m_mutex);
+            ++m_started;
+            m_changed.wait(lock, [this] { return !m_held; });
+            const Behaviour behaviour = m_behaviour;
+            lock.unlock();
             return behaviour();
         };
     }

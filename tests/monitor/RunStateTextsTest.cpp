@@ -22,72 +22,62 @@ TEST(DetailText, SingularAndPlural) {
         EXPECT_EQ(detailText(c.state), c.expected);
 }
 
-// The monitor after its refreshes: what the scan gave, or nothing yet.
-struct MonitorCase {
-    const char* name;
-    std::optional<QList<DetectedProcessSample>> samples; // none: no refresh ended yet
-    std::optional<QString> failure;                      // the scan fails with this text
-    QString summary;
-    QString detail;
-    const char* runState; // "idle", "error" or "observed t/r/i"
-};
-
 QString describe(const CodexRunState& state) {
-    if (state.isIdle())
-        return QStringLiteral("idle");
-    if (state.asError())
-        return QStringLiteral("error");
-    const auto* observed = state.asObserved();
-    return QStringLiteral("observed %1/%2/%3")
-        .arg(observed->total)
-        .arg(observed->running)
-        .arg(observed->idle);
+    if (const auto* observed = state.asObserved())
+        return QStringLiteral("%1/%2/%3")
+            .arg(observed->total)
+            .arg(observed->running)
+            .arg(observed->idle);
+    return state.asError() ? u"error: "_qs + state.asError()->message : u"idle"_qs;
 }
 
-const MonitorCase kMonitorCases[] = {
-    {"just started, no refresh ended", std::nullopt, std::nullopt,
-     QStringLiteral("Checking for Codex CLI processes\u2026"),
-     QStringLiteral("No Codex CLI process detected"), "idle"},
-    {"refreshed, no match", QList<DetectedProcessSample>{}, std::nullopt,
-     QStringLiteral("No Codex CLI process detected"),
-     QStringLiteral("No Codex CLI process detected"), "idle"},
-    {"one match, idle", QList{sample(1, 0.0, 1.0)}, std::nullopt, QStringLiteral("1 idle"),
-     QStringLiteral("1 Codex process idle"), "observed 1/0/1"},
-    {"two matches, both running", QList{sample(1, 9.0, 1.0), sample(2, 0.0, 1.0, true)},
-     std::nullopt, QStringLiteral("2 running"), QStringLiteral("2 Codex processes running"),
-     "observed 2/2/0"},
-    {"three matches, one running",
-     QList{sample(1, 0.0, 1.0), sample(2, 9.0, 1.0), sample(3, 0.0, 1.0)}, std::nullopt,
-     QStringLiteral("3 total \u00B7 1 running \u00B7 2 idle"),
-     QStringLiteral("3 total \u00B7 1 running \u00B7 2 idle"), "observed 3/1/2"},
-    {"the latest refresh failed", std::nullopt, QStringLiteral("ps failed with exit code 1"),
-     QStringLiteral("Process detection failed"),
-     QStringLiteral("Codex process detection failed: ps failed with exit code 1"), "error"},
-    {"failed with an empty text", std::nullopt, QString(),
-     QStringLiteral("Process detection failed"), QStringLiteral("Codex process detection failed: "),
-     "error"},
-};
-
+// The monitor after its refreshes: what the scan gave, or nothing yet. The
+// run state is described as its kind and figures.
 TEST(RunStateAndSummary, FollowThePublishedState) {
-    for (const MonitorCase& testCase : kMonitorCases) {
+    const QString noProcess = QStringLiteral("No Codex CLI process detected");
+    const QString mixed = QStringLiteral("3 total \u00B7 1 running \u00B7 2 idle");
+    const QString failed = QStringLiteral("Process detection failed");
+    const struct {
+        const char* name;
+        std::optional<QList<DetectedProcessSample>> samples; // none: no refresh ended yet
+        std::optional<QString> failure;                      // the scan fails with this text
+        QString summary;
+        QString detail;
+        QString runState; // "idle", "error: text" or "total/running/idle"
+    } cases[] = {
+        {"just started, no refresh ended", std::nullopt, std::nullopt,
+         QStringLiteral("Checking for Codex CLI processes\u2026"), noProcess, u"idle"_qs},
+        {"refreshed, no match", QList<DetectedProcessSample>{}, std::nullopt, noProcess, noProcess,
+         u"idle"_qs},
+        {"one match, idle", QList{sample(1, 0.0, 1.0)}, std::nullopt, QStringLiteral("1 idle"),
+         QStringLiteral("1 Codex process idle"), u"1/0/1"_qs},
+        {"two matches, both running", QList{sample(1, 9.0, 1.0), sample(2, 0.0, 1.0, true)},
+         std::nullopt, QStringLiteral("2 running"), QStringLiteral("2 Codex processes running"),
+         u"2/2/0"_qs},
+        {"three matches, one running",
+         QList{sample(1, 0.0, 1.0), sample(2, 9.0, 1.0), sample(3, 0.0, 1.0)}, std::nullopt, mixed,
+         mixed, u"3/1/2"_qs},
+        {"the latest refresh failed", std::nullopt, QStringLiteral("ps failed with exit code 1"),
+         failed, QStringLiteral("Codex process detection failed: ps failed with exit code 1"),
+         u"error: ps failed with exit code 1"_qs},
+        {"failed with an empty text", std::nullopt, QString(), failed,
+         QStringLiteral("Codex process detection failed: "), u"error: "_qs},
+    };
+    for (const auto& testCase : cases) {
         SCOPED_TRACE(testCase.name);
         ScriptedScan scan;
         ManualClock clock;
         CodexProcessMonitor monitor(scan.function(), clock.function());
-        if (testCase.samples) {
-            scan.returns(*testCase.samples);
-            ASSERT_TRUE(refreshAt(monitor, clock, 0));
-        } else if (testCase.failure) {
-            scan.fails(*testCase.failure);
+        if (testCase.samples || testCase.failure) {
+            if (testCase.failure)
+                scan.fails(*testCase.failure);
+            else
+                scan.returns(*testCase.samples);
             ASSERT_TRUE(refreshAt(monitor, clock, 0));
         }
         EXPECT_EQ(monitor.summary(), testCase.summary);
         EXPECT_EQ(detailText(monitor.runState()), testCase.detail);
-        EXPECT_EQ(describe(monitor.runState()), QString::fromLatin1(testCase.runState));
-        const CodexRunState state = monitor.runState();
-        if (const auto* error = state.asError()) {
-            EXPECT_EQ(error->message, *testCase.failure);
-        }
+        EXPECT_EQ(describe(monitor.runState()), testCase.runState);
     }
 }
 
