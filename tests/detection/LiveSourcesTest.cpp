@@ -20,27 +20,20 @@ namespace {
 using namespace std::chrono_literals;
 
 // A child process killed and reaped when the test leaves, also on failure.
-class Child {
-public:
+struct Child {
     explicit Child(std::vector<const char*> argv) {
         argv.push_back(nullptr);
-        const int error = ::posix_spawnp(&m_pid, argv[0], nullptr, nullptr,
-                                         const_cast<char* const*>(argv.data()), environ);
-        if (error != 0)
-            m_pid = -1;
+        if (::posix_spawnp(&pid, argv[0], nullptr, nullptr, const_cast<char* const*>(argv.data()),
+                           environ) != 0)
+            pid = -1;
     }
-    Child(const Child&) = delete;
-    Child& operator=(const Child&) = delete;
     ~Child() {
-        if (m_pid > 0) {
-            ::kill(m_pid, SIGKILL);
-            ::waitpid(m_pid, nullptr, 0);
+        if (pid > 0) {
+            ::kill(pid, SIGKILL);
+            ::waitpid(pid, nullptr, 0);
         }
     }
-    [[nodiscard]] qint64 pid() const { return m_pid; }
-
-private:
-    pid_t m_pid = -1;
+    pid_t pid = -1;
 };
 
 QHash<qint64, ObservedProcess> byPID(const QList<ObservedProcess>& rows) {
@@ -65,17 +58,17 @@ void waitForCommand(ProcProcessTableSource& source, qint64 pid, const QString& c
 TEST(LiveSources, ProcAgreesWithPsAndMeasuresIntervals) {
     const Child sleeper({"sleep", "600"});
     const Child burner({"sh", "-c", "while :; do :; done"});
-    ASSERT_GT(sleeper.pid(), 0);
-    ASSERT_GT(burner.pid(), 0);
+    ASSERT_GT(sleeper.pid, 0);
+    ASSERT_GT(burner.pid, 0);
 
     ProcProcessTableSource proc;
-    waitForCommand(proc, sleeper.pid(), QStringLiteral("sleep 600"));
-    waitForCommand(proc, burner.pid(), QStringLiteral("sh -c while :; do :; done"));
+    waitForCommand(proc, sleeper.pid, QStringLiteral("sleep 600"));
+    waitForCommand(proc, burner.pid, QStringLiteral("sh -c while :; do :; done"));
 
     // The burner's CPU as the kernel's own clock for it counts, to tell a busy
     // machine (where it may get less than half a core) from a wrong figure.
     clockid_t burnerClock{};
-    ASSERT_EQ(::clock_getcpuclockid(pid_t(burner.pid()), &burnerClock), 0);
+    ASSERT_EQ(::clock_getcpuclockid(pid_t(burner.pid), &burnerClock), 0);
     const auto burnerSeconds = [burnerClock] {
         timespec t{};
         ::clock_gettime(burnerClock, &t);
@@ -93,14 +86,14 @@ TEST(LiveSources, ProcAgreesWithPsAndMeasuresIntervals) {
 
     const double actual = 100 * (burnedAfter - burnedBefore) /
                           std::chrono::duration<double>(secondAt - firstAt).count();
-    const double burnerPercent = after.value(burner.pid()).cpuPercent;
+    const double burnerPercent = after.value(burner.pid).cpuPercent;
     EXPECT_NEAR(burnerPercent, actual, 10);
     if (actual > 60) {
         EXPECT_GT(burnerPercent, 50);
     } else {
         std::cout << "busy machine: the burner got only " << actual << " % of a core\n";
     }
-    EXPECT_LT(after.value(sleeper.pid()).cpuPercent, 1);
+    EXPECT_LT(after.value(sleeper.pid).cpuPercent, 1);
 
     int compared = 0;
     int sameState = 0;
@@ -118,7 +111,7 @@ TEST(LiveSources, ProcAgreesWithPsAndMeasuresIntervals) {
         EXPECT_EQ(b.command, p.command) << name;
         EXPECT_LT(std::abs(b.cpuTime - p.cpuTime), 1.0) << name;
         sameState += b.state == p.state ? 1 : 0;
-        if (p.pid == sleeper.pid()) {
+        if (p.pid == sleeper.pid) {
             EXPECT_EQ(b.state, p.state) << name;
         }
     }
