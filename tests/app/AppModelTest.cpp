@@ -15,12 +15,6 @@ namespace {
 using namespace std::chrono_literals;
 using namespace Qt::StringLiterals;
 
-// A start-up step the model asked to run later.
-struct Deferred {
-    std::chrono::milliseconds delay;
-    std::function<void()> step;
-};
-
 class Startup : public ::testing::Test {
 protected:
     void SetUp() override { storeShowDockIcon(std::nullopt); }
@@ -43,15 +37,12 @@ protected:
     }
 
     AppModel& makeModel() {
-        AppModel::Parts parts;
-        parts.scan = m_scan.function();
-        parts.clock = m_clock.function();
-        parts.activationPolicy = &m_policy;
-        parts.traySurface = &m_surface;
-        parts.runAfter = [this](std::chrono::milliseconds delay, std::function<void()> step) {
-            m_deferred.append({delay, std::move(step)});
-        };
-        m_model = std::make_unique<AppModel>(std::move(parts));
+        const auto runAfter = [this](auto delay, auto step) { m_deferred.append({delay, step}); };
+        m_model = std::make_unique<AppModel>(AppModel::Parts{.scan = m_scan.function(),
+                                                             .clock = m_clock.function(),
+                                                             .activationPolicy = &m_policy,
+                                                             .traySurface = &m_surface,
+                                                             .runAfter = runAfter});
         return *m_model;
     }
 
@@ -59,7 +50,8 @@ protected:
     test::ManualClock m_clock;
     test::RecordingPolicy m_policy;
     test::RecordingSurface m_surface;
-    QList<Deferred> m_deferred;
+    // Start-up steps the model asked to run later, with their delays.
+    QList<std::pair<std::chrono::milliseconds, std::function<void()>>> m_deferred;
     std::unique_ptr<AppModel> m_model;
 };
 
@@ -106,8 +98,8 @@ TEST_F(Startup, StoredDockPreferenceOffIsAppliedSilentlyAfter150Milliseconds) {
 
         ASSERT_EQ(m_deferred.size(), dockStep ? 1 : 0) << name;
         if (dockStep) {
-            EXPECT_EQ(m_deferred.front().delay, 150ms) << name;
-            m_deferred.front().step();
+            EXPECT_EQ(m_deferred.front().first, 150ms) << name;
+            m_deferred.front().second();
             EXPECT_EQ(m_policy.requested, QList{ActivationPolicyKind::accessory}) << name;
             EXPECT_EQ(m_policy.activations, 0) << name << ": brought to the front";
             EXPECT_EQ(model.appVisibility().lastError(), std::nullopt) << name;
