@@ -55,25 +55,20 @@ protected:
     }
     void snapshotAfter(std::chrono::milliseconds elapsed) {
         m_now += elapsed;
-        m_rows = m_source.snapshot();
-    }
-    std::optional<ObservedProcess> find(qint64 pid) {
-        for (const auto& row : m_rows) {
-            if (row.pid == pid)
-                return row;
-        }
-        return std::nullopt;
+        m_rows.clear();
+        for (const auto& row : m_source.snapshot())
+            m_rows.insert(row.pid, row);
     }
     QString command(qint64 pid) {
-        return find(pid) ? find(pid)->command : QStringLiteral("<none>");
+        return m_rows.contains(pid) ? m_rows[pid].command : u"<none>"_qs;
     }
-    double percent(qint64 pid) { return find(pid) ? find(pid)->cpuPercent : -1; }
+    double percent(qint64 pid) { return m_rows.contains(pid) ? m_rows[pid].cpuPercent : -1; }
 
     const quint64 m_ticks = quint64(::sysconf(_SC_CLK_TCK));
     QTemporaryDir m_dir{test::scratchTemplate("fake-proc")};
     std::chrono::steady_clock::time_point m_now{};
     ProcProcessTableSource m_source{m_dir.path(), [this] { return m_now; }};
-    QList<ObservedProcess> m_rows;
+    QHash<qint64, ObservedProcess> m_rows;
 };
 
 TEST_F(ProcSourceTest, RowsFromStatAndCmdline) {
@@ -87,8 +82,8 @@ TEST_F(ProcSourceTest, RowsFromStatAndCmdline) {
     snapshotAfter(0ms);
 
     ASSERT_EQ(m_rows.size(), 4);
-    EXPECT_EQ(find(10), (ObservedProcess{10, 3, QStringLiteral("R"), 0.0, 3.0,
-                                         QStringLiteral("node /x/codex --fast")}));
+    EXPECT_EQ(m_rows.value(10), (ObservedProcess{10, 3, QStringLiteral("R"), 0.0, 3.0,
+                                                 QStringLiteral("node /x/codex --fast")}));
     EXPECT_EQ(command(11), QStringLiteral("[kworker/0:1]"));
     EXPECT_EQ(command(12), QStringLiteral("a\uFFFD b"));
     EXPECT_EQ(command(15), QStringLiteral("nameless"));
@@ -118,7 +113,7 @@ TEST_F(ProcSourceTest, CPUPercentOverTheInterval) {
     EXPECT_EQ(command(30), QStringLiteral("reborn")) << "reused PID re-reads its command";
     QDir(m_dir.filePath(QStringLiteral("30"))).removeRecursively();
     snapshotAfter(2s);
-    EXPECT_FALSE(find(30)) << "gone";
+    EXPECT_FALSE(m_rows.contains(30)) << "gone";
     put(30, "busy", "reborn", 20, 5000);
     snapshotAfter(2s);
     EXPECT_EQ(percent(30), 0.0) << "a process missed by one snapshot is not compared";
