@@ -159,11 +159,9 @@ QString stateText(QStringView state) {
 } // namespace
 
 std::optional<ObservedProcess> parseProcessLine(QStringView line) {
-    line = line.trimmed();
-    if (line.isEmpty())
-        return std::nullopt;
-
-    // Five single words, then the rest of the line as the command.
+    // Five single words, then the rest of the line as the command. Leading
+    // blanks are skipped with the first word and trailing ones trimmed off the
+    // command, so the line itself needs no trimming pass.
     std::array<QStringView, 5> words;
     qsizetype at = 0;
     for (auto& word : words) {
