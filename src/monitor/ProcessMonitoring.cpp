@@ -15,8 +15,6 @@ namespace brenvik {
 
 namespace {
 
-template <class... Ts> struct Overloaded : Ts... { using Ts::operator()...; };
-
 // Both zeros compare equal, so they must hash alike.
 [[nodiscard]] double canonicalZero(double value) noexcept {
     return value == 0.0 ? 0.0 : value;
@@ -84,23 +82,20 @@ CodexRunState CodexRunState::idle() {
 }
 
 QString detailText(const CodexRunState& state) {
-    return std::visit(Overloaded{
-                          [](const CodexRunState::Observed& observed) -> QString {
-                              if (observed.running == 0)
-                                  return countedProcesses(observed.idle, u"idle");
-                              if (observed.idle == 0)
-                                  return countedProcesses(observed.running, u"running");
-                              return totalRunningIdle(observed);
-                          },
-                          [](const CodexRunState::Error& error) -> QString {
-                              return QStringLiteral("Codex process detection failed: ") +
-                                     error.message;
-                          },
-                          [](const CodexRunState::Idle&) -> QString {
-                              return QStringLiteral("No Codex CLI process detected");
-                          },
-                      },
-                      state.value());
+    return state.visit(
+        [](const CodexRunState::Observed& observed) -> QString {
+            if (observed.running == 0)
+                return countedProcesses(observed.idle, u"idle");
+            if (observed.idle == 0)
+                return countedProcesses(observed.running, u"running");
+            return totalRunningIdle(observed);
+        },
+        [](const CodexRunState::Error& error) -> QString {
+            return QStringLiteral("Codex process detection failed: ") + error.message;
+        },
+        [](const CodexRunState::Idle&) -> QString {
+            return QStringLiteral("No Codex CLI process detected");
+        });
 }
 
 CodexProcessMonitor::CodexProcessMonitor(QObject* parent)
@@ -247,22 +242,20 @@ CodexRunState CodexProcessMonitor::runState() const {
 QString CodexProcessMonitor::summary() const {
     if (!m_lastUpdated && !m_lastError && m_matches.isEmpty())
         return QStringLiteral("Checking for Codex CLI processes\u2026");
-    return std::visit(Overloaded{
-                          [](const CodexRunState::Observed& observed) -> QString {
-                              if (observed.running == 0)
-                                  return QString::number(observed.idle) + u" idle";
-                              if (observed.idle == 0)
-                                  return QString::number(observed.running) + u" running";
-                              return totalRunningIdle(observed);
-                          },
-                          [](const CodexRunState::Error&) -> QString {
-                              return QStringLiteral("Process detection failed");
-                          },
-                          [](const CodexRunState::Idle&) -> QString {
-                              return QStringLiteral("No Codex CLI process detected");
-                          },
-                      },
-                      runState().value());
+    return runState().visit(
+        [](const CodexRunState::Observed& observed) -> QString {
+            if (observed.running == 0)
+                return QString::number(observed.idle) + u" idle";
+            if (observed.idle == 0)
+                return QString::number(observed.running) + u" running";
+            return totalRunningIdle(observed);
+        },
+        [](const CodexRunState::Error&) -> QString {
+            return QStringLiteral("Process detection failed");
+        },
+        [](const CodexRunState::Idle&) -> QString {
+            return QStringLiteral("No Codex CLI process detected");
+        });
 }
 
 } // namespace brenvik

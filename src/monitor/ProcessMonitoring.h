@@ -41,6 +41,10 @@ struct ProcessMatch {
 // Treats -0.0 and 0.0 alike, as equality does.
 [[nodiscard]] size_t qHash(const ProcessMatch& match, size_t seed = 0) noexcept;
 
+namespace detail {
+template <class... Handlers> struct Overloaded : Handlers... { using Handlers::operator()...; };
+} // namespace detail
+
 // The overall state every surface shows.
 class CodexRunState {
 public:
@@ -65,6 +69,11 @@ public:
     }
     [[nodiscard]] const Error* asError() const noexcept { return std::get_if<Error>(&m_value); }
     [[nodiscard]] bool isIdle() const noexcept { return std::holds_alternative<Idle>(m_value); }
+
+    // Calls the handler that takes the current case (Observed, Error or Idle).
+    template <class... Handlers> decltype(auto) visit(Handlers&&... handlers) const {
+        return std::visit(detail::Overloaded{std::forward<Handlers>(handlers)...}, m_value);
+    }
 
 private:
     explicit CodexRunState(Value value)

@@ -2,33 +2,22 @@
 
 namespace brenvik {
 
-namespace {
-template <class... Ts> struct Overloaded : Ts... {
-    using Ts::operator()...;
-};
-} // namespace
-
 StateColor stateColor(const CodexRunState& state) {
-    return std::visit(Overloaded{
-                          [](const CodexRunState::Observed& o) {
-                              return o.running > 0 ? StateColor::yellow : StateColor::green;
-                          },
-                          [](const CodexRunState::Error&) { return StateColor::red; },
-                          [](const CodexRunState::Idle&) { return StateColor::green; },
-                      },
-                      state.value());
+    return state.visit(
+        [](const CodexRunState::Observed& o) {
+            return o.running > 0 ? StateColor::yellow : StateColor::green;
+        },
+        [](const CodexRunState::Error&) { return StateColor::red; },
+        [](const CodexRunState::Idle&) { return StateColor::green; });
 }
 
 QString badgeText(const CodexRunState& state) {
-    return std::visit(Overloaded{
-                          [](const CodexRunState::Observed& o) {
-                              return o.total > 99 ? QStringLiteral("99+")
-                                                  : QString::number(o.total);
-                          },
-                          [](const CodexRunState::Error&) { return QStringLiteral("!"); },
-                          [](const CodexRunState::Idle&) { return QString(); },
-                      },
-                      state.value());
+    return state.visit(
+        [](const CodexRunState::Observed& o) {
+            return o.total > 99 ? QStringLiteral("99+") : QString::number(o.total);
+        },
+        [](const CodexRunState::Error&) { return QStringLiteral("!"); },
+        [](const CodexRunState::Idle&) { return QString(); });
 }
 
 } // namespace brenvik
