@@ -177,19 +177,17 @@ QList<ObservedProcess> ProcProcessTableSource::snapshot() {
     const auto now = m_clock();
     const QByteArray rootPath = QFile::encodeName(m_procRoot);
     FileDescriptor rootFd(::open(rootPath.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    if (!rootFd.isValid()) {
-        const int error = errno;
-        throw ProcessSnapshotError(
-            QStringLiteral("POSIX"), error,
+    // Only the table itself failing to open is an error of the snapshot.
+    const auto cannotRead = [this](int error) {
+        return ProcessSnapshotError(
+            kPosixErrorDomain, error,
             QStringLiteral("Cannot read %1: %2").arg(m_procRoot, qt_error_string(error)));
-    }
+    };
+    if (!rootFd.isValid())
+        throw cannotRead(errno);
     const std::unique_ptr<DIR, DirectoryCloser> dir(::fdopendir(rootFd.get()));
-    if (!dir) {
-        const int error = errno;
-        throw ProcessSnapshotError(
-            QStringLiteral("POSIX"), error,
-            QStringLiteral("Cannot read %1: %2").arg(m_procRoot, qt_error_string(error)));
-    }
+    if (!dir)
+        throw cannotRead(errno);
     (void)rootFd.release(); // the directory stream owns it now
 
     const double interval =

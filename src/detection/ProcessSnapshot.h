@@ -40,6 +40,8 @@ private:
 };
 
 inline const QString kProcessMonitorErrorDomain = QStringLiteral("Brenvik.ProcessMonitor");
+// Failures the system reports by errno: the code is the errno value.
+inline const QString kPosixErrorDomain = QStringLiteral("POSIX");
 
 // One way of reading the process table. Sources may keep state between
 // snapshots (the /proc source needs the previous one for interval CPU use),

@@ -17,10 +17,8 @@ namespace brenvik {
 
 namespace {
 
-const QString kLaunchErrorDomain = QStringLiteral("POSIX");
-
 [[noreturn]] void throwLaunchError(int error) {
-    throw ProcessSnapshotError(kLaunchErrorDomain, error, qt_error_string(error));
+    throw ProcessSnapshotError(kPosixErrorDomain, error, qt_error_string(error));
 }
 
 class SpawnFileActions {
