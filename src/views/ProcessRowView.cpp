@@ -27,7 +27,7 @@ void StatusCapsule::setStatus(ProcessActivityStatus status) {
 void StatusCapsule::paintEvent(QPaintEvent* event) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
-    const QPalette inherited = parentWidget() ? parentWidget()->palette() : palette();
+    const QPalette inherited = inheritedPalette(*this);
     const QColor fill = m_status == ProcessActivityStatus::running
                             ? withOpacity(namedColor(NamedColor::yellow, inherited), 0.9)
                             : withOpacity(namedColor(NamedColor::secondary, inherited), 0.16);

@@ -66,6 +66,10 @@ bool isDarkPalette(const QPalette& palette) {
     return palette.color(QPalette::Window).lightnessF() < 0.5;
 }
 
+QPalette inheritedPalette(const QWidget& widget) {
+    return widget.parentWidget() ? widget.parentWidget()->palette() : QApplication::palette();
+}
+
 QColor withOpacity(QColor color, qreal opacity) {
     color.setAlphaF(color.alphaF() * opacity);
     return color;
@@ -136,7 +140,7 @@ void StyledLabel::changeEvent(QEvent* event) {
 void StyledLabel::applyColor() {
     m_applying = true;
     // Resolve against the inherited palette, not the one tinted before.
-    QPalette inherited = parentWidget() ? parentWidget()->palette() : QApplication::palette();
+    const QPalette inherited = inheritedPalette(*this);
     QPalette tinted = palette();
     tinted.setColor(QPalette::WindowText, namedColor(m_color, inherited));
     tinted.setColor(QPalette::Text, namedColor(m_color, inherited));
@@ -200,7 +204,7 @@ void StyledButton::changeEvent(QEvent* event) {
 
 void StyledButton::applyPalette() {
     m_applying = true;
-    const QPalette pal = parentWidget() ? parentWidget()->palette() : QApplication::palette();
+    const QPalette pal = inheritedPalette(*this);
     const bool dark = isDarkPalette(pal);
     const QColor accent = pal.color(QPalette::Highlight);
     const QColor text = pal.color(QPalette::WindowText);
@@ -232,7 +236,7 @@ void StyledButton::applyPalette() {
 }
 
 void applySlimScrollBarStyle(QScrollBar* bar) {
-    const QPalette pal = bar->parentWidget() ? bar->parentWidget()->palette() : bar->palette();
+    const QPalette pal = inheritedPalette(*bar);
     const QColor text = pal.color(QPalette::WindowText);
     bar->setStyleSheet(
         QStringLiteral("QScrollBar:vertical { background: %1; width: 8px; margin: 0; border: none;"

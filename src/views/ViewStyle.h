@@ -34,6 +34,10 @@ enum class NamedColor {
 };
 
 [[nodiscard]] bool isDarkPalette(const QPalette& palette);
+
+// The palette `widget` inherits: its parent's, or the application's for a
+// window. Widgets that tint their own palette resolve colours against this one.
+[[nodiscard]] QPalette inheritedPalette(const QWidget& widget);
 [[nodiscard]] QColor namedColor(NamedColor color, const QPalette& palette);
 [[nodiscard]] QColor withOpacity(QColor color, qreal opacity);
 
