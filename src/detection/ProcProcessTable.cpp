@@ -42,7 +42,7 @@ std::optional<StatFields> parseStatFields(QByteArrayView contents) {
     fields.comm = contents.sliced(open + 1, close - open - 1);
 
     // Fields after the name, counted from the state (field 3 of the line).
-    constexpr int kState = 0, kPpid = 1, kUtime = 11, kStime = 12, kStartTime = 19;
+    constexpr int kState = 0, kPpid = 1, kFlags = 6, kUtime = 11, kStime = 12, kStartTime = 19;
     const QByteArrayView rest = contents.sliced(close + 1);
     qsizetype at = 0;
     for (int index = 0; index <= kStartTime; ++index) {
@@ -62,6 +62,9 @@ std::optional<StatFields> parseStatFields(QByteArrayView contents) {
             break;
         case kPpid:
             ok = parseWhole(field, fields.ppid);
+            break;
+        case kFlags:
+            ok = parseWhole(field, fields.flags);
             break;
         case kUtime:
             ok = parseWhole(field, fields.utimeTicks);
@@ -126,7 +129,8 @@ std::optional<ProcStat> parseProcStat(QByteArrayView contents) {
                     .ppid = fields->ppid,
                     .utimeTicks = fields->utimeTicks,
                     .stimeTicks = fields->stimeTicks,
-                    .startTimeTicks = fields->startTimeTicks};
+                    .startTimeTicks = fields->startTimeTicks,
+                    .flags = fields->flags};
 }
 
 ProcProcessTableSource::ProcProcessTableSource(QString procRoot, SteadyClock clock)
@@ -143,7 +147,7 @@ const QString& ProcProcessTableSource::stateText(char state) {
     return text;
 }
 
-std::optional<QString> ProcProcessTableSource::readCommand(int pidDirectory, QByteArrayView comm) {
+std::optional<QString> ProcProcessTableSource::readCommandLine(int pidDirectory) {
     const FileDescriptor fd(::openat(pidDirectory, "cmdline", O_RDONLY | O_CLOEXEC));
     if (!fd.isValid())
         return std::nullopt;
@@ -167,10 +171,7 @@ std::optional<QString> ProcProcessTableSource::readCommand(int pidDirectory, QBy
     while (length > 0 && data[length - 1] == '\0')
         --length;
     std::replace(data, data + length, '\0', ' ');
-    QString command = QString::fromUtf8(data, length).trimmed();
-    if (command.isEmpty())
-        command = u'[' + QString::fromUtf8(comm) + u']';
-    return command;
+    return QString::fromUtf8(data, length).trimmed();
 }
 
 QList<ObservedProcess> ProcProcessTableSource::snapshot() {
@@ -217,11 +218,15 @@ QList<ObservedProcess> ProcProcessTableSource::snapshot() {
         // Seen in the previous snapshot as the same process (a PID may be reused).
         const bool continuing =
             known.generation == generation - 1 && known.startTimeTicks == stat->startTimeTicks;
-        if (!continuing || known.comm != stat->comm) {
-            auto command = readCommand(pidDir.get(), stat->comm);
-            if (!command)
+        if (!continuing || known.comm != stat->comm || !known.commandIsFinal) {
+            auto commandLine = readCommandLine(pidDir.get());
+            if (!commandLine)
                 continue; // vanished mid-read; pruned below unless seen before
-            known.command = std::move(*command);
+            // An empty command line is final only for a kernel thread. A process
+            // in the middle of exec shows its new comm before its arguments.
+            known.commandIsFinal = !commandLine->isEmpty() || stat->isKernelThread();
+            known.command = commandLine->isEmpty() ? u'[' + QString::fromUtf8(stat->comm) + u']'
+                                                   : std::move(*commandLine);
             known.comm = stat->comm.toByteArray();
         }
         const double cpuTime = double(stat->utimeTicks + stat->stimeTicks) / m_ticksPerSecond;

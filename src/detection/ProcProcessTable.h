@@ -22,6 +22,10 @@ template <typename Comm> struct BasicProcStat {
     quint64 utimeTicks = 0;
     quint64 stimeTicks = 0;
     quint64 startTimeTicks = 0;
+    quint64 flags = 0;
+
+    [[nodiscard]] bool isKernelThread() const { return (flags & kKernelThreadFlag) != 0; }
+    static constexpr quint64 kKernelThreadFlag = 0x00200000; // PF_KTHREAD
 
     friend bool operator==(const BasicProcStat&, const BasicProcStat&) = default;
 };
@@ -34,7 +38,7 @@ using ProcStat = BasicProcStat<QString>;
 // Reads the process table from /proc. cpuPercent is the use over the interval
 // since this source's previous snapshot, per (PID, start time); cpuTime has
 // tick resolution. Command lines are cached and re-read only when a process is
-// new or its comm changed.
+// new, its comm changed, or its command line was empty (mid-exec).
 class ProcProcessTableSource final : public ProcessTableSource {
 public:
     using SteadyClock = std::function<std::chrono::steady_clock::time_point()>;
@@ -50,12 +54,13 @@ private:
         quint64 startTimeTicks = 0;
         QByteArray comm; // as read from stat, compared without decoding
         QString command;
+        bool commandIsFinal = false; // false: read it again next time
         double cpuTime = 0;
         quint64 generation = 0; // the snapshot that last saw it; 0 = never
     };
 
     [[nodiscard]] const QString& stateText(char state);
-    [[nodiscard]] std::optional<QString> readCommand(int pidDirectory, QByteArrayView comm);
+    [[nodiscard]] std::optional<QString> readCommandLine(int pidDirectory);
 
     QString m_procRoot;
     SteadyClock m_clock;

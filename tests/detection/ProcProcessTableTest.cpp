@@ -45,11 +45,11 @@ protected:
         out.write(contents);
     }
     void put(qint64 pid, const QByteArray& comm, const QByteArray& cmdline, quint64 cpuSeconds = 0,
-             quint64 startTicks = 1000, char state = 'S', qint64 ppid = 1) {
+             quint64 startTicks = 1000, char state = 'S', qint64 ppid = 1, quint64 flags = 0) {
         write(pid, "stat",
               QByteArray::number(pid) + " (" + comm + ") " + state + ' ' +
-                  QByteArray::number(ppid) + " 0 0 0 -1 0 0 0 0 0 " +
-                  QByteArray::number(cpuSeconds * m_ticks) + " 0 0 0 20 0 1 0 " +
+                  QByteArray::number(ppid) + " 0 0 0 -1 " + QByteArray::number(flags) +
+                  " 0 0 0 0 " + QByteArray::number(cpuSeconds * m_ticks) + " 0 0 0 20 0 1 0 " +
                   QByteArray::number(startTicks) + " 0 0\n");
         write(pid, "cmdline", cmdline);
     }
@@ -98,6 +98,21 @@ TEST_F(ProcSourceTest, CommandLineReReadOnlyWhenCommChanges) {
     put(20, "codex", "codex\0exec"_qba);
     snapshotAfter(2s);
     EXPECT_EQ(command(20), QStringLiteral("codex exec")) << "exec changed comm";
+
+    // Mid-exec the new comm shows before the arguments: that text is not kept.
+    put(21, "codex", "");
+    snapshotAfter(2s);
+    EXPECT_EQ(command(21), QStringLiteral("[codex]"));
+    put(21, "codex", "codex\0exec"_qba);
+    snapshotAfter(2s);
+    EXPECT_EQ(command(21), QStringLiteral("codex exec")) << "arguments arrived";
+
+    // A kernel thread's empty command line is final.
+    put(22, "kworker/1:0", "", 0, 1000, 'I', 2, ProcStat::kKernelThreadFlag);
+    snapshotAfter(2s);
+    write(22, "cmdline", "not read again");
+    snapshotAfter(2s);
+    EXPECT_EQ(command(22), QStringLiteral("[kworker/1:0]"));
 }
 
 TEST_F(ProcSourceTest, CPUPercentOverTheInterval) {
