@@ -17,7 +17,7 @@ std::unique_ptr<CodexProcessMonitor> makeMonitor(const AppModel::Parts& parts) {
         return std::make_unique<CodexProcessMonitor>();
     return std::make_unique<CodexProcessMonitor>(
         parts.scan ? parts.scan : [] { return scanCodexProcesses(); },
-        parts.clock ? parts.clock : [] { return QDateTime::currentDateTime(); });
+        parts.clock ? parts.clock : &QDateTime::currentDateTimeUtc);
 }
 
 std::unique_ptr<AppVisibilityController> makeAppVisibility(const AppModel::Parts& parts) {

@@ -99,7 +99,7 @@ QString detailText(const CodexRunState& state) {
 }
 
 CodexProcessMonitor::CodexProcessMonitor(QObject* parent)
-    : CodexProcessMonitor([] { return scanCodexProcesses(); }, &QDateTime::currentDateTime,
+    : CodexProcessMonitor([] { return scanCodexProcesses(); }, &QDateTime::currentDateTimeUtc,
                           parent) {}
 
 CodexProcessMonitor::CodexProcessMonitor(ScanFunction scan, WallClock clock, QObject* parent)

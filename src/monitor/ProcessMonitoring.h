@@ -106,6 +106,7 @@ public:
     };
 
     using ScanFunction = std::function<QList<DetectedProcessSample>()>;
+    // UTC by default, so that a time zone change cannot move the grace period.
     using WallClock = std::function<QDateTime()>;
 
     static constexpr std::chrono::milliseconds refreshInterval{2000};

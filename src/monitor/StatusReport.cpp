@@ -63,15 +63,20 @@ constexpr qsizetype kStatusWidth = 7;
 } // namespace
 
 StatusReport StatusReport::of(const CodexProcessMonitor& monitor) {
-    return {monitor.runState(), monitor.summary(), monitor.matches(), monitor.lastUpdated()};
+    // The monitor keeps UTC so that a zone change cannot stretch its grace
+    // period; a reader wants the time where the machine is now.
+    std::optional<QDateTime> updated = monitor.lastUpdated();
+    if (updated)
+        updated = updated->toLocalTime();
+    return {monitor.runState(), monitor.summary(), monitor.matches(), updated};
 }
 
 QString statusLine(const StatusReport& report) {
-    return detailText(report.state);
+    return singleLine(detailText(report.state));
 }
 
 QString statusText(const StatusReport& report) {
-    QString text = singleLine(statusLine(report)) + u'\n';
+    QString text = statusLine(report) + u'\n';
     if (report.matches.isEmpty())
         return text;
 

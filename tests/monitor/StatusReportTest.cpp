@@ -45,6 +45,9 @@ TEST(StatusText, DetailLineThenAnAlignedRowPerGroup) {
                         "         PID  STATUS   MEMBERS  COMMAND\n"
                         "  4000000000  idle          12  ") +
              longCommand.left(107) + QStringLiteral("...\n")},
+        {"an error of several lines",
+         {CodexRunState::error(QStringLiteral("ps: illegal option\nusage: ps")), {}, {}, kUpdated},
+         QStringLiteral("Codex process detection failed: ps: illegal option usage: ps\n")},
         {"line breaks inside a command stay on one row",
          observedReport({{7, QStringLiteral("codex exec \"fix\nthe tests\""), running, 1, 1, 1}}),
          QStringLiteral("1 Codex process running\n"
