@@ -214,17 +214,28 @@ QString AutostartEntry::filePath() const {
     return m_location.directory + QLatin1Char('/') + kEntryFileName;
 }
 
-bool AutostartEntry::hasStableExecutable() const {
+std::optional<QString> AutostartEntry::unstableExecutableReason() const {
     const QString& executable = m_location.executable;
     if (executable.isEmpty() || !QDir::isAbsolutePath(executable))
-        return false;
-    const QFileInfo info(executable);
+        return QStringLiteral("The location of Brenvik's program file is unknown, so it cannot be "
+                              "started at login.");
     // A running program whose file was replaced or removed reads " (deleted)".
-    if (!info.isFile() || executable.endsWith(QStringLiteral(" (deleted)")))
-        return false;
+    const QString deletedSuffix = QStringLiteral(" (deleted)");
+    if (executable.endsWith(deletedSuffix) || !QFileInfo(executable).isFile()) {
+        QString path = executable;
+        if (path.endsWith(deletedSuffix))
+            path.chop(deletedSuffix.size());
+        return QStringLiteral("Brenvik's program file %1 was moved or removed while it runs. "
+                              "Start Brenvik again to turn on launch at login.")
+            .arg(path);
+    }
     const QString clean = QDir::cleanPath(executable);
-    return std::none_of(m_location.temporaryRoots.cbegin(), m_location.temporaryRoots.cend(),
-                        [&](const QString& root) { return isPathInside(clean, root); });
+    if (std::any_of(m_location.temporaryRoots.cbegin(), m_location.temporaryRoots.cend(),
+                    [&](const QString& root) { return isPathInside(clean, root); }))
+        return QStringLiteral("Brenvik runs from a temporary location (%1), so it cannot be "
+                              "started at login from there.")
+            .arg(executable);
+    return std::nullopt;
 }
 
 LaunchAtLoginStatus AutostartEntry::status() const {
@@ -253,12 +264,8 @@ QByteArray AutostartEntry::contents() const {
 }
 
 std::optional<QString> AutostartEntry::install() const {
-    if (!hasStableExecutable()) {
-        return QStringLiteral("Brenvik runs from a temporary location (%1), so it cannot be "
-                              "started at login from there.")
-            .arg(m_location.executable.isEmpty() ? QStringLiteral("unknown")
-                                                 : m_location.executable);
-    }
+    if (auto reason = unstableExecutableReason())
+        return reason;
     // mkpath reports no reason; when it fails, opening the file below does.
     QDir().mkpath(m_location.directory);
     QSaveFile file(filePath());

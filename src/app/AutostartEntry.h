@@ -46,8 +46,9 @@ public:
     [[nodiscard]] const QString& executable() const noexcept { return m_location.executable; }
 
     // A login item must start the same program next session: a named, existing
-    // file outside the temporary folders.
-    [[nodiscard]] bool hasStableExecutable() const;
+    // file outside the temporary folders. Otherwise, why not, for the user.
+    [[nodiscard]] std::optional<QString> unstableExecutableReason() const;
+    [[nodiscard]] bool hasStableExecutable() const { return !unstableExecutableReason(); }
 
     // enabled: our entry is there and active; otherwise notFound without a
     // stable executable, else notRegistered.

@@ -89,22 +89,28 @@ TEST_F(Autostart, DisabledEntriesReadAsOff) {
 }
 
 TEST_F(Autostart, OnlyAStableExecutableCanRegister) {
-    const std::tuple<const char*, QString, QStringList, bool> cases[] = {
-        {"existing file", m_program, {}, true},
-        {"empty path", u""_s, {}, false},
-        {"relative path", u"brenvik"_s, {}, false},
-        {"missing file", m_dir.filePath(u"gone"_s), {}, false},
-        {"a directory", m_dir.path(), {}, false},
-        {"inside a temporary root", m_program, {m_dir.path()}, false},
-        {"root is only a prefix", m_program, {m_dir.path() + u"x"_s}, true},
+    // Name, executable, temporary roots, and what the refusal names (none: registers).
+    const std::tuple<const char*, QString, QStringList, const char*> cases[] = {
+        {"existing file", m_program, {}, nullptr},
+        {"empty path", u""_s, {}, "is unknown"},
+        {"relative path", u"brenvik"_s, {}, "is unknown"},
+        {"missing file", m_dir.filePath(u"gone"_s), {}, "gone was moved or removed"},
+        {"replaced while running", m_program + u" (deleted)"_s, {}, "brenvik was moved or removed"},
+        {"a directory", m_dir.path(), {}, "moved or removed"},
+        {"inside a temporary root", m_program, {m_dir.path()}, "temporary location"},
+        {"root is only a prefix", m_program, {m_dir.path() + u"x"_s}, nullptr},
     };
-    for (const auto& [name, executable, temporaryRoots, stable] : cases) {
+    for (const auto& [name, executable, temporaryRoots, reason] : cases) {
+        const bool stable = reason == nullptr;
         LaunchAtLoginController controller(entry(executable, temporaryRoots));
         EXPECT_EQ(controller.status(),
                   stable ? LaunchAtLoginStatus::notRegistered : LaunchAtLoginStatus::notFound)
             << name;
         controller.setEnabled(true);
+        const QString error = controller.lastError().value_or(QString());
         EXPECT_EQ(controller.lastError().has_value(), !stable) << name;
+        EXPECT_TRUE(stable || error.contains(QString::fromUtf8(reason)))
+            << name << ": " << error.toStdString();
         EXPECT_EQ(QFile::exists(controller.entry().filePath()), stable) << name;
         controller.setEnabled(false);
     }
