@@ -6,7 +6,9 @@
 #include <QVarLengthArray>
 #include <array>
 #include <charconv>
+#include <cstdlib>
 #include <limits>
+#include <locale.h>
 #include <unistd.h>
 
 namespace brenvik {
@@ -62,17 +64,18 @@ std::optional<qint64> parseStrictInteger(QStringView text) {
 // The C library's text-to-double in the "C" locale, required to consume the
 // whole text: optional sign, decimal or hexadecimal ("0x") digits with an
 // optional exponent, "inf"/"infinity"/"nan". No white space, no decimal comma.
-// Values out of double's range count as not a number.
+// Values beyond double's range become infinite or zero, as strtod makes them.
 std::optional<double> parseWholeDouble(QStringView text) {
     if (text.isEmpty())
         return std::nullopt;
-    QVarLengthArray<char, 64> ascii(text.size());
+    QVarLengthArray<char, 64> ascii(text.size() + 1);
     for (qsizetype i = 0; i < text.size(); ++i) {
         const char16_t c = text[i].unicode();
         if (c == 0 || c > 0x7f)
             return std::nullopt;
         ascii[i] = char(c);
     }
+    ascii[text.size()] = '\0';
     const char* first = ascii.data();
     const char* const last = ascii.data() + text.size();
     bool negative = false;
@@ -91,7 +94,14 @@ std::optional<double> parseWholeDouble(QStringView text) {
     }
     double value = 0;
     const auto [end, error] = std::from_chars(first, last, value, format);
-    if (error != std::errc() || end != last)
+    if (end != last)
+        return std::nullopt;
+    if (error == std::errc::result_out_of_range) {
+        // Whether it overflowed or underflowed, strtod in the C locale tells.
+        static const locale_t cLocale = ::newlocale(LC_ALL_MASK, "C", locale_t(0));
+        return ::strtod_l(ascii.data(), nullptr, cLocale);
+    }
+    if (error != std::errc())
         return std::nullopt;
     return negative ? -value : value;
 }

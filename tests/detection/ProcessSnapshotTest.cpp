@@ -35,6 +35,8 @@ TEST(ProcessLineParsing, Cases) {
         {"cpu not a number counts 0", u"12 1 S n/a 0:00.00 x", row(12, 1, u"x")},
         {"cpu with decimal comma counts 0", u"12 1 S 0,5 0:00.00 x", row(12, 1, u"x")},
         {"cpu with exponent and sign", u"12 1 S +1e2 0:00.00 x", row(12, 1, u"x", 100)},
+        {"cpu beyond double's range", u"12 1 S 1e400 -1e-400 x",
+         row(12, 1, u"x", std::numeric_limits<double>::infinity(), 0)},
         {"state taken unchanged", u"12 1 ?<sl 0 0 x", row(12, 1, u"x", 0, 0, u"?<sl")},
     };
     for (const auto& c : cases)
