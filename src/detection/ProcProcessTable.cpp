@@ -170,7 +170,14 @@ std::optional<QString> ProcProcessTableSource::readCommandLine(int pidDirectory)
     char* const data = m_cmdlineBuffer.data();
     while (length > 0 && data[length - 1] == '\0')
         --length;
-    std::replace(data, data + length, '\0', ' ');
+    // As ps prints arguments: separators and line breaks become blanks, other
+    // control characters "?", so that both sources give the same text.
+    for (char* c = data; c != data + length; ++c) {
+        if (*c == '\0' || *c == '\n')
+            *c = ' ';
+        else if ((*c > 0 && *c < 0x20) || *c == 0x7f)
+            *c = '?';
+    }
     return QString::fromUtf8(data, length).trimmed();
 }
 
@@ -181,7 +188,7 @@ QList<ObservedProcess> ProcProcessTableSource::snapshot() {
     // Only the table itself failing to open is an error of the snapshot.
     const auto cannotRead = [this](int error) {
         return ProcessSnapshotError(
-            kPosixErrorDomain, error,
+            kProcessMonitorErrorDomain, error,
             QStringLiteral("Cannot read %1: %2").arg(m_procRoot, qt_error_string(error)));
     };
     if (!rootFd.isValid())
@@ -199,7 +206,14 @@ QList<ObservedProcess> ProcProcessTableSource::snapshot() {
     QList<ObservedProcess> rows;
     rows.reserve(m_previousCount + 32);
     char statBuffer[4096];
-    while (const dirent* entry = ::readdir(dir.get())) {
+    for (;;) {
+        errno = 0; // readdir tells the end from a failure only by errno
+        const dirent* entry = ::readdir(dir.get());
+        if (!entry) {
+            if (errno != 0)
+                throw cannotRead(errno);
+            break;
+        }
         if (!isNumericName(entry->d_name))
             continue;
         const FileDescriptor pidDir(

@@ -5,6 +5,7 @@
 #include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
+#include <cerrno>
 #include <gtest/gtest.h>
 #include <unistd.h>
 
@@ -75,7 +76,7 @@ TEST_F(ProcSourceTest, RowsFromStatAndCmdline) {
     QDir(m_dir.path()).mkpath(QStringLiteral("self"));
     put(10, "we(ird) )name", "node\0/x/codex\0--fast\0\0"_qba, 3, 1000, 'R', 3);
     put(11, "kworker/0:1", "", 0, 1000, 'S', 2);
-    put(12, "bad", "a\xff\0b \0"_qba);
+    put(12, "bad", "a\xff\0b \0\tc\nd\x01\x7f"_qba);
     put(15, "", "nameless", 0, 0);
     write(13, "stat", "garbage");
     write(14, "status", "no stat file: vanished");
@@ -85,7 +86,7 @@ TEST_F(ProcSourceTest, RowsFromStatAndCmdline) {
     EXPECT_EQ(m_rows.value(10), (ObservedProcess{10, 3, QStringLiteral("R"), 0.0, 3.0,
                                                  QStringLiteral("node /x/codex --fast")}));
     EXPECT_EQ(command(11), QStringLiteral("[kworker/0:1]"));
-    EXPECT_EQ(command(12), QStringLiteral("a\uFFFD b"));
+    EXPECT_EQ(command(12), QStringLiteral("a\uFFFD b  ?c d??")) << "controls as ps shows them";
     EXPECT_EQ(command(15), QStringLiteral("nameless"));
 }
 
@@ -136,7 +137,15 @@ TEST_F(ProcSourceTest, CPUPercentOverTheInterval) {
 
 TEST(ProcSource, MissingRootIsAnError) {
     ProcProcessTableSource source(QStringLiteral("/nonexistent/brenvik-proc"));
-    EXPECT_THROW((void)source.snapshot(), ProcessSnapshotError);
+    try {
+        (void)source.snapshot();
+        ADD_FAILURE() << "no error";
+    } catch (const ProcessSnapshotError& error) {
+        EXPECT_EQ(error.domain(), kProcessMonitorErrorDomain);
+        EXPECT_EQ(error.code(), ENOENT);
+        EXPECT_STREQ(error.what(),
+                     "Cannot read /nonexistent/brenvik-proc: No such file or directory");
+    }
 }
 
 } // namespace
