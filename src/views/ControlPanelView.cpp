@@ -15,9 +15,9 @@ namespace {
 constexpr int kPadding = 18;
 constexpr int kSectionSpacing = 14;
 constexpr int kPreferencesHeight = 120;
-constexpr int kProcessesHeight = 136;
 constexpr int kProcessListHeight = 126;
-constexpr int kProcessListMinimumHeight = 82;
+// One row: when failure texts crowd the preferences, the other rows scroll.
+constexpr int kProcessListMinimumHeight = 44;
 
 QVBoxLayout* stack(int spacing, QWidget* owner = nullptr) {
     auto* layout = owner ? new QVBoxLayout(owner) : new QVBoxLayout;
@@ -58,7 +58,6 @@ ControlPanelView::ControlPanelView(CodexProcessMonitor& monitor,
 
     // The section also takes the remaining height, below its list.
     auto* processes = new QWidget(this);
-    processes->setMinimumHeight(kProcessesHeight);
     processes->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Expanding);
     auto* processesStack = stack(10, processes);
     auto* processesTitle = new StyledLabel(TextStyle::headline, NamedColor::primary, processes);

@@ -5,8 +5,10 @@
 #include "views/ViewStyle.h"
 
 #include <QEvent>
+#include <QResizeEvent>
 #include <QScrollArea>
 #include <QScrollBar>
+#include <QShowEvent>
 #include <QStackedLayout>
 #include <QVBoxLayout>
 
@@ -73,13 +75,32 @@ int ProcessListSectionView::updateCount() const {
     return m_updates->count();
 }
 
+void ProcessListSectionView::resizeEvent(QResizeEvent* event) {
+    QWidget::resizeEvent(event);
+    setForm(fittingForm());
+}
+
+void ProcessListSectionView::showEvent(QShowEvent* event) {
+    QWidget::showEvent(event);
+    setForm(fittingForm());
+}
+
+ProcessListForm ProcessListSectionView::fittingForm() const {
+    const ProcessListForm form = processListForm(m_monitor.matches().size());
+    // Hidden, the section has no height of its own yet.
+    if (form == ProcessListForm::plainStack && isVisible() &&
+        m_rows->sizeHint().height() > height())
+        return ProcessListForm::scrollingList;
+    return form;
+}
+
 void ProcessListSectionView::updateFromMonitor() {
     const QList<ProcessMatch>& matches = m_monitor.matches();
-    setForm(processListForm(matches.size()));
+    m_rows->setMatches(matches);
+    setForm(fittingForm());
     if (m_form == ProcessListForm::placeholder)
         m_placeholder->setText(
             processListPlaceholder(m_monitor.lastError(), m_monitor.lastUpdated()));
-    m_rows->setMatches(matches);
 }
 
 void ProcessListSectionView::setForm(ProcessListForm form) {

@@ -16,7 +16,8 @@ class StyledLabel;
 
 // The placeholder text, a plain stack of up to three rows, or a scrolling
 // list with its scroll bar always showing; re-read whenever the monitor
-// publishes.
+// publishes. Rows that do not fit (the preferences above grew with failure
+// texts) scroll too, rather than being cut off.
 class ProcessListSectionView : public QWidget {
     Q_OBJECT
 
@@ -31,9 +32,12 @@ public:
 
 protected:
     void changeEvent(QEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    void showEvent(QShowEvent* event) override;
 
 private:
     void updateFromMonitor();
+    [[nodiscard]] ProcessListForm fittingForm() const;
     void setForm(ProcessListForm form);
 
     CodexProcessMonitor& m_monitor;

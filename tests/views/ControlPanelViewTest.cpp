@@ -8,6 +8,7 @@
 #include "views/ProcessRowsView.h"
 #include "views/StatusViews.h"
 
+#include <QFileInfo>
 #include <QScrollArea>
 #include <QScrollBar>
 #include <QTest>
@@ -59,6 +60,30 @@ TEST_F(ControlPanel, PlaceholderAndErrorLineFollowTheMonitor) {
             EXPECT_TRUE(line->text().endsWith(QChar(0x2026)));
             EXPECT_EQ(m_panel.header()->badgeText(), u"!"_s);
         }
+    }
+}
+
+TEST_F(ControlPanel, RowsCutOffByAGrownPreferencesSectionScroll) {
+    ASSERT_TRUE(
+        m_scripted.refreshWith({group(1, u"codex"_s), group(2, u"codex"_s), group(3, u"codex"_s)}));
+    ProcessListSectionView* list = m_panel.processList();
+    // A file where the autostart folder belongs makes launch at login fail.
+    QFile blocker(QFileInfo(m_preferences.launchAtLogin.entry().filePath()).path());
+    ASSERT_TRUE(blocker.open(QIODevice::WriteOnly));
+    for (const bool failing : {true, false}) {
+        m_preferences.policy.accept = !failing;
+        m_preferences.appVisibility.setShowDockIcon(false);
+        if (!failing)
+            blocker.remove();
+        m_preferences.launchAtLogin.setEnabled(true);
+        // The layout settles over several turns of the event loop.
+        EXPECT_TRUE(QTest::qWaitFor(
+            [&] { return (list->height() < list->rowsView()->sizeHint().height()) == failing; },
+            5000))
+            << "two failure texts take room from the list";
+        EXPECT_EQ(list->form(),
+                  failing ? ProcessListForm::scrollingList : ProcessListForm::plainStack)
+            << failing;
     }
 }
 

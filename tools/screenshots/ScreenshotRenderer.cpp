@@ -8,6 +8,7 @@
 #include <QApplication>
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QSignalSpy>
 #include <QStyleFactory>
 #include <QTemporaryDir>
@@ -177,11 +178,19 @@ int main(int argc, char** argv) {
         group(23001, QStringLiteral("codex resume --last")),
         group(51873, QStringLiteral("openclaw acpx codex --cwd /home/ann/projects/brenvik")),
     };
+    const Outcome three =
+        QList<DetectedProcessSample>(std::get<QList<DetectedProcessSample>>(five).mid(0, 3));
     const Outcome idle = QList<DetectedProcessSample>{group(4242, QStringLiteral("codex")),
                                                       group(51873, QStringLiteral("codex exec"))};
     const Outcome one = QList<DetectedProcessSample>{group(4242, QStringLiteral("codex"))};
     const auto loginOn = [](Preferences& p) { p.launchAtLogin.setEnabled(true); };
     const auto dockRefused = [](Preferences& p) { p.appVisibility.setShowDockIcon(false); };
+    // Both failure texts crowd the list: its three rows scroll.
+    const auto bothFail = [](Preferences& p) {
+        QFile(QFileInfo(p.launchAtLogin.entry().filePath()).path()).open(QIODevice::WriteOnly);
+        p.launchAtLogin.setEnabled(true);
+        p.appVisibility.setShowDockIcon(false);
+    };
     const auto approval = [](Preferences& p) {
         p.launchAtLogin.setStatus(LaunchAtLoginStatus::requiresApproval);
     };
@@ -193,6 +202,7 @@ int main(int argc, char** argv) {
         {"control-panel-two-matches", true, two, loginOn},
         {"control-panel-five-matches", true, five, dockRefused},
         {"control-panel-waiting-for-approval", true, one, approval},
+        {"control-panel-preference-failures", true, three, bothFail},
         {"popover-checking", false, checking},
         {"popover-nothing-found", false, noMatch},
         {"popover-idle", false, idle},
