@@ -221,10 +221,11 @@ std::optional<QString> AutostartEntry::unstableExecutableReason() const {
                               "started at login.");
     // A running program whose file was replaced or removed reads " (deleted)".
     const QString deletedSuffix = QStringLiteral(" (deleted)");
-    if (executable.endsWith(deletedSuffix) || !QFileInfo(executable).isFile()) {
-        QString path = executable;
-        if (path.endsWith(deletedSuffix))
-            path.chop(deletedSuffix.size());
+    QString path = executable;
+    const bool replaced = path.endsWith(deletedSuffix);
+    if (replaced)
+        path.chop(deletedSuffix.size());
+    if (replaced || !QFileInfo(executable).isFile()) {
         return QStringLiteral("Brenvik's program file %1 was moved or removed while it runs. "
                               "Start Brenvik again to turn on launch at login.")
             .arg(path);
