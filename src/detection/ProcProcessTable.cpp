@@ -1,5 +1,6 @@
 #include "detection/ProcProcessTable.h"
 
+#include "detection/CodexRecognition.h"
 #include "detection/FileDescriptor.h"
 
 #include <QFile>
@@ -113,6 +114,37 @@ bool isNumericName(const char* name) {
     return true;
 }
 
+// The target of a symbolic link below an open directory (exe, cwd), or an
+// empty text when it cannot be read (another user's process, or gone).
+QString readLink(int directory, const char* name) {
+    char buffer[4096];
+    const ssize_t length = ::readlinkat(directory, name, buffer, sizeof buffer);
+    if (length <= 0 || size_t(length) == sizeof buffer)
+        return {};
+    return QString::fromUtf8(buffer, length);
+}
+
+// The boot time in seconds since the epoch: the "btime" line of the stat file.
+std::optional<qint64> readBootTime(const QString& procRoot) {
+    QFile stat(procRoot + QStringLiteral("/stat"));
+    if (!stat.open(QIODevice::ReadOnly))
+        return std::nullopt;
+    for (QByteArray line = stat.readLine(); !line.isEmpty(); line = stat.readLine()) {
+        if (line.startsWith("btime ")) {
+            qint64 seconds = 0;
+            if (parseWhole(QByteArrayView(line).sliced(6).trimmed(), seconds))
+                return seconds;
+            break;
+        }
+    }
+    return std::nullopt;
+}
+
+// comm is cut to 15 bytes: "codex-x86_64-un" still starts as Codex's names do.
+bool commLooksLikeCodex(QByteArrayView comm) {
+    return comm.startsWith("codex") || comm == "apply_patch";
+}
+
 struct DirectoryCloser {
     void operator()(DIR* dir) const { ::closedir(dir); }
 };
@@ -138,6 +170,36 @@ ProcProcessTableSource::ProcProcessTableSource(QString procRoot, SteadyClock clo
     , m_clock(std::move(clock)) {
     if (const long ticks = ::sysconf(_SC_CLK_TCK); ticks > 0)
         m_ticksPerSecond = double(ticks);
+    m_bootTimeSeconds = readBootTime(m_procRoot);
+}
+
+bool ProcProcessTableSource::learn(Known& known, int pidDirectory, qint64 ppid, QByteArrayView comm,
+                                   quint64 startTimeTicks, QString command) {
+    known.command = std::move(command);
+    known.comm = comm.toByteArray();
+    known.executable.clear();
+    known.cwd.clear();
+    known.startedAt.reset();
+    const auto parent = m_known.constFind(ppid);
+    const bool parentIsCodex = parent != m_known.cend() && parent->isCodex;
+    const bool mayBeCodex = mayMentionCodex(known.command) &&
+                            codexRole(lowerCasedCommand(known.command)) != CodexRole::none;
+    known.isCodex = mayBeCodex;
+    if (!mayBeCodex && !parentIsCodex && !commLooksLikeCodex(comm))
+        return false;
+    readDetails(known, pidDirectory, startTimeTicks);
+    return true;
+}
+
+void ProcProcessTableSource::readDetails(Known& known, int pidDirectory, quint64 startTimeTicks) {
+    known.executable = readLink(pidDirectory, "exe");
+    known.cwd = readLink(pidDirectory, "cwd");
+    known.isCodex = known.isCodex || isCodexExecutable(known.executable);
+    if (m_bootTimeSeconds) {
+        const auto sinceBoot = qint64(double(startTimeTicks) * 1000.0 / m_ticksPerSecond);
+        known.startedAt =
+            QDateTime::fromMSecsSinceEpoch(*m_bootTimeSeconds * 1000 + sinceBoot, Qt::UTC);
+    }
 }
 
 const QString& ProcProcessTableSource::stateText(char state) {
@@ -205,6 +267,7 @@ QList<ObservedProcess> ProcProcessTableSource::snapshot() {
 
     QList<ObservedProcess> rows;
     rows.reserve(m_previousCount + 32);
+    QList<qsizetype> undecided; // rows whose parent was not read yet
     char statBuffer[4096];
     for (;;) {
         errno = 0; // readdir tells the end from a failure only by errno
@@ -232,16 +295,35 @@ QList<ObservedProcess> ProcProcessTableSource::snapshot() {
         // Seen in the previous snapshot as the same process (a PID may be reused).
         const bool continuing =
             known.generation == generation - 1 && known.startTimeTicks == stat->startTimeTicks;
-        if (!continuing || known.comm != stat->comm || !known.commandIsFinal) {
+        const bool zombie = stat->state == 'Z';
+        if (zombie) {
+            // It ran its course: nothing it was may be counted any more.
+            const Known dead{.startTimeTicks = stat->startTimeTicks,
+                             .comm = stat->comm.toByteArray(),
+                             .command = u'[' + QString::fromUtf8(stat->comm) +
+                                        QStringLiteral("] <defunct>"),
+                             .commandIsFinal = false,
+                             .isCodex = false,
+                             .executable = {},
+                             .cwd = {},
+                             .startedAt = {},
+                             .cpuTime = known.cpuTime,
+                             .generation = known.generation};
+            known = dead;
+        } else if (!continuing || known.comm != stat->comm || !known.commandIsFinal) {
             auto commandLine = readCommandLine(pidDir.get());
             if (!commandLine)
                 continue; // vanished mid-read; pruned below unless seen before
             // An empty command line is final only for a kernel thread. A process
             // in the middle of exec shows its new comm before its arguments.
             known.commandIsFinal = !commandLine->isEmpty() || stat->isKernelThread();
-            known.command = commandLine->isEmpty() ? u'[' + QString::fromUtf8(stat->comm) + u']'
-                                                   : std::move(*commandLine);
-            known.comm = stat->comm.toByteArray();
+            if (commandLine->isEmpty())
+                *commandLine = u'[' + QString::fromUtf8(stat->comm) + u']';
+            const bool detailed = learn(known, pidDir.get(), stat->ppid, stat->comm,
+                                        stat->startTimeTicks, std::move(*commandLine));
+            // A parent listed after its child (PIDs wrap) is judged below.
+            if (!detailed && m_known.value(stat->ppid).generation != generation)
+                undecided.append(rows.size());
         }
         const double cpuTime = double(stat->utimeTicks + stat->stimeTicks) / m_ticksPerSecond;
         const double cpuPercent = continuing && interval > 0
@@ -256,7 +338,26 @@ QList<ObservedProcess> ProcProcessTableSource::snapshot() {
                                     .state = stateText(stat->state),
                                     .cpuPercent = cpuPercent,
                                     .cpuTime = cpuTime,
-                                    .command = known.command});
+                                    .command = known.command,
+                                    .executable = known.executable,
+                                    .cwd = known.cwd,
+                                    .startedAt = known.startedAt});
+    }
+
+    for (const qsizetype index : std::as_const(undecided)) {
+        ObservedProcess& row = rows[index];
+        if (!m_known.value(row.ppid).isCodex)
+            continue;
+        const QByteArray name = QByteArray::number(row.pid);
+        const FileDescriptor pidDir(
+            ::openat(::dirfd(dir.get()), name.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+        if (!pidDir.isValid())
+            continue;
+        Known& known = m_known[row.pid];
+        readDetails(known, pidDir.get(), known.startTimeTicks);
+        row.executable = known.executable;
+        row.cwd = known.cwd;
+        row.startedAt = known.startedAt;
     }
 
     m_known.removeIf([generation](const std::pair<const qint64&, Known&>& entry) {

@@ -38,7 +38,10 @@ using ProcStat = BasicProcStat<QString>;
 // Reads the process table from /proc. cpuPercent is the use over the interval
 // since this source's previous snapshot, per (PID, start time); cpuTime has
 // tick resolution. Command lines are cached and re-read only when a process is
-// new, its comm changed, or its command line was empty (mid-exec).
+// new, its comm changed, or its command line was empty (mid-exec). The
+// executable, working directory and start time are read once per process,
+// and only for Codex processes and their children. A zombie shows as ps
+// shows it, "[comm] <defunct>", and keeps nothing of what it ran.
 class ProcProcessTableSource final : public ProcessTableSource {
 public:
     using SteadyClock = std::function<std::chrono::steady_clock::time_point()>;
@@ -55,16 +58,26 @@ private:
         QByteArray comm; // as read from stat, compared without decoding
         QString command;
         bool commandIsFinal = false; // false: read it again next time
+        bool isCodex = false;        // its children get their details read too
+        QString executable;
+        QString cwd;
+        std::optional<QDateTime> startedAt;
         double cpuTime = 0;
         quint64 generation = 0; // the snapshot that last saw it; 0 = never
     };
 
     [[nodiscard]] const QString& stateText(char state);
     [[nodiscard]] std::optional<QString> readCommandLine(int pidDirectory);
+    // Takes a new command line; reads the details when the process may be
+    // Codex's or its parent is. False when it did not read them.
+    bool learn(Known& known, int pidDirectory, qint64 ppid, QByteArrayView comm,
+               quint64 startTimeTicks, QString command);
+    void readDetails(Known& known, int pidDirectory, quint64 startTimeTicks);
 
     QString m_procRoot;
     SteadyClock m_clock;
     double m_ticksPerSecond = 100;
+    std::optional<qint64> m_bootTimeSeconds; // since the epoch, from the stat file
     QHash<qint64, Known> m_known;
     std::optional<std::chrono::steady_clock::time_point> m_previousAt;
     quint64 m_generation = 1; // so that no snapshot mistakes a fresh entry (0) for the previous one

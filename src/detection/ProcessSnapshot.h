@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QDateTime>
 #include <QList>
 #include <QString>
 #include <QStringView>
@@ -17,6 +18,11 @@ struct ObservedProcess {
     double cpuPercent = 0; // percent of one core; may exceed 100
     double cpuTime = 0;    // cumulative seconds
     QString command;       // full command line, trimmed, never empty
+    // Known only where the source can tell, and read only for Codex processes
+    // (and the children of Codex processes): empty or absent otherwise.
+    QString executable;                 // the file that runs (/proc/PID/exe), maybe " (deleted)"
+    QString cwd;                        // the working directory
+    std::optional<QDateTime> startedAt; // UTC
 
     friend bool operator==(const ObservedProcess&, const ObservedProcess&) = default;
 };

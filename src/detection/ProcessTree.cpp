@@ -5,7 +5,10 @@
 #include <QVarLengthArray>
 #include <algorithm>
 #include <mutex>
+#include <unordered_map>
+#include <unordered_set>
 #include <utility>
+#include <vector>
 
 namespace brenvik {
 
@@ -40,118 +43,247 @@ Chain climb(const ObservedProcess& candidate, QString lowered, ParentOf parentOf
     return chain;
 }
 
-// False only when the command surely does not contain "codex" in any letter
-// case, which every way of being a candidate needs. Plain ASCII is checked
-// directly; anything else might lower-case into it and is left to the rule.
-bool mayMentionCodex(QStringView command) {
-    const char16_t* const text = command.utf16();
-    const qsizetype size = command.size();
-    // Branch-free so that the compiler can vectorize it; command lines are
-    // short, so scanning to the end costs less than stopping early would save.
-    char16_t any = 0;
-    for (qsizetype i = 0; i < size; ++i)
-        any |= text[i];
-    // ASCII letters differ from their upper case only in bit 0x20; a zero
-    // difference at some position means "codex" starts there.
-    char16_t least = 1;
-    for (qsizetype i = 0; i + 5 <= size; ++i) {
-        const char16_t difference =
-            char16_t((text[i] | 0x20) ^ u'c') | char16_t((text[i + 1] | 0x20) ^ u'o') |
-            char16_t((text[i + 2] | 0x20) ^ u'd') | char16_t((text[i + 3] | 0x20) ^ u'e') |
-            char16_t((text[i + 4] | 0x20) ^ u'x');
-        least = std::min(least, difference);
-    }
-    const bool found = least == 0;
-    return found || any >= 0x80;
+bool isZombieState(QStringView state) {
+    const QStringView trimmed = state.trimmed();
+    return !trimmed.isEmpty() && (trimmed[0] == u'Z' || trimmed[0] == u'z');
 }
 
-void addMember(ActivityAggregate& group, const ObservedProcess& row) {
-    if (group.memberPIDs.contains(row.pid))
-        return;
-    group.memberPIDs.insert(row.pid);
-    group.totalCPUPercent += row.cpuPercent;
-    group.cumulativeCPUTime += row.cpuTime;
-    if (!group.hasHotState)
-        group.hasHotState = isHotState(row.state);
-}
+// One pass over one snapshot. Rows are addressed by index; the first row of a
+// repeated PID wins and later ones take no part.
+class SessionFinder {
+public:
+    explicit SessionFinder(const QList<ObservedProcess>& rows)
+        : m_rows(rows)
+        , m_lowered(rows.size()) {
+        // Both sources list processes in ascending PID order, and then a
+        // binary search over the rows serves; otherwise a hash map does.
+        m_ascending =
+            std::adjacent_find(rows.cbegin(), rows.cend(), [](const auto& a, const auto& b) {
+                return a.pid >= b.pid;
+            }) == rows.cend();
+        if (!m_ascending) {
+            m_indexByPID.reserve(rows.size());
+            for (qsizetype i = 0; i < rows.size(); ++i)
+                m_indexByPID.try_emplace(rows[i].pid, i);
+        }
+    }
+
+    QList<DetectedProcessSample> find() {
+        if (!recogniseCodexProcesses())
+            return {};
+        indexChildren();
+        QHash<qint64, Session> sessions;
+        QList<qsizetype> serviceTops;
+        for (const auto& [index, role] : std::as_const(m_codex)) {
+            if (role == CodexRole::service) {
+                if (!hasAncestor(index, [](CodexRole r) { return r == CodexRole::service; }))
+                    serviceTops.append(index);
+            } else if (isFrontEnd(role) &&
+                       !hasAncestor(index, [](CodexRole r) { return r != CodexRole::none; })) {
+                addFrontEnd(sessions, index, role);
+            }
+        }
+        for (Session& session : sessions)
+            addTree(session, indexOf(session.group.root.pid), sessions);
+        for (const qsizetype service : std::as_const(serviceTops))
+            attributeServiceWork(service, sessions);
+
+        QList<DetectedProcessSample> samples;
+        samples.reserve(sessions.size());
+        for (const Session& session : std::as_const(sessions)) {
+            const ActivityAggregate& group = session.group;
+            samples.append(DetectedProcessSample{.pid = group.root.pid,
+                                                 .command = group.root.command,
+                                                 .totalCPUPercent = group.totalCPUPercent,
+                                                 .cumulativeCPUTime = group.cumulativeCPUTime,
+                                                 .hasHotState = group.hasHotState,
+                                                 .memberCount = group.memberPIDs.size(),
+                                                 .processCount = group.processCount,
+                                                 .cwd = session.cwd,
+                                                 .startedAt = session.startedAt});
+        }
+        std::sort(samples.begin(), samples.end(),
+                  [](const auto& a, const auto& b) { return a.pid < b.pid; });
+        return samples;
+    }
+
+private:
+    struct Session {
+        ActivityAggregate group;
+        bool interactive = false; // served by the shared service
+        QString cwd;
+        std::optional<QDateTime> startedAt;
+    };
+
+    // A process tree is far shallower than this; a corrupt table may loop.
+    static constexpr int kMaxDepth = 1024;
+
+    qsizetype indexOf(qint64 pid) const {
+        if (!m_ascending) {
+            const auto it = m_indexByPID.find(pid);
+            return it == m_indexByPID.end() ? -1 : it->second;
+        }
+        const auto it = std::lower_bound(m_rows.cbegin(), m_rows.cend(), pid,
+                                         [](const auto& row, qint64 key) { return row.pid < key; });
+        return it != m_rows.cend() && it->pid == pid ? it - m_rows.cbegin() : -1;
+    }
+
+    bool takesPart(qsizetype i) const {
+        return (m_ascending || indexOf(m_rows[i].pid) == i) && !isZombieState(m_rows[i].state);
+    }
+
+    // A command is lower-cased at most once per pass, and only when a test
+    // needs it: most rows are ruled out without it.
+    const QString& loweredAt(qsizetype i) {
+        if (m_lowered[i].isNull())
+            m_lowered[i] = lowerCasedCommand(m_rows[i].command);
+        return m_lowered[i];
+    }
+
+    CodexRole roleAt(qsizetype i) const {
+        const auto it = m_roleByIndex.find(i);
+        return it == m_roleByIndex.end() ? CodexRole::none : it->second;
+    }
+
+    bool recogniseCodexProcesses() {
+        for (qsizetype i = 0; i < m_rows.size(); ++i) {
+            const ObservedProcess& row = m_rows[i];
+            if (!(mayMentionCodex(row.command) || !row.executable.isEmpty()) || !takesPart(i))
+                continue;
+            const CodexRole role = codexRole(loweredAt(i), row.executable);
+            if (role == CodexRole::none)
+                continue;
+            m_codex.append({i, role});
+            m_roleByIndex.emplace(i, role);
+        }
+        return !m_codex.isEmpty();
+    }
+
+    // Children by parent PID: the rows that take part, sorted by (ppid, pid).
+    void indexChildren() {
+        m_byParent.reserve(size_t(m_rows.size()));
+        for (qsizetype i = 0; i < m_rows.size(); ++i) {
+            if (takesPart(i))
+                m_byParent.push_back(i);
+        }
+        std::sort(m_byParent.begin(), m_byParent.end(), [this](qsizetype a, qsizetype b) {
+            return std::pair(m_rows[a].ppid, m_rows[a].pid) <
+                   std::pair(m_rows[b].ppid, m_rows[b].pid);
+        });
+    }
+
+    template <typename Visit> void forEachChild(qsizetype parent, Visit visit) const {
+        const qint64 pid = m_rows[parent].pid;
+        auto it =
+            std::lower_bound(m_byParent.cbegin(), m_byParent.cend(), pid,
+                             [this](qsizetype i, qint64 key) { return m_rows[i].ppid < key; });
+        for (; it != m_byParent.cend() && m_rows[*it].ppid == pid; ++it) {
+            if (*it != parent)
+                visit(*it);
+        }
+    }
+
+    template <typename Test> bool hasAncestor(qsizetype index, Test test) const {
+        qsizetype at = index;
+        for (int depth = 0; depth < kMaxDepth; ++depth) {
+            const qsizetype parent = indexOf(m_rows[at].ppid);
+            if (parent < 0 || parent == index || !takesPart(parent))
+                return false;
+            if (test(roleAt(parent)))
+                return true;
+            at = parent;
+        }
+        return false;
+    }
+
+    void addFrontEnd(QHash<qint64, Session>& sessions, qsizetype frontEnd, CodexRole role) {
+        const auto parentOf = [this](qint64 ppid) -> std::optional<Parent> {
+            const qsizetype i = indexOf(ppid);
+            if (i < 0 || !takesPart(i))
+                return std::nullopt;
+            return Parent{&m_rows[i], loweredAt(i)};
+        };
+        const Chain chain = climb(m_rows[frontEnd], loweredAt(frontEnd), parentOf);
+        const ObservedProcess& root = *chain.back();
+        auto session = sessions.find(root.pid);
+        if (session == sessions.end()) {
+            Session fresh;
+            fresh.group.root = root;
+            session = sessions.insert(root.pid, fresh);
+        }
+        for (const ObservedProcess* row : chain)
+            session->group.memberPIDs.insert(row->pid);
+        session->interactive = session->interactive || role == CodexRole::interactive;
+        const ObservedProcess& process = m_rows[frontEnd];
+        if (session->cwd.isEmpty())
+            session->cwd = process.cwd;
+        if (!session->startedAt)
+            session->startedAt = process.startedAt;
+    }
+
+    // Adds the tree below (and with) the given process: every process not
+    // already counted, down through any process group or session, except the
+    // shared service and other sessions' roots.
+    void addTree(Session& session, qsizetype top, const QHash<qint64, Session>& sessions) {
+        std::vector<std::pair<qsizetype, int>> pending{{top, 0}};
+        ActivityAggregate& group = session.group;
+        while (!pending.empty()) {
+            const auto [index, depth] = pending.back();
+            pending.pop_back();
+            const ObservedProcess& row = m_rows[index];
+            if (!m_counted.insert(row.pid).second)
+                continue;
+            ++group.processCount;
+            group.totalCPUPercent += row.cpuPercent;
+            group.cumulativeCPUTime += row.cpuTime;
+            if (!group.hasHotState)
+                group.hasHotState = isHotState(row.state);
+            if (roleAt(index) != CodexRole::none)
+                group.memberPIDs.insert(row.pid);
+            if (depth >= kMaxDepth)
+                continue;
+            forEachChild(index, [&](qsizetype child) {
+                if (roleAt(child) != CodexRole::service && !sessions.contains(m_rows[child].pid))
+                    pending.emplace_back(child, depth + 1);
+            });
+        }
+    }
+
+    // The service runs the tool commands of every TUI of its CODEX_HOME, each
+    // in that TUI's project directory: a command tree whose directory is that
+    // of exactly one TUI is that TUI's work. Anything else stays unattributed.
+    void attributeServiceWork(qsizetype service, QHash<qint64, Session>& sessions) {
+        forEachChild(service, [&](qsizetype child) {
+            const QString& cwd = m_rows[child].cwd;
+            if (cwd.isEmpty() || roleAt(child) == CodexRole::service)
+                return;
+            Session* owner = nullptr;
+            for (Session& session : sessions) {
+                if (!session.interactive || session.cwd != cwd)
+                    continue;
+                if (owner)
+                    return; // two TUIs in one directory: cannot tell
+                owner = &session;
+            }
+            if (owner)
+                addTree(*owner, child, sessions);
+        });
+    }
+
+    const QList<ObservedProcess>& m_rows;
+    bool m_ascending = true;
+    std::unordered_map<qint64, qsizetype> m_indexByPID;
+    QList<QString> m_lowered; // null until needed
+    QList<std::pair<qsizetype, CodexRole>> m_codex;
+    std::unordered_map<qsizetype, CodexRole> m_roleByIndex;
+    std::vector<qsizetype> m_byParent;
+    std::unordered_set<qint64> m_counted; // a process counts for one session only
+};
 
 } // namespace
 
 QList<DetectedProcessSample> detectCodexProcesses(const QList<ObservedProcess>& rows) {
-    // processesByPID. Both sources list processes in ascending PID order, and
-    // then a binary search over the rows serves; otherwise a hash map does, in
-    // which the first row of a repeated PID wins and later ones take no part.
-    const bool ascending =
-        std::adjacent_find(rows.cbegin(), rows.cend(), [](const auto& a, const auto& b) {
-            return a.pid >= b.pid;
-        }) == rows.cend();
-    QHash<qint64, qsizetype> indexByPID;
-    if (!ascending) {
-        indexByPID.reserve(rows.size());
-        for (qsizetype i = 0; i < rows.size(); ++i) {
-            if (!indexByPID.contains(rows[i].pid))
-                indexByPID.insert(rows[i].pid, i);
-        }
-    }
-    const auto indexOf = [&](qint64 pid) -> qsizetype {
-        if (!ascending)
-            return indexByPID.value(pid, -1);
-        const auto it = std::lower_bound(rows.cbegin(), rows.cend(), pid,
-                                         [](const auto& row, qint64 key) { return row.pid < key; });
-        return it != rows.cend() && it->pid == pid ? it - rows.cbegin() : -1;
-    };
-
-    // A command is lower-cased at most once per pass, and only when a test
-    // needs it: most rows are ruled out without it.
-    QList<QString> lowered(rows.size()); // null until needed
-    const auto loweredAt = [&](qsizetype i) -> const QString& {
-        if (lowered[i].isNull())
-            lowered[i] = lowerCasedCommand(rows[i].command);
-        return lowered[i];
-    };
-
-    QList<qsizetype> candidates;
-    for (qsizetype i = 0; i < rows.size(); ++i) {
-        if (!ascending && indexByPID.value(rows[i].pid) != i)
-            continue;
-        if (mayMentionCodex(rows[i].command) && isCandidateCommand(loweredAt(i)))
-            candidates.append(i);
-    }
-
-    const auto parentOf = [&](qint64 ppid) -> std::optional<Parent> {
-        const qsizetype i = indexOf(ppid);
-        if (i < 0)
-            return std::nullopt;
-        return Parent{&rows[i], loweredAt(i)};
-    };
-
-    QHash<qint64, ActivityAggregate> groups;
-    for (const qsizetype i : std::as_const(candidates)) {
-        const Chain chain = climb(rows[i], loweredAt(i), parentOf);
-        const ObservedProcess& root = *chain.back();
-        auto group = groups.find(root.pid);
-        if (group == groups.end()) {
-            ActivityAggregate fresh;
-            fresh.root = root;
-            group = groups.insert(root.pid, fresh);
-        }
-        for (const ObservedProcess* row : chain)
-            addMember(*group, *row);
-    }
-
-    QList<DetectedProcessSample> samples;
-    samples.reserve(groups.size());
-    for (const ActivityAggregate& group : std::as_const(groups)) {
-        samples.append(DetectedProcessSample{.pid = group.root.pid,
-                                             .command = group.root.command,
-                                             .totalCPUPercent = group.totalCPUPercent,
-                                             .cumulativeCPUTime = group.cumulativeCPUTime,
-                                             .hasHotState = group.hasHotState,
-                                             .memberCount = group.memberPIDs.size()});
-    }
-    std::sort(samples.begin(), samples.end(),
-              [](const auto& a, const auto& b) { return a.pid < b.pid; });
-    return samples;
+    return SessionFinder(rows).find();
 }
 
 QList<ObservedProcess> launcherChain(const ObservedProcess& candidate,

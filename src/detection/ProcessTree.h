@@ -8,32 +8,43 @@
 
 namespace brenvik {
 
-// A group while the pass builds it.
+// A session while the pass builds it: the Codex and launcher processes it is
+// made of (its members) and the whole process tree below its root.
 struct ActivityAggregate {
     ObservedProcess root;
     QSet<qint64> memberPIDs;
+    qint64 processCount = 0; // every process of the tree, members included
     double totalCPUPercent = 0;
     double cumulativeCPUTime = 0;
     bool hasHotState = false;
 };
 
-// The result of one pass for one group, keyed by its root.
+// The result of one pass for one Codex session, keyed by its root: the
+// outermost launcher of what the user started (a TUI, `codex exec`, an
+// editor's app-server, codex-acp, an acpx codex agent).
 struct DetectedProcessSample {
     qint64 pid = 0;
     QString command;
+    // Over the whole tree: members, tool commands, sandboxes, builds.
     double totalCPUPercent = 0;
     double cumulativeCPUTime = 0;
     bool hasHotState = false;
-    qint64 memberCount = 0;
+    qint64 memberCount = 0;  // the Codex and launcher processes
+    qint64 processCount = 0; // the whole tree, at least memberCount
+    QString cwd;             // the project directory; empty when unknown
+    std::optional<QDateTime> startedAt;
 
     friend bool operator==(const DetectedProcessSample&, const DetectedProcessSample&) = default;
 };
 
-// Groups the Codex CLI processes of one snapshot under their outermost
-// launchers; ascending root PID. A PID repeated in the rows: the first wins.
+// Finds the Codex sessions of one snapshot; ascending root PID. A PID
+// repeated in the rows: the first wins. Zombies take no part. Codex processes
+// below another Codex process belong to its session; the shared background
+// service is no session, and its work for a TUI counts for that TUI where the
+// project directory tells which one it is.
 [[nodiscard]] QList<DetectedProcessSample> detectCodexProcesses(const QList<ObservedProcess>& rows);
 
-// The candidate first, its root last. Stops at a missing parent, at a parent
+// The front-end first, its root last. Stops at a missing parent, at a parent
 // that is no link, and if a PID repeats within the chain.
 [[nodiscard]] QList<ObservedProcess>
 launcherChain(const ObservedProcess& candidate,

@@ -66,7 +66,8 @@ size_t qHash(ProcessActivityStatus status, size_t seed) noexcept {
 size_t qHash(const ProcessMatch& match, size_t seed) noexcept {
     return qHashMulti(seed, match.pid, match.command, rawValue(match.status),
                       canonicalZero(match.instantaneousCPUPercent),
-                      canonicalZero(match.cumulativeCPUTime), match.memberCount);
+                      canonicalZero(match.cumulativeCPUTime), match.memberCount, match.processCount,
+                      match.cwd, match.startedAt ? match.startedAt->toMSecsSinceEpoch() : -1);
 }
 
 CodexRunState CodexRunState::observed(qint64 total, qint64 running, qint64 idle) {
@@ -201,8 +202,16 @@ CodexProcessMonitor::classify(const QList<DetectedProcessSample>& samples,
         const auto previous = m_historyByPID.constFind(sample.pid);
         const bool seenBefore = previous != m_historyByPID.constEnd();
 
+        // CPU use over the interval counts once it is more than one tick, so
+        // an idle TUI's rare wake-up never reads as work.
+        const double seconds =
+            seenBefore ? static_cast<double>(previous->seenAt.msecsTo(now)) / 1000.0 : 0.0;
+        const double interval =
+            seconds > 0 ? seconds : std::chrono::duration<double>(refreshInterval).count();
+        const bool aboveTick = sample.totalCPUPercent / 100.0 * interval > 1.5 * cpuTickNoise;
         // The sum first, then the comparison: the boundary itself is not busy.
-        const bool busyNow = sample.hasHotState || sample.totalCPUPercent >= cpuActivityThreshold ||
+        const bool busyNow = sample.hasHotState ||
+                             (sample.totalCPUPercent >= cpuActivityThreshold && aboveTick) ||
                              (seenBefore && previous->cumulativeCPUTime + cpuAdvanceThreshold <
                                                 sample.cumulativeCPUTime);
 
@@ -218,10 +227,17 @@ CodexProcessMonitor::classify(const QList<DetectedProcessSample>& samples,
         const ProcessActivityStatus status =
             busyNow || withinGrace ? ProcessActivityStatus::running : ProcessActivityStatus::idle;
 
-        result.matches.append(ProcessMatch{sample.pid, sample.command, status,
-                                           sample.totalCPUPercent, sample.cumulativeCPUTime,
-                                           sample.memberCount});
-        result.history.insert(sample.pid, ActivityHistory{sample.cumulativeCPUTime, lastBusyAt});
+        result.matches.append(ProcessMatch{.pid = sample.pid,
+                                           .command = sample.command,
+                                           .status = status,
+                                           .instantaneousCPUPercent = sample.totalCPUPercent,
+                                           .cumulativeCPUTime = sample.cumulativeCPUTime,
+                                           .memberCount = sample.memberCount,
+                                           .processCount = sample.processCount,
+                                           .cwd = sample.cwd,
+                                           .startedAt = sample.startedAt});
+        result.history.insert(sample.pid,
+                              ActivityHistory{sample.cumulativeCPUTime, lastBusyAt, now});
     }
     return result;
 }

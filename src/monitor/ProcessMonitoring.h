@@ -25,14 +25,17 @@ enum class ProcessActivityStatus { running, idle };
 [[nodiscard]] std::optional<ProcessActivityStatus> processActivityStatus(QStringView rawValue);
 [[nodiscard]] size_t qHash(ProcessActivityStatus status, size_t seed = 0) noexcept;
 
-// One recognised process group as shown, identified by its root PID.
+// One Codex session as shown, identified by its root PID.
 struct ProcessMatch {
     qint64 pid = 0;
     QString command; // as read: not lower-cased, not shortened
     ProcessActivityStatus status = ProcessActivityStatus::idle;
-    double instantaneousCPUPercent = 0;
-    double cumulativeCPUTime = 0;
-    qint64 memberCount = 0;
+    double instantaneousCPUPercent = 0; // the whole tree's
+    double cumulativeCPUTime = 0;       // the whole tree's
+    qint64 memberCount = 0;             // Codex and launcher processes
+    qint64 processCount = 0;            // the whole tree
+    QString cwd;                        // the project directory; empty when unknown
+    std::optional<QDateTime> startedAt; // UTC
 
     [[nodiscard]] qint64 id() const noexcept { return pid; }
     friend bool operator==(const ProcessMatch&, const ProcessMatch&) = default;
@@ -98,6 +101,7 @@ public:
     struct ActivityHistory {
         double cumulativeCPUTime = 0;
         std::optional<QDateTime> lastBusyAt;
+        QDateTime seenAt; // the refresh that wrote this record
     };
     using HistoryMap = QHash<qint64, ActivityHistory>;
     struct Classification {
@@ -113,6 +117,9 @@ public:
     static constexpr double busyGracePeriod = 8.0;      // seconds
     static constexpr double cpuActivityThreshold = 0.4; // percent of one core
     static constexpr double cpuAdvanceThreshold = 0.02; // seconds of CPU time
+    // The kernel counts CPU time in ticks of 10 ms: one tick in an interval
+    // is a timer or a spinner waking up, not work.
+    static constexpr double cpuTickNoise = 0.01; // seconds of CPU time
 
     // Scans with scanCodexProcesses() and reads the system clock.
     explicit CodexProcessMonitor(QObject* parent = nullptr);

@@ -68,7 +68,12 @@ StatusReport StatusReport::of(const CodexProcessMonitor& monitor) {
     std::optional<QDateTime> updated = monitor.lastUpdated();
     if (updated)
         updated = updated->toLocalTime();
-    return {monitor.runState(), monitor.summary(), monitor.matches(), updated};
+    QList<ProcessMatch> matches = monitor.matches();
+    for (ProcessMatch& match : matches) {
+        if (match.startedAt)
+            match.startedAt = match.startedAt->toLocalTime();
+    }
+    return {monitor.runState(), monitor.summary(), std::move(matches), updated};
 }
 
 QString statusLine(const StatusReport& report) {
@@ -127,7 +132,13 @@ QString statusJson(const StatusReport& report) {
                 jsonString(match.command) + u",\"status\":" + jsonString(rawValue(match.status)) +
                 u",\"instantaneousCPUPercent\":" + jsonNumber(match.instantaneousCPUPercent) +
                 u",\"cumulativeCPUTime\":" + jsonNumber(match.cumulativeCPUTime) +
-                u",\"memberCount\":" + jsonNumber(match.memberCount) + u'}';
+                u",\"memberCount\":" + jsonNumber(match.memberCount) + u",\"processCount\":" +
+                jsonNumber(match.processCount) + u",\"cwd\":" +
+                (match.cwd.isEmpty() ? QStringLiteral("null") : jsonString(match.cwd)) +
+                u",\"startedAt\":" +
+                (match.startedAt ? jsonString(isoTimestamp(*match.startedAt))
+                                 : QStringLiteral("null")) +
+                u'}';
     }
     json += u"]}";
     return json;

@@ -5,63 +5,102 @@
 namespace brenvik {
 namespace {
 
-struct CommandCase {
-    const char16_t* command;
-    bool expected;
-};
+using Role = CodexRole;
 
-void expectPredicate(bool (*predicate)(QStringView), std::initializer_list<CommandCase> cases) {
+TEST(CodexRecognition, RoleByWhatRuns) {
+    struct Case {
+        const char16_t* command;
+        const char16_t* executable;
+        Role expected;
+    };
+    const Case cases[] = {
+        // The Codex CLI's own shapes: npm shim and native binary, old npm
+        // layouts, the standalone installer, Homebrew, the shared service.
+        {u"node /usr/lib/node_modules/@openai/codex/bin/codex.js exec -s workspace-write hi", u"",
+         Role::headless},
+        {u"/usr/lib/node_modules/@openai/codex/node_modules/@openai/codex-linux-x64/vendor/"
+         u"x86_64-unknown-linux-musl/bin/codex -a on-request -s workspace-write",
+         u"", Role::interactive},
+        {u"/p/@openai/codex/vendor/x86_64-unknown-linux-musl/codex/codex e fix", u"",
+         Role::headless},
+        {u"/p/@openai/codex/bin/codex-x86_64-unknown-linux-musl review", u"", Role::headless},
+        {u"/home/u/.local/bin/codex resume --last", u"", Role::interactive},
+        {u"codex", u"/home/linuxbrew/.linuxbrew/bin/codex-x86_64-unknown-linux-musl",
+         Role::interactive},
+        {u"codex -c model=o3 --cd /w \"fix the tests\"", u"", Role::interactive},
+        {u"codex app-server", u"", Role::headless},
+        {u"codex mcp-server", u"", Role::headless},
+        {u"/h/.codex/packages/app-server-daemon/releases/0.169.0-x86_64-unknown-linux-musl/bin/"
+         u"codex app-server --listen unix:// --analytics-default-enabled --managed-daemon",
+         u"", Role::service},
+        {u"/h/.codex/packages/app-server-daemon/releases/0.169.0/bin/codex app-server daemon "
+         u"pid-update-loop",
+         u"", Role::service},
+        {u"codex-linux-sandbox --sandbox-policy-cwd /w --command-cwd /w", u"", Role::helper},
+        {u"apply_patch", u"/usr/lib/node_modules/@openai/codex/bin/codex (deleted)", Role::helper},
+        {u"codex login", u"", Role::helper},
+        {u"codex --version", u"", Role::helper},
+        // Adapters: codex-acp and acpx running the codex agent.
+        {u"node /u/.npm/_npx/a1/node_modules/.bin/codex-acp", u"", Role::adapter},
+        {u"/u/node_modules/@zed-industries/codex-acp-linux-x64/bin/codex-acp", u"", Role::adapter},
+        {u"node /p/node_modules/.bin/acpx --agent /p/node_modules/.bin/codex-acp exec hi", u"",
+         Role::adapter},
+        {u"node /x/openclaw/dist/extensions/acpx/index.js run agent:codex:main", u"",
+         Role::adapter},
+        {u"node acpx --agent codex x", u"", Role::adapter},
+        {u"node /p/node_modules/.bin/acpx claude exec hi", u"", Role::none},
+        // Examples that stay recognised, whatever their letter case.
+        {u"/opt/homebrew/bin/codex", u"", Role::interactive},
+        {u"/Users/Me/Tools/CODEX", u"", Role::interactive},
+        {u"node /opt/lib/node_modules/@openai/codex/main.js", u"", Role::interactive},
+        {u"node /opt/homebrew/bin/codex --help", u"", Role::helper},
+        {u"sh /tmp/codex", u"", Role::interactive},
+        {u"codex\u3000--full-auto", u"", Role::interactive},
+        // Arguments never make a Codex process; nor does the program itself.
+        {u"vim /home/u/.codex/config.toml", u"", Role::none},
+        {u"git clone https://github.com/openai/codex", u"", Role::none},
+        {u"less /home/u/proj/codex", u"", Role::none},
+        {u"make -C /home/u/proj/codex test", u"", Role::none},
+        {u"tmux new cd x && codex", u"", Role::none},
+        {u"bash -c codex exec hi", u"", Role::none},
+        {u"grep -r codex /users/me/.codex/", u"", Role::none},
+        {u"npm exec @zed-industries/codex-acp", u"", Role::none},
+        {u"/users/me/src/codex-site/server", u"", Role::none},
+        {u"/opt/Brenvik/bin/BRENVIK --watch /x/codex", u"/opt/Brenvik/bin/codex", Role::none},
+        {u"node server.js", u"/usr/bin/node", Role::none},
+        {u"", u"", Role::none},
+    };
     for (const auto& c : cases) {
         const QString command = QString::fromUtf16(c.command);
-        EXPECT_EQ(predicate(lowerCasedCommand(command)), c.expected) << command.toStdString();
+        EXPECT_EQ(codexRole(lowerCasedCommand(command), QString::fromUtf16(c.executable)),
+                  c.expected)
+            << command.toStdString();
     }
 }
 
-TEST(CodexRecognition, CandidateRule) {
-    expectPredicate(
-        isCandidateCommand,
-        {
-            {u"/opt/homebrew/bin/codex", true},
-            {u"/Users/Me/Tools/CODEX", true},
-            {u"node /opt/lib/node_modules/@openai/codex/main.js", true},
-            {u"node /opt/homebrew/bin/codex --help", true},
-            {u"sh /tmp/codex", true},
-            {u"codex\u3000--full-auto", true}, // any Unicode white space ends the first word
-            {u"//codex// resume", true},
-            {u"/usr/bin/python3 -m x /home/u/.codex/log", true},
-            {u"vim codex.md", false},
-            {u"/users/me/src/codex-site/server", false},
-            {u"grep codex /users/me/.codex/notes.txt", false},
-            {u"rg codex /src", false},
-            {u"ripgrep codex /src", false},
-            {u"grep -r codex /users/me/.codex/", true},
-            {u"/opt/Brenvik/bin/BRENVIK --watch /x/codex", false},
-            {u"npm exec @zed-industries/codex-acp", true},
-            {u"node /x/openclaw/dist/extensions/acpx/index.js run agent:codex:main", true},
-            {u"node acpx --agent codex x", true},
-            {u"acpx-server --port 9000", false},
-            {u"npm exec some-tool", false},
-            {u"node server.js", false},
-            {u"///", false},
-            {u"", false},
-            {u"/ÄPFEL/CODEX", true},
-        });
-}
-
 TEST(CodexRecognition, LauncherCommands) {
-    expectPredicate(isLauncherCommand, {
-                                           {u"npm exec some-tool", true},
-                                           {u"/usr/bin/npm exec x",
-                                            false}, // neither at the start nor with a blank before
-                                           {u"sh -c npm exec x", true},
-                                           {u"node server.js", true},
-                                           {u"/usr/local/bin/node server.js", true},
-                                           {u"nodejs server.js", false},
-                                           {u"/p/node_modules/.bin/tsx a.ts", true},
-                                           {u"x __queue-owner", true},
-                                           {u"/home/u/openclaw/dist/extensions/acpx/run", true},
-                                           {u"/bin/zsh -l", false},
-                                       });
+    struct Case {
+        const char16_t* command;
+        bool expected;
+    };
+    const Case cases[] = {
+        {u"npm exec some-tool", true},
+        {u"npm exec @zed-industries/codex-acp", true},
+        {u"/usr/bin/npm exec x", false}, // neither at the start nor with a blank before
+        {u"node /usr/lib/node_modules/npm/bin/npx-cli.js codex", true},
+        {u"node /usr/local/bin/acpx", true},
+        {u"/usr/bin/node /usr/lib/node_modules/@openai/codex/bin/codex.js", true},
+        {u"node server.js", false}, // a program that may start sessions, no launcher
+        {u"/p/node_modules/.bin/tsx a.ts", true},
+        {u"x __queue-owner", true},
+        {u"/home/u/openclaw/dist/extensions/acpx/run", true},
+        {u"/bin/zsh -l", false},
+    };
+    for (const auto& c : cases) {
+        const QString command = QString::fromUtf16(c.command);
+        EXPECT_EQ(isLauncherCommand(lowerCasedCommand(command)), c.expected)
+            << command.toStdString();
+    }
 }
 
 TEST(CodexRecognition, LinkRule) {
@@ -72,13 +111,11 @@ TEST(CodexRecognition, LinkRule) {
         bool expected;
     };
     const Case cases[] = {
-        {"adapter parent links anything", u"npm exec @zed-industries/codex-acp", u"/bin/zsh", true},
-        {"acpx codex parent links anything", u"/usr/lib/acpx/cli.js run agent:codex:1", u"sleep 1",
-         true},
+        {"adapter parent links anything", u"node /n/.bin/codex-acp", u"/bin/zsh", true},
         {"launcher above adapter", u"node /usr/local/bin/acpx", u"codex-acp --stdio", true},
         {"launcher above launcher", u"npm exec x", u"node /p/node_modules/.bin/y", true},
-        {"launcher above plain codex", u"node server.js", u"/opt/homebrew/bin/codex", false},
-        {"codex above codex", u"/opt/homebrew/bin/codex", u"codex exec x", false},
+        {"launcher above plain codex", u"npm exec x", u"/opt/homebrew/bin/codex", false},
+        {"program above shim", u"node driver.mjs", u"node /p/.bin/codex exec hi", false},
         {"shell", u"-zsh", u"codex-acp", false},
         {"excluded parent", u"brenvik npm exec codex-acp", u"codex-acp", false},
     };

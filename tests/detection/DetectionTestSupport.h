@@ -1,14 +1,34 @@
 #pragma once
 
 #include "detection/ProcessSnapshot.h"
+#include "detection/ProcessTree.h"
 
 #include <QDir>
+
+namespace brenvik {
+
+// Readable failures: what a session row says.
+inline void PrintTo(const DetectedProcessSample& s, std::ostream* out) {
+    *out << "{pid " << s.pid << ", " << s.command.toStdString() << ", cpu " << s.totalCPUPercent
+         << "%/" << s.cumulativeCPUTime << "s" << (s.hasHotState ? ", hot" : "") << ", members "
+         << s.memberCount << ", processes " << s.processCount << ", cwd '" << s.cwd.toStdString()
+         << "'}";
+}
+
+} // namespace brenvik
 
 namespace brenvik::test {
 
 inline ObservedProcess row(qint64 pid, qint64 ppid, const char16_t* command, double cpu = 0,
                            double time = 0, const char16_t* state = u"S") {
-    return {pid, ppid, QString::fromUtf16(state), cpu, time, QString::fromUtf16(command)};
+    ObservedProcess process;
+    process.pid = pid;
+    process.ppid = ppid;
+    process.state = QString::fromUtf16(state);
+    process.cpuPercent = cpu;
+    process.cpuTime = time;
+    process.command = QString::fromUtf16(command);
+    return process;
 }
 
 // A QTemporaryDir template inside the test's private scratch folder.

@@ -83,8 +83,15 @@ TEST_F(ProcSourceTest, RowsFromStatAndCmdline) {
     snapshotAfter(0ms);
 
     ASSERT_EQ(m_rows.size(), 4);
-    EXPECT_EQ(m_rows.value(10), (ObservedProcess{10, 3, QStringLiteral("R"), 0.0, 3.0,
-                                                 QStringLiteral("node /x/codex --fast")}));
+    EXPECT_EQ(m_rows.value(10), (ObservedProcess{.pid = 10,
+                                                 .ppid = 3,
+                                                 .state = QStringLiteral("R"),
+                                                 .cpuPercent = 0.0,
+                                                 .cpuTime = 3.0,
+                                                 .command = QStringLiteral("node /x/codex --fast"),
+                                                 .executable = {},
+                                                 .cwd = {},
+                                                 .startedAt = {}}));
     EXPECT_EQ(command(11), QStringLiteral("[kworker/0:1]"));
     EXPECT_EQ(command(12), QStringLiteral("a\uFFFD b  ?c d??")) << "controls as ps shows them";
     EXPECT_EQ(command(15), QStringLiteral("nameless"));
@@ -114,6 +121,46 @@ TEST_F(ProcSourceTest, CommandLineReReadOnlyWhenCommChanges) {
     write(22, "cmdline", "not read again");
     snapshotAfter(2s);
     EXPECT_EQ(command(22), QStringLiteral("[kworker/1:0]"));
+}
+
+TEST_F(ProcSourceTest, DetailsOfCodexProcessesAndTheirChildrenOnly) {
+    const auto link = [this](qint64 pid, const char* name, const QString& target) {
+        QFile::link(target,
+                    m_dir.filePath(QStringLiteral("%1/%2").arg(pid).arg(QLatin1StringView(name))));
+    };
+    QFile stat(m_dir.filePath(QStringLiteral("stat")));
+    ASSERT_TRUE(stat.open(QIODevice::WriteOnly));
+    stat.write("cpu 1 2 3\nbtime 1700000000\n");
+    stat.close();
+    ProcProcessTableSource source{m_dir.path(), [this] { return m_now; }};
+    put(40, "codex-x86_64-un", "codex\0exec\0x"_qba, 0, 250);
+    put(41, "bash", "/bin/bash\0-c\0make"_qba, 0, 300, 'S', 40);
+    put(42, "vim", "vim\0/home/u/.codex/config.toml"_qba);
+    put(43, "codex", "", 0, 400, 'Z', 1);
+    for (const qint64 pid : {40, 41, 42, 43}) {
+        link(pid, "exe", QStringLiteral("/opt/bin/x%1").arg(pid));
+        link(pid, "cwd", QStringLiteral("/home/u/p%1").arg(pid));
+    }
+    QHash<qint64, ObservedProcess> rows;
+    for (const auto& row : source.snapshot())
+        rows.insert(row.pid, row);
+
+    EXPECT_EQ(rows[40].executable, QStringLiteral("/opt/bin/x40"));
+    EXPECT_EQ(rows[40].cwd, QStringLiteral("/home/u/p40"));
+    EXPECT_EQ(rows[40].startedAt, QDateTime::fromMSecsSinceEpoch(
+                                      1700000000000 + 250 * 1000 / qint64(m_ticks), Qt::UTC));
+    EXPECT_EQ(rows[41].cwd, QStringLiteral("/home/u/p41")) << "child of a Codex process";
+    EXPECT_TRUE(rows[42].executable.isEmpty() && rows[42].cwd.isEmpty()) << "arguments never count";
+    EXPECT_EQ(rows[43].command, QStringLiteral("[codex] <defunct>"));
+    EXPECT_TRUE(rows[43].executable.isEmpty()) << "a zombie keeps nothing";
+}
+
+TEST_F(ProcSourceTest, ZombieForgetsItsCommand) {
+    put(50, "codex", "codex"_qba);
+    snapshotAfter(0ms);
+    put(50, "codex", "", 0, 1000, 'Z');
+    snapshotAfter(2s);
+    EXPECT_EQ(command(50), QStringLiteral("[codex] <defunct>"));
 }
 
 TEST_F(ProcSourceTest, CPUPercentOverTheInterval) {

@@ -9,9 +9,25 @@ namespace {
 
 using test::row;
 
+// A session as the table states it: root, command, tree CPU, hot state,
+// members (Codex and launchers) and the whole tree's process count.
 DetectedProcessSample sample(qint64 pid, const char16_t* command, double cpu, double time, bool hot,
-                             qint64 members) {
-    return {pid, QString::fromUtf16(command), cpu, time, hot, members};
+                             qint64 members, qint64 processes, const char16_t* cwd = u"") {
+    DetectedProcessSample s;
+    s.pid = pid;
+    s.command = QString::fromUtf16(command);
+    s.totalCPUPercent = cpu;
+    s.cumulativeCPUTime = time;
+    s.hasHotState = hot;
+    s.memberCount = members;
+    s.processCount = processes;
+    s.cwd = QString::fromUtf16(cwd);
+    return s;
+}
+
+ObservedProcess in(ObservedProcess process, const char16_t* cwd) {
+    process.cwd = QString::fromUtf16(cwd);
+    return process;
 }
 
 struct TreeCase {
@@ -22,53 +38,90 @@ struct TreeCase {
 
 const char16_t* const kAdapter = u"npm exec @zed-industries/codex-acp";
 const char16_t* const kAcpx = u"node /usr/local/bin/acpx";
+const char16_t* const kShim = u"node /usr/lib/node_modules/@openai/codex/bin/codex.js exec hi";
+const char16_t* const kNative = u"/usr/lib/node_modules/@openai/codex/vendor/codex";
+const char16_t* const kDaemon = u"/h/.codex/packages/app-server-daemon/releases/1/bin/codex "
+                                u"app-server --listen unix:// --managed-daemon";
+const char16_t* const kSandbox = u"codex-linux-sandbox --sandbox-policy-cwd /w/a";
 
-TEST(ProcessTree, Grouping) {
+TEST(ProcessTree, Sessions) {
     const TreeCase cases[] = {
         {"no candidate", {row(1, 0, u"/sbin/init"), row(2, 1, u"-zsh")}, {}},
         {"lone codex under a shell",
          {row(150, 1, u"-zsh"), row(200, 150, u"/opt/homebrew/bin/codex", 1.5, 3)},
-         {sample(200, u"/opt/homebrew/bin/codex", 1.5, 3, false, 1)}},
-        {"codex's own children do not count",
-         {row(200, 150, u"/opt/homebrew/bin/codex", 1, 2), row(201, 200, u"/bin/zsh -lc ls", 50, 9),
-          row(202, 200, u"/bin/zsh -lc rg codex", 50, 9)},
-         {sample(200, u"/opt/homebrew/bin/codex", 1, 2, false, 1)}},
-        {"adapter tree is one group",
+         {sample(200, u"/opt/homebrew/bin/codex", 1.5, 3, false, 1, 1)}},
+        {"tool commands are the session's work, across groups and sessions",
+         {row(200, 150, u"/opt/homebrew/bin/codex", 1, 2), row(201, 200, kSandbox, 0, 0),
+          row(202, 201, u"bwrap --as-pid-1 --new-session", 0, 0),
+          row(203, 202, u"/bin/bash -c cargo build", 0, 1),
+          row(204, 203, u"rustc --crate-name x", 99, 30, u"R")},
+         {sample(200, u"/opt/homebrew/bin/codex", 100, 33, true, 2, 5)}},
+        {"shim and native binary are one session",
+         {row(300, 9, kShim), row(301, 300, kNative, 2, 2), row(9, 1, u"bash")},
+         {sample(300, kShim, 2, 2, false, 2, 2)}},
+        {"adapter tree is one session",
          {row(100, 9, kAdapter, 1, 10),
           row(101, 100, u"node /u/.npm/_npx/a1/node_modules/.bin/codex-acp", 2, 20),
           row(102, 101, u"/u/.npm/_npx/a1/lib/codex-acp --stdio", 3, 30), row(9, 1, u"zed")},
-         {sample(100, kAdapter, 6, 60, false, 3)}},
-        {"launcher that is no candidate becomes the root",
-         {row(300, 1, kAcpx, 1, 1), row(301, 300, u"codex-acp --stdio", 2, 2)},
-         {sample(300, kAcpx, 3, 3, false, 2)}},
-        {"shared launcher counted once",
-         {row(301, 300, u"codex-acp --stdio", 2, 2), row(300, 1, kAcpx, 1, 1),
+         {sample(100, kAdapter, 6, 60, false, 3, 3)}},
+        {"launcher that is no Codex process becomes the root",
+         {row(300, 1, kAcpx, 1, 1), row(301, 300, u"codex-acp --stdio", 2, 2),
           row(302, 300, u"codex-acp --stdio", 4, 4)},
-         {sample(300, kAcpx, 7, 7, false, 3)}},
-        {"codex started by codex gives two groups",
-         {row(400, 1, u"codex"), row(401, 400, u"codex exec run tests")},
-         {sample(400, u"codex", 0, 0, false, 1),
-          sample(401, u"codex exec run tests", 0, 0, false, 1)}},
-        {"hot member makes the group hot",
-         {row(300, 1, kAcpx, 0, 0, u"Ss"), row(301, 300, u"codex-acp", 0, 0, u"R+")},
-         {sample(300, kAcpx, 0, 0, true, 2)}},
+         {sample(300, kAcpx, 7, 7, false, 3, 3)}},
+        {"codex started by a session's command belongs to it",
+         {row(400, 1, u"codex"), row(401, 400, u"/bin/sh -c x"),
+          row(402, 401, u"codex exec run tests", 5, 5)},
+         {sample(400, u"codex", 5, 5, false, 2, 3)}},
+        {"a program running sessions is no root of them",
+         {row(500, 1, u"node driver.mjs", 50, 50), row(501, 500, u"codex exec a"),
+          row(502, 500, u"codex exec b")},
+         {sample(501, u"codex exec a", 0, 0, false, 1, 1),
+          sample(502, u"codex exec b", 0, 0, false, 1, 1)}},
+        {"the service is no session; short tools neither",
+         {row(600, 1, kDaemon, 1, 1), row(601, 1, u"codex login"), row(602, 600, kSandbox)},
+         {}},
+        {"zombies take no part",
+         {row(700, 1, u"codex", 0, 0, u"Z"), row(710, 1, u"codex"),
+          row(711, 710, u"cc", 9, 9, u"Z")},
+         {sample(710, u"codex", 0, 0, false, 1, 1)}},
         {"ascending root PID",
          {row(900, 1, u"codex"), row(35, 1, u"codex"), row(120, 1, u"codex")},
-         {sample(35, u"codex", 0, 0, false, 1), sample(120, u"codex", 0, 0, false, 1),
-          sample(900, u"codex", 0, 0, false, 1)}},
+         {sample(35, u"codex", 0, 0, false, 1, 1), sample(120, u"codex", 0, 0, false, 1, 1),
+          sample(900, u"codex", 0, 0, false, 1, 1)}},
         {"repeated PID: the first row wins",
          {row(500, 1, u"codex", 1, 1), row(500, 1, u"codex exec other", 5, 5), row(600, 1, u"vim")},
-         {sample(500, u"codex", 1, 1, false, 1)}},
-        {"PID cycle ends the chain",
-         {row(700, 701, kAdapter, 1, 1), row(701, 700, kAdapter, 1, 1)},
-         {sample(700, kAdapter, 2, 2, false, 2), sample(701, kAdapter, 2, 2, false, 2)}},
-        {"self parent", {row(800, 800, kAdapter)}, {sample(800, kAdapter, 0, 0, false, 1)}},
+         {sample(500, u"codex", 1, 1, false, 1, 1)}},
+        {"PID cycle ends the walks",
+         {row(800, 801, u"cc"), row(801, 800, u"codex")},
+         {sample(801, u"codex", 0, 0, false, 1, 2)}},
+        {"self parent", {row(850, 850, u"codex")}, {sample(850, u"codex", 0, 0, false, 1, 1)}},
     };
     for (const auto& c : cases)
         EXPECT_EQ(detectCodexProcesses(c.rows), c.expected) << c.name;
 }
 
-TEST(ProcessTree, LauncherChainRunsFromCandidateToRoot) {
+TEST(ProcessTree, ServiceWorkCountsForTheTUIOfItsDirectory) {
+    const QList<ObservedProcess> rows = {
+        in(row(10, 1, u"codex"), u"/w/a"),
+        in(row(20, 1, u"codex"), u"/w/b"),
+        in(row(21, 1, u"codex"), u"/w/c"),
+        in(row(22, 1, u"codex"), u"/w/c"),
+        in(row(30, 1, kDaemon, 5, 5), u"/w/a"),
+        in(row(31, 30, kSandbox), u"/w/b"),
+        row(32, 31, u"sh -c burn", 100, 4, u"R"),
+        in(row(33, 30, u"/bin/bash -c make"), u"/w/c"), // two TUIs there: nobody's
+        in(row(34, 30, u"/bin/bash -c make"), u"/w/x"), // no TUI there
+    };
+    const QList<DetectedProcessSample> expected = {
+        sample(10, u"codex", 0, 0, false, 1, 1, u"/w/a"),
+        sample(20, u"codex", 100, 4, true, 2, 3, u"/w/b"),
+        sample(21, u"codex", 0, 0, false, 1, 1, u"/w/c"),
+        sample(22, u"codex", 0, 0, false, 1, 1, u"/w/c"),
+    };
+    EXPECT_EQ(detectCodexProcesses(rows), expected);
+}
+
+TEST(ProcessTree, LauncherChainRunsFromFrontEndToRoot) {
     const QHash<qint64, ObservedProcess> byPID{
         {100, row(100, 9, kAdapter)},
         {101, row(101, 100, u"node /n/node_modules/.bin/codex-acp")},

@@ -35,10 +35,17 @@ const ClassificationCase kCases[] = {
      {{0, {sample(1, 0.0, 5000.0)}, {{1, idle, std::nullopt}}}}},
     {"hot state alone is busy, also at first sight",
      {{0, {sample(1, 0.0, 0.0, true)}, {{1, running, 0}}}}},
-    {"CPU percent exactly at the threshold is busy",
-     {{0, {sample(1, 0.4, base)}, {{1, running, 0}}}}},
-    {"CPU percent just below the threshold is not",
-     {{0, {sample(1, 0.39, base)}, {{1, idle, std::nullopt}}}}},
+    {"one 10 ms tick in a 2 s interval is noise; two are work",
+     {{0,
+       {sample(1, 0.5, base), sample(2, 1.0, base)},
+       {{1, idle, std::nullopt}, {2, running, 0}}}}},
+    {"over a long interval, exactly the threshold is busy and just below it not",
+     {{0,
+       {sample(1, 0.0, base), sample(2, 0.0, base)},
+       {{1, idle, std::nullopt}, {2, idle, std::nullopt}}},
+      {10000,
+       {sample(1, 0.4, base), sample(2, 0.39, base)},
+       {{1, running, 10000}, {2, idle, std::nullopt}}}}},
     {"CPU percent far above one core is busy; the match carries the sample's figures",
      {{0,
        {sample(4'000'000'000, 350.0, 61.25, false, QStringLiteral("Node /x/CODEX --Flag"), 3)},
@@ -109,9 +116,15 @@ TEST(ActivityClassification, VerdictsAcrossRefreshes) {
                 const Expected& expected = step.expected[i];
                 const ProcessMatch& match = monitor.matches()[i];
                 const DetectedProcessSample& s = step.samples[i];
-                EXPECT_EQ(match,
-                          (ProcessMatch{expected.pid, s.command, expected.status, s.totalCPUPercent,
-                                        s.cumulativeCPUTime, s.memberCount}))
+                EXPECT_EQ(match, (ProcessMatch{.pid = expected.pid,
+                                               .command = s.command,
+                                               .status = expected.status,
+                                               .instantaneousCPUPercent = s.totalCPUPercent,
+                                               .cumulativeCPUTime = s.cumulativeCPUTime,
+                                               .memberCount = s.memberCount,
+                                               .processCount = s.processCount,
+                                               .cwd = s.cwd,
+                                               .startedAt = s.startedAt}))
                     << "pid " << match.pid << " " << rawValue(match.status).toStdString();
                 ASSERT_TRUE(monitor.historyByPID().contains(expected.pid));
                 const auto& record = monitor.historyByPID()[expected.pid];

@@ -29,12 +29,15 @@ TEST(ProcessActivityStatus, ParsesOnlyTheExactRawValues) {
 TEST(ProcessMatch, EqualMatchesHashAlikeWhateverTheSignOfZero) {
     for (const auto& [cpuPercent, cpuTime] : {std::pair{-0.0, 30.0}, {1.5, -0.0}, {-0.0, -0.0}}) {
         SCOPED_TRACE(::testing::Message() << cpuPercent << " " << cpuTime);
-        const ProcessMatch negative{qint64(1) << 40,
-                                    QStringLiteral("/usr/bin/codex"),
-                                    ProcessActivityStatus::running,
-                                    cpuPercent,
-                                    cpuTime,
-                                    2};
+        const ProcessMatch negative{.pid = qint64(1) << 40,
+                                    .command = QStringLiteral("/usr/bin/codex"),
+                                    .status = ProcessActivityStatus::running,
+                                    .instantaneousCPUPercent = cpuPercent,
+                                    .cumulativeCPUTime = cpuTime,
+                                    .memberCount = 2,
+                                    .processCount = 3,
+                                    .cwd = QStringLiteral("/w"),
+                                    .startedAt = {}};
         ProcessMatch positive = negative;
         positive.instantaneousCPUPercent += 0.0; // -0.0 + 0.0 is +0.0
         positive.cumulativeCPUTime += 0.0;

@@ -20,7 +20,15 @@ inline QDateTime at(qint64 ms) {
 inline DetectedProcessSample sample(qint64 pid, double cpuPercent, double cpuTime, bool hot = false,
                                     QString command = QStringLiteral("codex"),
                                     qint64 memberCount = 1) {
-    return DetectedProcessSample{pid, std::move(command), cpuPercent, cpuTime, hot, memberCount};
+    DetectedProcessSample s;
+    s.pid = pid;
+    s.command = std::move(command);
+    s.totalCPUPercent = cpuPercent;
+    s.cumulativeCPUTime = cpuTime;
+    s.hasHotState = hot;
+    s.memberCount = memberCount;
+    s.processCount = memberCount;
+    return s;
 }
 
 // A wall clock the test sets by hand; read on the GUI thread only.

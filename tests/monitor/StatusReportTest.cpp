@@ -13,6 +13,20 @@ constexpr auto idle = ProcessActivityStatus::idle;
 
 const QDateTime kUpdated(QDate(2026, 11, 23), QTime(4, 5, 6, 789), Qt::OffsetFromUTC, 3600);
 
+ProcessMatch match(qint64 pid, QString command, ProcessActivityStatus status, double cpu,
+                   double time, qint64 members, QString cwd = {},
+                   std::optional<QDateTime> startedAt = {}) {
+    return {.pid = pid,
+            .command = std::move(command),
+            .status = status,
+            .instantaneousCPUPercent = cpu,
+            .cumulativeCPUTime = time,
+            .memberCount = members,
+            .processCount = members + 1,
+            .cwd = std::move(cwd),
+            .startedAt = startedAt};
+}
+
 StatusReport observedReport(QList<ProcessMatch> matches) {
     const auto runningCount = std::count_if(matches.cbegin(), matches.cend(),
                                             [](const auto& m) { return m.status == running; });
@@ -33,14 +47,14 @@ TEST(StatusText, DetailLineThenAnAlignedRowPerGroup) {
          QStringLiteral("No Codex CLI process detected\n")},
         {"two groups",
          observedReport(
-             {{812, QStringLiteral("/usr/bin/codex"), running, 12.0, 3.5, 1},
-              {34567, QStringLiteral("npm exec @zed-industries/codex-acp"), idle, 0, 1, 3}}),
+             {match(812, QStringLiteral("/usr/bin/codex"), running, 12.0, 3.5, 1),
+              match(34567, QStringLiteral("npm exec @zed-industries/codex-acp"), idle, 0, 1, 3)}),
          QStringLiteral("2 total \u00B7 1 running \u00B7 1 idle\n"
                         "    PID  STATUS   MEMBERS  COMMAND\n"
                         "    812  running        1  /usr/bin/codex\n"
                         "  34567  idle           3  npm exec @zed-industries/codex-acp\n")},
         {"a PID wider than the heading, a command trimmed and shortened",
-         observedReport({{4'000'000'000, u"  " + longCommand + u"\n", idle, 0, 0, 12}}),
+         observedReport({match(4'000'000'000, u"  " + longCommand + u"\n", idle, 0, 0, 12)}),
          QStringLiteral("1 Codex process idle\n"
                         "         PID  STATUS   MEMBERS  COMMAND\n"
                         "  4000000000  idle          12  ") +
@@ -49,7 +63,8 @@ TEST(StatusText, DetailLineThenAnAlignedRowPerGroup) {
          {CodexRunState::error(QStringLiteral("ps: illegal option\nusage: ps")), {}, {}, kUpdated},
          QStringLiteral("Codex process detection failed: ps: illegal option usage: ps\n")},
         {"line breaks inside a command stay on one row",
-         observedReport({{7, QStringLiteral("codex exec \"fix\nthe tests\""), running, 1, 1, 1}}),
+         observedReport(
+             {match(7, QStringLiteral("codex exec \"fix\nthe tests\""), running, 1, 1, 1)}),
          QStringLiteral("1 Codex process running\n"
                         "  PID  STATUS   MEMBERS  COMMAND\n"
                         "    7  running        1  codex exec \"fix the tests\"\n")},
@@ -73,16 +88,19 @@ TEST(StatusJson, KeysInAFixedOrderOnOneLine) {
         QString expected;
     } cases[] = {
         {"two groups",
-         observedReport({{812, QStringLiteral("/usr/bin/codex"), running, 12.5, 3.25, 1},
-                         {900, QStringLiteral("codex"), idle, 0, 1, 2}}),
+         observedReport({match(812, QStringLiteral("/usr/bin/codex"), running, 12.5, 3.25, 1,
+                               QStringLiteral("/home/u/w"), kUpdated.addSecs(-90)),
+                         match(900, QStringLiteral("codex"), idle, 0, 1, 2)}),
          QStringLiteral(
              R"({"state":"observed","total":2,"running":1,"idle":1,"summary":"summary text",)"
              R"("detail":"2 total · 1 running · 1 idle","error":null,)"
              R"("updated":"2026-11-23T04:05:06+01:00","groups":[)"
              R"({"pid":812,"command":"/usr/bin/codex","status":"running",)"
-             R"("instantaneousCPUPercent":12.5,"cumulativeCPUTime":3.25,"memberCount":1},)"
+             R"("instantaneousCPUPercent":12.5,"cumulativeCPUTime":3.25,"memberCount":1,"processCount":2,)"
+             R"("cwd":"/home/u/w","startedAt":"2026-11-23T04:03:36+01:00"},)"
              R"({"pid":900,"command":"codex","status":"idle",)"
-             R"("instantaneousCPUPercent":0,"cumulativeCPUTime":1,"memberCount":2}]})")},
+             R"("instantaneousCPUPercent":0,"cumulativeCPUTime":1,"memberCount":2,"processCount":3,)"
+             R"("cwd":null,"startedAt":null}]})")},
         {"before any refresh",
          {CodexRunState::idle(), QStringLiteral("Checking"), {}, std::nullopt},
          QStringLiteral(R"({"state":"idle","total":0,"running":0,"idle":0,"summary":"Checking",)"
@@ -96,9 +114,9 @@ TEST(StatusJson, KeysInAFixedOrderOnOneLine) {
              QStringLiteral(R"(","updated":"2026-11-23T04:05:06+01:00","groups":[]})")},
         {"large figures, and those JSON cannot hold become null",
          observedReport(
-             {{2'200'000'000, awkward, running, 250.125, 1e-3, 4},
-              {1, QStringLiteral("codex"), idle, std::numeric_limits<double>::quiet_NaN(),
-               std::numeric_limits<double>::infinity(), 1}}),
+             {match(2'200'000'000, awkward, running, 250.125, 1e-3, 4),
+              match(1, QStringLiteral("codex"), idle, std::numeric_limits<double>::quiet_NaN(),
+                    std::numeric_limits<double>::infinity(), 1)}),
          QStringLiteral(
              R"({"state":"observed","total":2,"running":1,"idle":1,"summary":"summary text",)"
              R"("detail":"2 total · 1 running · 1 idle","error":null,)"
@@ -106,12 +124,14 @@ TEST(StatusJson, KeysInAFixedOrderOnOneLine) {
              awkwardJson +
              QStringLiteral(
                  R"(","status":"running","instantaneousCPUPercent":250.125,)"
-                 R"("cumulativeCPUTime":0.001,"memberCount":4},{"pid":1,"command":"codex",)"
+                 R"("cumulativeCPUTime":0.001,"memberCount":4,"processCount":5,"cwd":null,)"
+                 R"("startedAt":null},{"pid":1,"command":"codex",)"
                  R"("status":"idle","instantaneousCPUPercent":null,"cumulativeCPUTime":null,)"
-                 R"("memberCount":1}]})")},
+                 R"("memberCount":1,"processCount":2,"cwd":null,"startedAt":null}]})")},
     };
     for (const auto& testCase : cases) {
-        EXPECT_EQ(statusJson(testCase.report), testCase.expected) << testCase.name;
+        EXPECT_EQ(statusJson(testCase.report).toStdString(), testCase.expected.toStdString())
+            << testCase.name;
         // And it parses back as the one line a script reads.
         EXPECT_TRUE(QJsonDocument::fromJson(statusJson(testCase.report).toUtf8()).isObject())
             << testCase.name;

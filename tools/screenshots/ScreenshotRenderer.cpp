@@ -46,8 +46,16 @@ QPalette darkPalette() {
     return p;
 }
 
-DetectedProcessSample group(qint64 pid, QString command, double cpuPercent = 0) {
-    return DetectedProcessSample{pid, std::move(command), cpuPercent, 1.0, false, 1};
+DetectedProcessSample group(qint64 pid, QString command, QString cwd, double cpuPercent = 0) {
+    DetectedProcessSample sample;
+    sample.pid = pid;
+    sample.command = std::move(command);
+    sample.totalCPUPercent = cpuPercent;
+    sample.cumulativeCPUTime = 1.0;
+    sample.memberCount = 2;
+    sample.processCount = 2;
+    sample.cwd = std::move(cwd);
+    return sample;
 }
 
 // What the monitor has seen: nothing yet, a failure text, or these matches.
@@ -162,27 +170,36 @@ int main(int argc, char** argv) {
     const Outcome error = QStringLiteral(
         "Could not read the process table: /proc is not mounted (No such file or directory)");
     const Outcome noMatch = QList<DetectedProcessSample>();
+    // Projects in the home folder, so that the rows show them "~"-abbreviated.
+    const auto project = [](const char* name) -> QString {
+        return QDir::homePath() + QStringLiteral("/projects/") + QString::fromLatin1(name);
+    };
     const Outcome two = QList<DetectedProcessSample>{
         group(4242,
               QStringLiteral("node /usr/local/lib/node_modules/@openai/codex/bin/codex.js "
                              "--model gpt-5-codex"),
-              14.5),
-        group(51873, QStringLiteral("codex exec \"summarise the changes since the last release "
-                                    "and draft release notes for the team\"")),
+              project("brenvik"), 14.5),
+        group(51873,
+              QStringLiteral("codex exec \"summarise the changes since the last release "
+                             "and draft release notes for the team\""),
+              project("release-notes")),
     };
     const Outcome five = QList<DetectedProcessSample>{
-        group(1207, QStringLiteral("codex"), 3.2),
+        group(1207, QStringLiteral("codex"), project("parser"), 3.2),
         group(4242, QStringLiteral("node /usr/local/lib/node_modules/@openai/codex/bin/codex.js"),
-              22.0),
-        group(8810, QStringLiteral("npm exec @zed-industries/codex-acp")),
-        group(23001, QStringLiteral("codex resume --last")),
-        group(51873, QStringLiteral("openclaw acpx codex --cwd /home/ann/projects/brenvik")),
+              project("brenvik"), 22.0),
+        group(8810, QStringLiteral("npm exec @zed-industries/codex-acp"), project("website")),
+        group(23001, QStringLiteral("codex resume --last"), project("infra")),
+        group(51873, QStringLiteral("node /usr/lib/node_modules/acpx/dist/cli.js codex exec"),
+              project("docs")),
     };
     const Outcome three =
         QList<DetectedProcessSample>(std::get<QList<DetectedProcessSample>>(five).mid(0, 3));
-    const Outcome idle = QList<DetectedProcessSample>{group(4242, QStringLiteral("codex")),
-                                                      group(51873, QStringLiteral("codex exec"))};
-    const Outcome one = QList<DetectedProcessSample>{group(4242, QStringLiteral("codex"))};
+    const Outcome idle = QList<DetectedProcessSample>{
+        group(4242, QStringLiteral("codex"), project("brenvik")),
+        group(51873, QStringLiteral("codex exec"), project("release-notes"))};
+    const Outcome one =
+        QList<DetectedProcessSample>{group(4242, QStringLiteral("codex"), project("brenvik"))};
     const auto loginOn = [](Preferences& p) { p.launchAtLogin.setEnabled(true); };
     const auto dockRefused = [](Preferences& p) { p.appVisibility.setShowDockIcon(false); };
     // Both failure texts crowd the list: its three rows scroll.
