@@ -16,7 +16,13 @@ packages=(
   fonts-dejavu-core
   # end-to-end: display server, tray host, window manager, input and pixels, private bus
   xvfb xauth trayer openbox xdotool x11-utils imagemagick dbus-daemon dbus-bin
+  # end-to-end with the real Codex CLI: its TUI runs in tmux
+  tmux
 )
+# The real Codex CLI comes from npm. A Node.js from elsewhere (nodesource) bundles npm,
+# and Debian's npm package would conflict with it: install each only when missing.
+command -v node >/dev/null || packages+=(nodejs)
+command -v npm >/dev/null || packages+=(npm)
 
 missing=()
 for p in "${packages[@]}"; do

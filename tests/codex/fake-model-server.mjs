@@ -1,0 +1,129 @@
+// A scripted stand-in for the model: answers the Responses API on 127.0.0.1 with
+// server-sent events, steered by directives in the latest user prompt:
+//   [think:S]       keep the stream open S seconds before answering
+//   [shell:CMD]     call the shell tool exec_command with {"cmd": CMD}
+//   [escalate]      ... asking to run it outside the sandbox (the TUI asks for approval)
+//   [say:TEXT]      answer TEXT
+// Once the tool's output comes back, it answers with a final message. Requests for a
+// structured answer (the thread title Codex asks for beside a turn) get one at once.
+// It also serves as the HTTP(S) proxy of the run and refuses every tunnel, so that
+// nothing Codex fetches on its own (announcements and the like) leaves the machine.
+// Run alone (node fake-model-server.mjs) it prints its port and logs to stdout.
+import http from "node:http";
+
+const directivePattern = /\[(think|shell|escalate|say)(?::([^\]]*))?\]/g;
+
+function parseDirectives(text) {
+  const d = {};
+  for (const [, name, arg] of text.matchAll(directivePattern)) d[name] = arg ?? true;
+  return d;
+}
+
+function textOf(item) {
+  return (item.content ?? []).map((c) => c.text ?? "").join("\n");
+}
+
+// What the model is asked to do: a tool's output to answer, or the newest prompt.
+function requestKind(input) {
+  const last = input.at(-1);
+  if (last?.type === "function_call_output") return { followUp: true, directives: {} };
+  const prompt = input.findLast((i) => i.type === "message" && i.role === "user" && !textOf(i).startsWith("<"));
+  return { followUp: false, directives: parseDirectives(prompt ? textOf(prompt) : "") };
+}
+
+function sse(res, type, body) {
+  res.write(`event: ${type}\ndata: ${JSON.stringify({ type, ...body })}\n\n`);
+}
+
+function outputItem(n, { directives, followUp, title }) {
+  if (title) return message(n, JSON.stringify({ title: "Test turn" }));
+  if (!followUp && typeof directives.shell === "string") {
+    const args = { cmd: directives.shell, yield_time_ms: 30000 };
+    if (directives.escalate) {
+      args.sandbox_permissions = "require_escalated";
+      args.justification = "the test asks for it";
+    }
+    return { type: "function_call", id: `fc_${n}`, call_id: `call_${n}`, name: "exec_command", arguments: JSON.stringify(args) };
+  }
+  return message(n, followUp ? "The command finished." : typeof directives.say === "string" ? directives.say : "Done.");
+}
+
+function message(n, text) {
+  return { type: "message", role: "assistant", id: `msg_${n}`, content: [{ type: "output_text", text }] };
+}
+
+async function readBody(req) {
+  const chunks = [];
+  for await (const c of req) chunks.push(c);
+  return Buffer.concat(chunks).toString("utf8");
+}
+
+// Resolves to { port, requests, close() }; log(entry) sees every request as it arrives.
+export function startFakeModel({ log = () => {} } = {}) {
+  const requests = [];
+  const timers = new Set();
+  let count = 0;
+  const server = http.createServer(async (req, res) => {
+    const entry = { t: Date.now(), method: req.method, path: req.url.split("?")[0] };
+    requests.push(entry);
+    try {
+      const raw = await readBody(req);
+      if (req.method !== "POST" || !entry.path.endsWith("/responses")) {
+        log(entry);
+        // Models list and the like: an empty answer, so nothing waits on it.
+        res.writeHead(200, { "content-type": "application/json" });
+        res.end(JSON.stringify({ object: "list", data: [], models: [] }));
+        return;
+      }
+      const body = JSON.parse(raw);
+      const n = ++count;
+      Object.assign(entry, { n, title: body.text?.format?.type === "json_schema", ...requestKind(body.input ?? []) });
+      log(entry);
+      res.writeHead(200, { "content-type": "text/event-stream", "cache-control": "no-cache" });
+      sse(res, "response.created", { response: { id: `resp_${n}` } });
+      const answer = () => {
+        timers.delete(timer);
+        entry.answeredAt = Date.now();
+        sse(res, "response.output_item.done", { item: outputItem(n, entry) });
+        sse(res, "response.completed", {
+          response: { id: `resp_${n}`, usage: { input_tokens: 1, output_tokens: 1, total_tokens: 2 } },
+        });
+        res.end();
+      };
+      const thinkMs = entry.followUp || entry.title ? 0 : Number(entry.directives.think ?? 0) * 1000;
+      const timer = setTimeout(answer, thinkMs);
+      timers.add(timer);
+      res.on("close", () => { clearTimeout(timer); timers.delete(timer); });
+    } catch (err) {
+      Object.assign(entry, { error: String(err) });
+      log(entry);
+      if (!res.headersSent) res.writeHead(400);
+      res.end();
+    }
+  });
+  server.on("connect", (req, socket) => {
+    const entry = { t: Date.now(), method: "CONNECT", path: req.url, refused: true };
+    requests.push(entry);
+    log(entry);
+    socket.end("HTTP/1.1 403 Forbidden\r\n\r\n");
+  });
+  return new Promise((resolve, reject) => {
+    server.once("error", reject);
+    server.listen(0, "127.0.0.1", () =>
+      resolve({
+        port: server.address().port,
+        requests,
+        close() {
+          for (const t of timers) clearTimeout(t);
+          server.closeAllConnections?.();
+          return new Promise((r) => server.close(r));
+        },
+      }),
+    );
+  });
+}
+
+if (import.meta.url === `file://${process.argv[1]}`) {
+  const model = await startFakeModel({ log: (e) => console.log(JSON.stringify(e)) });
+  console.log(`port ${model.port}`);
+}

@@ -1,0 +1,581 @@
+#!/usr/bin/env node
+// The real Codex CLI (codex exec, the TUI in tmux, acpx driving codex-acp), offline
+// against our fake model on 127.0.0.1, watched by `brenvik-status --watch --json`.
+//
+// Usage: node real-codex-e2e.mjs --brenvik-status PATH [--codex-cache DIR]
+//                                [--record DIR] [--timeline] [--keep]
+//   --codex-cache DIR  where tools/install-codex.sh keeps the pinned npm install
+//   --record DIR       also write the process table of each marked moment to DIR/<moment>.tsv
+//   --timeline         print the timeline on success too
+//   --keep             keep the temporary folder
+import { spawn, spawnSync } from "node:child_process";
+import fs from "node:fs";
+import os from "node:os";
+import path from "node:path";
+import readline from "node:readline";
+import { fileURLToPath } from "node:url";
+import { startFakeModel } from "./fake-model-server.mjs";
+
+const REFRESH = 2000; // brenvik-status refreshes every 2 s
+const HARD_CAP_S = 240;
+const sourceDir = path.resolve(path.dirname(fileURLToPath(import.meta.url)), "../..");
+
+// A tool command that waits, then burns one core, writing when the burn starts and ends.
+const burn = (tag) =>
+  `sleep 2; date +%s.%N > ${tag}.burn-start; timeout 5 sh -c 'while :; do :; done'; date +%s.%N > ${tag}.burn-end`;
+
+// One front-end each, in its own project directory. Steps run in order:
+//   type: text to type into the TUI (then Enter)   keys: tmux keys to send
+//   until: condition to wait for (see `conditions`)
+//   record: [moment, what Codex is doing] to record then (--record)
+//   hold: seconds to stay in this state; `window` names that span for the checks.
+// `expect` maps a window kind to the status Brenvik must show for the whole span.
+const scenarios = [
+  {
+    id: "exec", name: "codex exec", dir: "A", start: "exec",
+    prompt: `[think:3][shell:${burn("exec")}]`,
+    steps: [
+      { until: "thinking", record: ["exec-thinking", "codex exec waits on the model's open stream (3 s think), no tool yet"] },
+      { until: "burning:exec", record: ["exec-tool-burning", "codex exec runs its tool command, which burns a core"] },
+      { until: "exited" },
+    ],
+    expect: { burn: "running" },
+  },
+  {
+    id: "tui", name: "TUI", dir: "B", start: "tui",
+    steps: [
+      { record: ["tui-fresh", "TUI just started, its daemon up, no turn yet"] },
+      { type: "[say:Hello from the fake model]", until: "turn done" },
+      { type: `[shell:${burn("tui")}]`, until: "burning:tui", record: ["tui-tool-burning", "TUI turn: the daemon runs the tool command, which burns a core"] },
+      { until: "turn done" },
+      { type: "[escalate][shell:touch approved]", until: "approval shown", hold: 6, window: "approval",
+        record: ["tui-waiting-approval", "TUI asks the user to approve an escalated command"] },
+      { keys: ["y"], until: "file:approved" },
+      { until: "turn done" },
+      { hold: 20, window: "idle", record: ["tui-idle", "TUI idle after three turns"] },
+      { type: "/quit", until: "exited" },
+      { hold: 8, record: ["tui-after-quit-daemon-alive", "TUI quit; its shared daemon lives on"] },
+    ],
+    expect: { burn: "running", idle: "not running" },
+  },
+  {
+    id: "acpx", name: "acpx + codex-acp", dir: "C", start: "acpx",
+    prompt: `[shell:${burn("acpx")}]`,
+    steps: [
+      { until: "burning:acpx", record: ["acpx-tool-burning", "acpx drives codex-acp, whose tool command burns a core"] },
+      { until: "exited" },
+    ],
+    expect: { burn: "running" },
+  },
+];
+
+// Where each window's checked span starts and ends, relative to the window (ms):
+// a burn counts from one refresh after it began; an idle TUI gets 10 s to settle.
+const windowSlack = { burn: [REFRESH + 500, 0], idle: [10_000, 0], approval: [REFRESH + 500, 0], thinking: [REFRESH + 500, 0] };
+const statusMatches = { running: (s) => s === "running", "not running": (s) => s !== "running", waiting: (s) => s === "waiting" };
+
+// ---------------------------------------------------------------------------------------
+
+const opts = parseArgs(process.argv.slice(2));
+const t0 = Date.now();
+const events = []; // { t, who, text }
+const lines = []; // { t, report }: each line of brenvik-status and when it came
+const failures = [];
+const note = (who, text) => events.push({ t: Date.now(), who, text });
+const sleep = (ms) => new Promise((r) => setTimeout(r, ms));
+
+const prefix = installCodex();
+const bin = (name) => path.join(prefix, "node_modules/.bin", name);
+// codex-acp finds no bwrap of its own; the one Codex ships will do.
+const [arch, triple] = process.arch === "arm64" ? ["arm64", "aarch64"] : ["x64", "x86_64"];
+const bwrapDir = path.join(prefix, `node_modules/@openai/codex-linux-${arch}/vendor/${triple}-unknown-linux-musl/codex-resources`);
+if (spawnSync("tmux", ["-V"]).status !== 0) fatal("tmux not found: the real-Codex test needs it (tools/install-deps.sh installs it)");
+
+// Brenvik ignores every command line that names it, so neither path may.
+for (const p of [prefix, os.tmpdir()]) if (/brenvik/i.test(p)) fatal(`${p} names Brenvik, which then ignores the Codex run there`);
+const runId = `${process.pid}-${t0}`;
+const temp = fs.realpathSync(fs.mkdtempSync(path.join(os.tmpdir(), "codex-e2e-")));
+const home = path.join(temp, "home");
+const codexHome = path.join(temp, "codex-home");
+const frontEnds = new Map(); // id -> { scenario, dir, start, exit, child?, tmux?, turnsBefore }
+const children = new Set();
+let model, brenvik;
+
+const env = {
+  PATH: `${path.dirname(bin("codex"))}:${bwrapDir}:${process.env.PATH}`,
+  HOME: home,
+  CODEX_HOME: codexHome,
+  TMPDIR: path.join(temp, "tmp"),
+  TMUX_TMPDIR: path.join(temp, "tmp"),
+  MOCK_API_KEY: "offline",
+  TERM: "xterm-256color",
+  LANG: "C.UTF-8",
+  BRENVIK_E2E_RUN: runId,
+};
+
+// ---------------------------------------------------------------------------------------
+
+function parseArgs(argv) {
+  const o = { brenvikStatus: process.env.BRENVIK_STATUS };
+  const names = { "--brenvik-status": "brenvikStatus", "--codex-cache": "codexCache", "--record": "record" };
+  for (let i = 0; i < argv.length; i++) {
+    if (names[argv[i]]) o[names[argv[i]]] = argv[++i];
+    else if (argv[i] === "--timeline") o.timeline = true;
+    else if (argv[i] === "--keep") o.keep = true;
+    else fatal(`unknown argument ${argv[i]}`);
+  }
+  if (!o.brenvikStatus) fatal("give the brenvik-status to test with --brenvik-status PATH");
+  return o;
+}
+
+function fatal(message) {
+  console.error(`real-codex-e2e: ${message}`);
+  process.exit(1);
+}
+
+function installCodex() {
+  const r = spawnSync(path.join(sourceDir, "tools/install-codex.sh"), opts.codexCache ? [opts.codexCache] : [], {
+    encoding: "utf8", stdio: ["ignore", "pipe", "inherit"], timeout: 300_000,
+  });
+  if (r.status !== 0) fatal("could not install the pinned Codex CLI (see above)");
+  return r.stdout.trim();
+}
+
+async function setUp() {
+  for (const d of [home, env.TMPDIR, codexHome, ...scenarios.map((s) => path.join(home, s.dir))]) fs.mkdirSync(d, { recursive: true });
+  model = await startFakeModel({
+    log: (r) => note("model", r.followUp ? `#${r.n} tool output back: final answer`
+      : r.n ? `#${r.n} ${r.title ? "title request" : JSON.stringify(r.directives)}`
+      : `${r.method} ${r.path}${r.refused ? " (outside, refused)" : ""}${r.error ? `: ${r.error}` : ""}`),
+  });
+  // What Codex would fetch from outside goes to the fake model, which refuses it.
+  const proxy = `http://127.0.0.1:${model.port}`;
+  Object.assign(env, { HTTPS_PROXY: proxy, https_proxy: proxy, HTTP_PROXY: proxy, http_proxy: proxy, ALL_PROXY: proxy,
+    NO_PROXY: "127.0.0.1,localhost", no_proxy: "127.0.0.1,localhost" });
+  // Every outside service off: the update check, plugin sync, apps, analytics, tips.
+  const projects = scenarios.map((s) => `[projects.${JSON.stringify(path.join(home, s.dir))}]\ntrust_level = "trusted"\n`);
+  fs.writeFileSync(path.join(codexHome, "config.toml"), `model = "mock-model"
+model_provider = "mock"
+check_for_update_on_startup = false
+[model_providers.mock]
+name = "Mock"
+base_url = "http://127.0.0.1:${model.port}/v1"
+env_key = "MOCK_API_KEY"
+wire_api = "responses"
+request_max_retries = 0
+stream_max_retries = 0
+[features]
+plugins = false
+remote_plugin = false
+apps = false
+[analytics]
+enabled = false
+[tui]
+show_tooltips = false
+disable_paste_burst = true
+${projects.join("")}`);
+
+  brenvik = spawn(opts.brenvikStatus, ["--watch", "--json"], { env: { ...process.env, HOME: home }, stdio: ["ignore", "pipe", "pipe"] });
+  children.add(brenvik);
+  brenvik.stderrText = "";
+  brenvik.stderr.on("data", (d) => (brenvik.stderrText += d));
+  readline.createInterface({ input: brenvik.stdout }).on("line", (l) => {
+    const t = Date.now();
+    try {
+      lines.push({ t, report: JSON.parse(l) });
+      ownersNow();
+    } catch {
+      note("brenvik", `unreadable line: ${l.slice(0, 200)}`);
+    }
+  });
+  brenvik.on("exit", (code, sig) => {
+    children.delete(brenvik);
+    if (!cleaning) failures.push(`brenvik-status exited early (${code ?? sig}): ${brenvik.stderrText.trim()}`);
+  });
+  note("driver", `brenvik-status started; model on 127.0.0.1:${model.port}`);
+  await until("brenvik-status's first refresh", () => lines.length > 0, 30);
+  startScanner();
+}
+
+async function runScenario(s) {
+  const dir = path.join(home, s.dir);
+  const fe = { scenario: s, dir, start: Date.now(), windows: [], turnsBefore: 0 };
+  frontEnds.set(s.id, fe);
+  note(s.id, `start in ${dir}`);
+  if (s.start === "tui") await startTui(fe);
+  else startChild(fe);
+  for (const step of s.steps) {
+    if (step.type !== undefined) {
+      fe.turnsBefore = turnsDone(dir);
+      await typeInto(fe, step.type);
+    }
+    if (step.keys) {
+      note(s.id, `keys ${step.keys.join(" ")}`);
+      tmux(fe, "send-keys", "-t", "main", ...step.keys);
+    }
+    if (step.until) {
+      await until(`${s.name}: ${step.until}`, () => conditions(fe, step.until), 60);
+      note(s.id, step.until);
+    }
+    if (step.record) record(...step.record);
+    if (step.hold) {
+      const from = Date.now();
+      note(s.id, `hold ${step.hold} s${step.window ? ` (${step.window})` : ""}`);
+      await sleep(step.hold * 1000); // the scenario's own duration, not a synchronisation
+      if (step.window) fe.windows.push({ kind: step.window, start: from, end: Date.now() });
+    }
+  }
+  // The burn's own markers prove that the tool command really ran.
+  if (s.steps.some((st) => st.until === `burning:${s.id}`)) {
+    const read = (end) => Number(fs.readFileSync(path.join(dir, `${s.id}.burn-${end}`), "utf8")) * 1000;
+    try {
+      fe.windows.push({ kind: "burn", start: read("start"), end: read("end") });
+    } catch {
+      failures.push(`${s.name}: the tool command left no burn markers`);
+    }
+  }
+  if (fe.tmux) tmux(fe, "kill-server");
+  for (const r of model.requests) {
+    if (r.directives?.think && r.t >= fe.start && r.answeredAt) fe.windows.push({ kind: "thinking", start: r.t, end: r.answeredAt });
+  }
+}
+
+function startChild(fe) {
+  const { scenario: s, dir } = fe;
+  const args = s.start === "exec"
+    ? [bin("codex"), ["exec", "--skip-git-repo-check", "-s", "workspace-write", s.prompt]]
+    : [bin("acpx"), ["--agent", bin("codex-acp"), "--cwd", dir, "--approve-all", "--format", "quiet", "exec", s.prompt]];
+  const child = spawn(...args, { cwd: dir, env: { ...env, BRENVIK_E2E_FRONTEND: s.id }, stdio: ["ignore", "pipe", "pipe"] });
+  children.add(child);
+  fe.child = child;
+  let output = "";
+  child.stdout.on("data", (d) => (output += d));
+  child.stderr.on("data", (d) => (output += d));
+  child.on("exit", (code, sig) => {
+    children.delete(child);
+    fe.exit = Date.now();
+    note(s.id, `gone (exit ${code ?? sig})`);
+    if (code !== 0 && !cleaning) failures.push(`${s.name} exited with ${code ?? sig}:\n${output.trim().slice(-2000)}`);
+  });
+}
+
+async function startTui(fe) {
+  fe.tmux = `codex-e2e-${fe.scenario.id}`;
+  tmux(fe, "-f", "/dev/null", "new-session", "-d", "-s", "main", "-x", "220", "-y", "50", "-c", fe.dir, "bash", "--noprofile", "--norc");
+  await until("a shell prompt in tmux", () => /[$#] *$/m.test(pane(fe)), 10);
+  // The marker goes to the Codex process only: tmux and the shell belong to no front-end.
+  tmux(fe, "send-keys", "-t", "main", "-l", `BRENVIK_E2E_FRONTEND=${fe.scenario.id} codex -a on-request -s workspace-write`);
+  tmux(fe, "send-keys", "-t", "main", "Enter");
+  fe.start = Date.now();
+  await until("the TUI's daemon pid file", daemonStarted, 60);
+  await until("the TUI's prompt", () => pane(fe).includes("›"), 30);
+  note(fe.scenario.id, "TUI ready, daemon up");
+}
+
+function tmux(fe, ...args) {
+  const r = spawnSync("tmux", ["-L", fe.tmux, ...args], { env, encoding: "utf8", timeout: 10_000 });
+  if (r.status !== 0) throw new Error(`tmux ${args.join(" ")}: ${r.stderr}`);
+  return r.stdout;
+}
+
+const pane = (fe) => tmux(fe, "capture-pane", "-p", "-t", "main");
+
+async function typeInto(fe, text) {
+  tmux(fe, "send-keys", "-t", "main", "-l", text);
+  await until(`"${text}" typed`, () => pane(fe).includes(text.slice(-30)), 10);
+  tmux(fe, "send-keys", "-t", "main", "Enter");
+  note(fe.scenario.id, `typed ${text}`);
+}
+
+// Conditions a step waits for; each returns true once it holds.
+function conditions(fe, what) {
+  const [name, arg] = what.split(/:(.*)/);
+  switch (name) {
+    case "thinking":
+      return model.requests.some((r) => r.t >= fe.start && r.directives?.think && !r.answeredAt);
+    case "burning":
+      return fs.existsSync(path.join(fe.dir, `${arg}.burn-start`)) &&
+        scan().some((p) => p.cmdline.includes("while :; do :; done") && p.argv[0] === "sh");
+    case "turn done":
+      return turnsDone(fe.dir) > fe.turnsBefore;
+    case "approval shown":
+      return pane(fe).includes("Would you like to run");
+    case "file":
+      return fs.existsSync(path.join(fe.dir, arg));
+    case "exited":
+      return fe.exit !== undefined;
+    default:
+      throw new Error(`unknown condition ${what}`);
+  }
+}
+
+// Completed turns of the sessions in DIR, from their session logs.
+function turnsDone(dir) {
+  let n = 0;
+  const sessions = path.join(codexHome, "sessions");
+  if (!fs.existsSync(sessions)) return 0;
+  for (const f of fs.readdirSync(sessions, { recursive: true })) {
+    if (!f.endsWith(".jsonl")) continue;
+    const text = fs.readFileSync(path.join(sessions, f), "utf8");
+    if (!text.includes("\n")) continue; // its first line is still being written
+    if (JSON.parse(text.slice(0, text.indexOf("\n"))).payload?.cwd === dir) n += text.split('"type":"task_complete"').length - 1;
+  }
+  return n;
+}
+
+async function until(what, test, seconds) {
+  const end = Date.now() + seconds * 1000;
+  for (;;) {
+    if (await test()) return;
+    if (Date.now() > end) throw new Error(`gave up after ${seconds} s waiting for ${what}`);
+    await sleep(100);
+  }
+}
+
+// --- the processes of this run ---------------------------------------------------------
+
+const readOr = (f, fallback) => { try { return fs.readFileSync(f, "utf8"); } catch { return fallback; } };
+const linkOr = (f) => { try { return fs.readlinkSync(f); } catch { return ""; } };
+
+// Every process that carries this run's marker, or runs or works inside its folder.
+function scan() {
+  const out = [];
+  for (const name of fs.readdirSync("/proc")) {
+    if (!/^\d+$/.test(name) || Number(name) === process.pid) continue;
+    const p = describe(Number(name));
+    // A zombie shows neither environment nor command line: it is gone already.
+    if (p && p.state !== "Z" && (p.env.BRENVIK_E2E_RUN === runId || p.exe.startsWith(temp) || p.cwd.startsWith(temp))) out.push(p);
+  }
+  return out;
+}
+
+function describe(pid) {
+  const stat = readOr(`/proc/${pid}/stat`, null);
+  if (!stat) return null;
+  const fields = stat.slice(stat.lastIndexOf(")") + 2).split(" ");
+  const argv = readOr(`/proc/${pid}/cmdline`, "").replace(/\0$/, "").split("\0");
+  const env = {};
+  for (const kv of readOr(`/proc/${pid}/environ`, "").split("\0")) {
+    if (kv.startsWith("BRENVIK_E2E_")) env[kv.slice(0, kv.indexOf("="))] = kv.slice(kv.indexOf("=") + 1);
+  }
+  return { pid, ppid: Number(fields[1]), state: fields[0], exe: linkOr(`/proc/${pid}/exe`), cwd: linkOr(`/proc/${pid}/cwd`),
+    argv, cmdline: argv.join(" "), env };
+}
+
+const isDaemon = (p) => p.argv[1] === "app-server";
+// The pid file appears empty first; the daemon is up once it names a PID.
+function daemonStarted() {
+  try {
+    return JSON.parse(fs.readFileSync(path.join(codexHome, "app-server-daemon/daemon.pid"), "utf8")).pid > 0;
+  } catch {
+    return false;
+  }
+}
+
+// Who each PID of this run belongs to: a front-end's id, or "daemon". Kept for PIDs
+// that have exited, so a late refresh can still be attributed.
+const pidOwners = new Map();
+const daemons = new Set();
+function ownersNow() {
+  const procs = scan();
+  for (const p of procs) {
+    if (isDaemon(p)) daemons.add(p.pid);
+    // A shell's fork shows the shell's environment until it executes Codex.
+    const owner = isDaemon(p) ? "daemon" : p.env.BRENVIK_E2E_FRONTEND ?? "run";
+    if (owner !== "run" || !pidOwners.has(p.pid)) pidOwners.set(p.pid, owner);
+  }
+  return procs;
+}
+
+// Marks a TUI front-end exited once none of its processes (the daemon's aside) is left.
+function startScanner() {
+  const timer = setInterval(() => {
+    const procs = ownersNow();
+    const byPid = new Map(procs.map((p) => [p.pid, p]));
+    const underDaemon = (p) => { for (let q = p; q; q = byPid.get(q.ppid)) if (isDaemon(q)) return true; return false; };
+    for (const [id, fe] of frontEnds) {
+      if (fe.child || fe.exit !== undefined) continue;
+      const alive = procs.some((p) => p.env.BRENVIK_E2E_FRONTEND === id && !underDaemon(p));
+      if (alive) fe.seen = true;
+      else if (fe.seen) { fe.exit = Date.now(); note(id, "gone"); }
+    }
+  }, 250);
+  timer.unref();
+}
+
+// Which front-end of ours a Brenvik group is: by its project directory (and start time)
+// where brenvik-status reports them, else by the PIDs this run started.
+// Returns a front-end id, "daemon", "run" (ours but no front-end's) or null (not ours).
+function attribute(group) {
+  if (daemons.has(group.pid)) return "daemon";
+  if ("cwd" in group) {
+    const cwd = group.cwd?.replace(/^~(?=\/|$)/, home);
+    if (!cwd?.startsWith(temp + "/")) return null;
+    for (const [id, fe] of frontEnds) {
+      if (cwd === fe.dir && (!group.startedAt || Date.parse(group.startedAt) >= fe.start - 5000)) return id;
+    }
+    return "run";
+  }
+  return pidOwners.get(group.pid) ?? null;
+}
+
+// --- recording -------------------------------------------------------------------------
+
+function record(moment, what) {
+  note("driver", `moment ${moment}`);
+  if (!opts.record) return;
+  const procs = new Map(scan().map((p) => [p.pid, p]));
+  // Ancestors up to this driver, so every tree has its root.
+  for (const p of [...procs.values()]) {
+    for (let pid = p.ppid; pid > 1 && !procs.has(pid); ) {
+      const a = describe(pid);
+      if (!a) break;
+      procs.set(pid, a);
+      if (pid === process.pid) break;
+      pid = a.ppid;
+    }
+  }
+  const stable = (s) => s.replaceAll(temp, "/tmp/codex-e2e").replaceAll(prefix, "/opt/codex-npm").replaceAll(sourceDir, "/work/src");
+  const rows = [...procs.values()].sort((a, b) => a.pid - b.pid)
+    // This driver's own arguments name local paths and say nothing.
+    .map((p) => [p.pid, p.ppid, p.state, p.exe, p.cwd, p.pid === process.pid ? p.argv.slice(0, 2).join(" ") : p.cmdline].map((f) => stable(String(f).replace(/[\t\n]/g, " "))).join("\t"));
+  fs.mkdirSync(opts.record, { recursive: true });
+  fs.writeFileSync(path.join(opts.record, `${moment}.tsv`), `# ${what}\n${rows.join("\n")}\n`);
+}
+
+// --- checks ----------------------------------------------------------------------------
+
+function sessionStatus(groups) {
+  if (groups.length === 0) return "absent";
+  for (const s of ["running", "waiting"]) if (groups.some((g) => g.status === s)) return s;
+  return "idle";
+}
+
+// Judges the recorded refreshes; returns the problems and one summary per front-end.
+function check() {
+  const problems = [];
+  const judge = (name, selected, ok, why) => {
+    const bad = selected.filter((l) => !ok(l));
+    if (selected.length === 0) problems.push(`${name}: no refresh to judge`);
+    else if (bad.length) problems.push(`${name}: failed at ${bad.length} of ${selected.length} refreshes, first at ${rel(bad[0].t)}: ${why(bad[0])}`);
+  };
+  const ofKind = (l, kind) => l.report.groups.filter((g) => attribute(g) === kind);
+  judge("the shared daemon never appears as a session", lines, (l) => ofKind(l, "daemon").length === 0, (l) => describeGroups(ofKind(l, "daemon")));
+  judge("every group of this run belongs to a front-end", lines, (l) => ofKind(l, "run").length === 0, (l) => describeGroups(ofKind(l, "run")));
+
+  const summaries = [];
+  for (const [id, fe] of frontEnds) {
+    const name = fe.scenario.name;
+    const alive = lines.filter((l) => l.t >= fe.start + REFRESH && l.t <= (fe.exit ?? Infinity) - 500);
+    judge(`${name}: exactly one session while it runs`, alive, (l) => ofKind(l, id).length === 1,
+      (l) => `${ofKind(l, id).length} groups ${describeGroups(ofKind(l, id))}`);
+    if (fe.exit !== undefined) {
+      judge(`${name}: no session once it has exited`, lines.filter((l) => l.t >= fe.exit + 1500), (l) => ofKind(l, id).length === 0,
+        (l) => describeGroups(ofKind(l, id)));
+    }
+    let windows = 0;
+    for (const [kind, status] of Object.entries(fe.scenario.expect ?? {})) {
+      const [from, to] = windowSlack[kind];
+      for (const w of fe.windows.filter((w) => w.kind === kind)) {
+        windows++;
+        judge(`${name}: ${status} during ${kind} ${rel(w.start)}..${rel(w.end)}`,
+          lines.filter((l) => l.t >= w.start + from && l.t <= w.end - to),
+          (l) => statusMatches[status](sessionStatus(ofKind(l, id))),
+          (l) => `${sessionStatus(ofKind(l, id))} ${describeGroups(ofKind(l, id))}`);
+      }
+    }
+    summaries.push(`ok  ${name}: one session at each of ${alive.length} refreshes while it ran, ${windows} status windows held`);
+  }
+  return { problems, summaries };
+}
+
+const rel = (t) => `+${((t - t0) / 1000).toFixed(1)}s`;
+const describeGroups = (groups) =>
+  groups.map((g) => `[${attribute(g) ?? "other"} ${g.pid} ${g.status} ${"cwd" in g ? g.cwd : "-"} m${g.memberCount}]`).join(" ");
+
+function printTimeline() {
+  const rows = [
+    ...events.map((e) => ({ t: e.t, text: `${e.who.padEnd(7)} ${e.text}` })),
+    ...lines.map((l) => {
+      const ours = l.report.groups.filter((g) => attribute(g) !== null);
+      const others = l.report.groups.length - ours.length;
+      return { t: l.t, text: `brenvik ${describeGroups(ours) || "(none of ours)"}${others ? ` +${others} other` : ""}` };
+    }),
+  ].sort((a, b) => a.t - b.t);
+  console.log("timeline (time since start, who, what):");
+  for (const r of rows) console.log(`  ${rel(r.t).padStart(7)}  ${r.text}`);
+}
+
+// --- the end ---------------------------------------------------------------------------
+
+async function finish(code) {
+  if (cleaning) return cleaning;
+  cleaning = (async () => {
+    clearTimeout(watchdog);
+    await cleanUp();
+    const { problems, summaries } = check();
+    problems.unshift(...failures);
+    if (problems.length || opts.timeline) printTimeline();
+    if (problems.length) {
+      console.log(`real-codex-e2e FAILED after ${((Date.now() - t0) / 1000).toFixed(0)} s:`);
+      for (const p of problems) console.log(`  - ${p}`);
+    } else {
+      for (const s of summaries) console.log(s);
+    }
+    process.exit(code ?? (problems.length ? 1 : 0));
+  })();
+  return cleaning;
+}
+
+async function cleanUp() {
+  // The daemon's updater keeps its socket under /tmp whatever TMPDIR says; its link
+  // may go with the daemon, so read it first.
+  const sock = linkOr(path.join(codexHome, "app-server-daemon/daemon-updater.sock"));
+  for (const fe of frontEnds.values()) if (fe.tmux) spawnSync("tmux", ["-L", fe.tmux, "kill-server"], { env, timeout: 10_000 });
+  for (const c of children) if (c !== brenvik) c.kill("SIGTERM");
+  if (prefix && fs.existsSync(codexHome)) {
+    // It waits for a turn in progress; the sweep below ends what it leaves.
+    spawnSync(bin("codex"), ["app-server", "daemon", "stop"], { env, stdio: "ignore", timeout: 5_000 });
+  }
+  // Whatever is left (`daemon stop` leaves its pid-update-loop running): TERM, then KILL.
+  for (const sig of ["SIGTERM", "SIGKILL"]) {
+    const left = scan();
+    for (const p of left) { try { process.kill(p.pid, sig); } catch {} }
+    try { await until("the run's processes to end", () => scan().length === 0, 5); } catch {}
+  }
+  const survivors = scan();
+  if (survivors.length) failures.push(`processes left behind: ${survivors.map((p) => `${p.pid} ${p.cmdline}`).join("; ")}`);
+  if (brenvik && brenvik.exitCode === null) {
+    brenvik.kill("SIGTERM");
+    try { await until("brenvik-status to exit", () => brenvik.exitCode !== null || brenvik.signalCode !== null, 10); } catch { brenvik.kill("SIGKILL"); }
+  }
+  await model?.close();
+  if (/^\/tmp\/codex-daemon-\d+\/[0-9a-f]+$/.test(sock)) for (const f of [sock, `${sock}.lock`]) fs.rmSync(f, { force: true });
+  if (opts.keep) console.log(`kept ${temp}`);
+  else fs.rmSync(temp, { recursive: true, force: true });
+}
+
+// --- the run (last, so that every declaration above is initialised) ---------------------
+
+let cleaning;
+for (const sig of ["SIGINT", "SIGTERM", "SIGHUP"]) {
+  process.on(sig, () => {
+    failures.push(`interrupted by ${sig}`);
+    finish(130);
+  });
+}
+const watchdog = setTimeout(() => {
+  failures.push(`the whole run exceeded its cap of ${HARD_CAP_S} s`);
+  finish(1);
+}, HARD_CAP_S * 1000);
+
+try {
+  await setUp();
+  for (const s of scenarios) await runScenario(s);
+  // Two more refreshes, so that the last front-end's exit is seen.
+  const seen = lines.length;
+  await until("two more refreshes", () => lines.length >= seen + 2, 3 * REFRESH / 1000 + 5);
+} catch (err) {
+  failures.push(String(err.message ?? err));
+}
+await finish();
