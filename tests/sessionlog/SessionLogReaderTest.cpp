@@ -150,36 +150,47 @@ TEST(SessionLogReader, PhaseFollowsTheTurn) {
     }
 }
 
-// A log of the real Codex CLI 0.169.0: `codex exec`, resumed three times, the
-// third run killed while its command ran.
-TEST(SessionLogReader, RealLogAtEachStage) {
-    const QList<QByteArray> lines = readFixture("rollout-resumed-0.169.0.jsonl").split('\n');
+// Logs of the real Codex CLI 0.169.0, cut after each stage. "exec": `codex
+// exec`, resumed three times, the third run killed while its command ran.
+// "tui": the TUI asks to approve a command, then is interrupted (Esc) during
+// one, quits, and is resumed for one more turn.
+TEST(SessionLogReader, RealLogsAtEachStage) {
+    const QList<QByteArray> exec = readFixture("rollout-resumed-0.169.0.jsonl").split('\n');
+    const QList<QByteArray> tui = readFixture("rollout-tui-0.169.0.jsonl").split('\n');
     const struct {
         const char* name;
+        const QList<QByteArray>& lines;
         int lineCount;
         TurnPhase phase;
     } stages[] = {
-        {"turn started", 2, TurnPhase::running},
-        {"command requested", 10, TurnPhase::awaitingToolOutput},
-        {"command ended, output not yet written", 12, TurnPhase::awaitingToolOutput},
-        {"output written", 13, TurnPhase::running},
-        {"turn complete", 19, TurnPhase::idle},
-        {"resumed, settings applied", 20, TurnPhase::idle},
-        {"killed while its command ran", 41, TurnPhase::awaitingToolOutput},
-        {"resumed again: a new turn", 43, TurnPhase::running},
-        {"last turn complete", 56, TurnPhase::idle},
+        {"exec: turn started", exec, 2, TurnPhase::running},
+        {"exec: command requested", exec, 10, TurnPhase::awaitingToolOutput},
+        {"exec: command ended, output not yet written", exec, 12, TurnPhase::awaitingToolOutput},
+        {"exec: output written", exec, 13, TurnPhase::running},
+        {"exec: turn complete", exec, 19, TurnPhase::idle},
+        {"exec: resumed, settings applied", exec, 20, TurnPhase::idle},
+        {"exec: killed while its command ran", exec, 41, TurnPhase::awaitingToolOutput},
+        {"exec: resumed again, a new turn", exec, 43, TurnPhase::running},
+        {"exec: last turn complete", exec, 56, TurnPhase::idle},
+        {"tui: approval asked", tui, 11, TurnPhase::awaitingToolOutput},
+        {"tui: approved, turn complete", tui, 19, TurnPhase::idle},
+        {"tui: interrupted during a command", tui, 30, TurnPhase::idle},
+        {"tui: resumed", tui, 32, TurnPhase::idle},
+        {"tui: resumed turn running its command", tui, 38, TurnPhase::awaitingToolOutput},
+        {"tui: resumed turn complete", tui, 47, TurnPhase::idle},
     };
     for (const auto& stage : stages) {
         const LogFile log;
-        log.append(lines.first(stage.lineCount).join('\n') + '\n');
+        log.append(stage.lines.first(stage.lineCount).join('\n') + '\n');
         const SessionLogState state = SessionLogReader(log.path()).update();
         EXPECT_EQ(state.phase, stage.phase) << stage.name;
-        EXPECT_EQ(state.meta, (SessionMeta{u"01a20897-0d70-7a50-8b45-5e69ba7a1f34"_s,
-                                           u"/tmp/codexrun/proj"_s, u"codex_exec"_s, u"0.169.0"_s}))
+        ASSERT_TRUE(state.meta) << stage.name;
+        EXPECT_EQ(state.meta->originator, &stage.lines == &exec ? u"codex_exec" : u"codex-tui")
             << stage.name;
+        EXPECT_EQ(state.meta->cwd, u"/tmp/codexrun/proj") << stage.name;
     }
     const LogFile log;
-    log.append(lines.join('\n'));
+    log.append(tui.join('\n'));
     EXPECT_EQ(SessionLogReader(log.path()).update().lastAgentMessageLine,
               u"All done: the \"task_complete\" check passed.");
 }
@@ -187,17 +198,19 @@ TEST(SessionLogReader, RealLogAtEachStage) {
 // Appended in pieces of several sizes, lines split anywhere: after each update
 // the reader tells what a fresh reader of the same bytes tells.
 TEST(SessionLogReader, IncrementalReadsMatchAFreshRead) {
-    const QByteArray bytes = readFixture("rollout-resumed-0.169.0.jsonl");
-    for (const qsizetype step : {qsizetype(97), qsizetype(1000), qsizetype(7919)}) {
-        const LogFile log;
-        SessionLogReader reader(log.path());
-        for (qsizetype at = 0; at < bytes.size(); at += step) {
-            log.append(bytes.sliced(at, std::min(step, bytes.size() - at)));
-            const SessionLogState incremental = reader.update();
-            ASSERT_EQ(incremental, SessionLogReader(log.path()).update())
-                << "step " << step << ", at " << at;
+    for (const char* fixture : {"rollout-resumed-0.169.0.jsonl", "rollout-tui-0.169.0.jsonl"}) {
+        const QByteArray bytes = readFixture(fixture);
+        for (const qsizetype step : {qsizetype(97), qsizetype(1000), qsizetype(7919)}) {
+            const LogFile log;
+            SessionLogReader reader(log.path());
+            for (qsizetype at = 0; at < bytes.size(); at += step) {
+                log.append(bytes.sliced(at, std::min(step, bytes.size() - at)));
+                const SessionLogState incremental = reader.update();
+                ASSERT_EQ(incremental, SessionLogReader(log.path()).update())
+                    << fixture << ", step " << step << ", at " << at;
+            }
+            EXPECT_EQ(reader.update().phase, TurnPhase::idle) << fixture << ", step " << step;
         }
-        EXPECT_EQ(reader.update().phase, TurnPhase::idle) << "step " << step;
     }
 }
 
