@@ -8,6 +8,7 @@ namespace {
 
 // Parallel calls are few; a log that never answers its calls must not grow us.
 constexpr qsizetype kMaxPendingCalls = 64;
+constexpr qsizetype kMaxCallIdSize = 256; // Codex's are about 30 bytes
 constexpr qsizetype kMaxMessageLine = 120;
 
 std::optional<QDateTime> parseTimestamp(QByteArrayView raw) {
@@ -82,7 +83,7 @@ void SessionTurnTracker::apply(const LogLineEvent& event, bool firstLine) {
     case Kind::toolCall:
         // A call whose id was lost cannot be answered: better running than
         // waiting forever.
-        if (!m_turnOpen || event.callId.isEmpty())
+        if (!m_turnOpen || event.callId.isEmpty() || event.callId.size() > kMaxCallIdSize)
             return;
         if (m_pendingCalls.size() == kMaxPendingCalls)
             m_pendingCalls.removeFirst();
