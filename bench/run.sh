@@ -37,6 +37,24 @@ awk -F, '
 rm -f "$detect_csv"
 # ==== end detection ==========================================================
 
+# ==== sessionlog =============================================================
+# Following Codex's session logs: one refresh of 20 logs of 50 MB, each grown
+# by one line, and first reads. The logs live in a temporary folder.
+echo
+echo "== Session logs"
+sessionlog_csv=$(mktemp)
+"$build/bench/sessionlog_bench" --benchmark_out="$sessionlog_csv" --benchmark_out_format=csv >/dev/null
+awk -F, '
+  /^"BM_/ { gsub(/"/, "", $1); split($1, n, "/"); t[n[1]] = $3 }
+  END {
+    printf "refresh, 20 growing 50 MB logs:  %.1f us (goal < 500 us)\n", t["BM_RefreshGrowingLogs"]
+    printf "refresh, 20 quiet logs:          %.1f us\n", t["BM_RefreshQuietLogs"]
+    printf "first read of a 50 MB log:       %.1f us\n", t["BM_FirstRead"]
+    printf "first read, 16 MB look-back:     %.1f ms\n", t["BM_FirstReadWorstCase"]
+  }' "$sessionlog_csv"
+rm -f "$sessionlog_csv"
+# ==== end sessionlog =========================================================
+
 # ==== monitor ================================================================
 # The monitor's steady-state cost on the live machine: brenvik-status --watch
 # refreshing every 2 s for 60 s (output discarded).

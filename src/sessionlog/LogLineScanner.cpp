@@ -1,0 +1,422 @@
+#include "sessionlog/LogLineScanner.h"
+
+#include <QByteArray>
+#include <optional>
+
+namespace brenvik {
+
+namespace {
+
+using Kind = LogLineEvent::Kind;
+
+// Strictly the JSON grammar for the two levels the tracker reads (the line
+// and its payload); deeper values are only checked for balanced brackets and
+// well-formed strings, which is all that skipping them needs.
+class JsonWalker {
+public:
+    explicit JsonWalker(QByteArrayView text)
+        : m_at(text.data())
+        , m_end(text.data() + text.size()) {}
+
+    [[nodiscard]] bool atEnd() const { return m_at >= m_end; }
+    [[nodiscard]] char peek() const { return m_at < m_end ? *m_at : '\0'; }
+
+    void skipSpace() {
+        while (m_at < m_end && (*m_at == ' ' || *m_at == '\t' || *m_at == '\r' || *m_at == '\n'))
+            ++m_at;
+    }
+    bool take(char c) {
+        skipSpace();
+        if (m_at < m_end && *m_at == c) {
+            ++m_at;
+            return true;
+        }
+        return false;
+    }
+
+    bool string(QByteArrayView& contents) {
+        skipSpace();
+        if (m_at >= m_end || *m_at != '"')
+            return false;
+        const char* const begin = ++m_at;
+        while (m_at < m_end) {
+            const auto c = static_cast<unsigned char>(*m_at);
+            if (c == '"') {
+                contents = QByteArrayView(begin, m_at - begin);
+                ++m_at;
+                return true;
+            }
+            if (c == '\\')
+                m_at = m_end - m_at > 2 ? m_at + 2 : m_end;
+            else if (c < 0x20)
+                return false;
+            else
+                ++m_at;
+        }
+        return false;
+    }
+
+    bool skipValue() {
+        skipSpace();
+        if (m_at >= m_end)
+            return false;
+        switch (*m_at) {
+        case '"': {
+            QByteArrayView ignored;
+            return string(ignored);
+        }
+        case '{':
+        case '[':
+            return skipNested();
+        default: {
+            const char* const begin = m_at;
+            while (m_at < m_end && isLiteralChar(*m_at))
+                ++m_at;
+            return m_at > begin;
+        }
+        }
+    }
+
+private:
+    static bool isLiteralChar(char c) {
+        return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'z') || c == '-' || c == '+' ||
+               c == '.' || c == 'E';
+    }
+
+    bool skipNested() {
+        // Iterative with a fixed stack: deep nesting cannot exhaust ours.
+        constexpr int kMaxDepth = 128;
+        char closers[kMaxDepth];
+        int depth = 0;
+        while (m_at < m_end) {
+            const char c = *m_at;
+            if (c == '"') {
+                QByteArrayView ignored;
+                if (!string(ignored))
+                    return false;
+                continue;
+            }
+            if (c == '{' || c == '[') {
+                if (depth == kMaxDepth)
+                    return false;
+                closers[depth++] = c == '{' ? '}' : ']';
+            } else if (c == '}' || c == ']') {
+                if (depth == 0 || closers[depth - 1] != c)
+                    return false;
+                if (--depth == 0) {
+                    ++m_at;
+                    return true;
+                }
+            } else if (static_cast<unsigned char>(c) < 0x20 && c != '\t' && c != '\r' &&
+                       c != '\n') {
+                return false;
+            }
+            ++m_at;
+        }
+        return false;
+    }
+
+    const char* m_at;
+    const char* m_end;
+};
+
+bool hasEscape(QByteArrayView raw) {
+    return raw.contains('\\');
+}
+
+// Compares a raw JSON string with plain ASCII text; escapes are resolved only
+// if there are any, which Codex never writes in these values.
+bool rawEquals(QByteArrayView raw, QByteArrayView text) {
+    if (!hasEscape(raw))
+        return raw == text;
+    return jsonStringText(raw, text.size() + 1) == QLatin1StringView(text);
+}
+
+struct Fields {
+    std::optional<QByteArrayView> type;
+    std::optional<QByteArrayView> payloadType;
+    QByteArrayView timestamp;
+    QByteArrayView callId, message, lastAgentMessage;
+    bool hasMessage = false, hasLastAgentMessage = false;
+    QByteArrayView id, cwd, originator, cliVersion;
+};
+
+Kind eventKind(QByteArrayView type) {
+    if (rawEquals(type, "task_started"))
+        return Kind::turnStarted;
+    if (rawEquals(type, "task_complete") || rawEquals(type, "turn_aborted"))
+        return Kind::turnEnded;
+    if (rawEquals(type, "agent_message"))
+        return Kind::agentMessage;
+    return Kind::other;
+}
+
+Kind responseItemKind(QByteArrayView type) {
+    if (rawEquals(type, "function_call") || rawEquals(type, "custom_tool_call") ||
+        rawEquals(type, "local_shell_call"))
+        return Kind::toolCall;
+    if (rawEquals(type, "function_call_output") || rawEquals(type, "custom_tool_call_output"))
+        return Kind::toolOutput;
+    return Kind::other;
+}
+
+enum class LineType { sessionMeta, eventMsg, responseItem, other };
+
+LineType lineType(QByteArrayView type) {
+    if (rawEquals(type, "event_msg"))
+        return LineType::eventMsg;
+    if (rawEquals(type, "response_item"))
+        return LineType::responseItem;
+    if (rawEquals(type, "session_meta"))
+        return LineType::sessionMeta;
+    return LineType::other;
+}
+
+// The kind once both types are known; nullopt while that is still open.
+std::optional<Kind> kindOf(const Fields& fields) {
+    if (!fields.type)
+        return std::nullopt;
+    const LineType type = lineType(*fields.type);
+    if (type == LineType::other)
+        return Kind::other;
+    if (type == LineType::sessionMeta)
+        return Kind::sessionMeta;
+    if (!fields.payloadType)
+        return std::nullopt;
+    return type == LineType::eventMsg ? eventKind(*fields.payloadType)
+                                      : responseItemKind(*fields.payloadType);
+}
+
+LogLineEvent eventFrom(const Fields& fields, Kind kind) {
+    LogLineEvent event;
+    event.kind = kind;
+    event.timestamp = fields.timestamp;
+    switch (kind) {
+    case Kind::sessionMeta:
+        event.id = fields.id;
+        event.cwd = fields.cwd;
+        event.originator = fields.originator;
+        event.cliVersion = fields.cliVersion;
+        break;
+    case Kind::turnEnded:
+        event.message = fields.lastAgentMessage;
+        event.hasMessage = fields.hasLastAgentMessage;
+        break;
+    case Kind::agentMessage:
+        event.message = fields.message;
+        event.hasMessage = fields.hasMessage;
+        break;
+    case Kind::toolCall:
+    case Kind::toolOutput:
+        event.callId = fields.callId;
+        break;
+    default:
+        break;
+    }
+    return event;
+}
+
+enum class Walk { done, irrelevant, failed };
+
+// Reads the payload object's own keys; stops early once it is irrelevant.
+Walk walkPayload(JsonWalker& walker, Fields& fields) {
+    if (walker.take('}'))
+        return Walk::done;
+    for (;;) {
+        QByteArrayView key;
+        if (!walker.string(key) || !walker.take(':'))
+            return Walk::failed;
+        walker.skipSpace();
+        const auto stringField = [&](QByteArrayView& value, bool* present = nullptr) {
+            if (walker.peek() != '"')
+                return walker.skipValue();
+            if (!walker.string(value))
+                return false;
+            if (present)
+                *present = true;
+            return true;
+        };
+        bool ok = true;
+        if (key == "type") {
+            QByteArrayView type;
+            ok = stringField(type);
+            if (ok)
+                fields.payloadType = type;
+            if (ok && kindOf(fields) == Kind::other)
+                return Walk::irrelevant;
+        } else if (key == "call_id") {
+            ok = stringField(fields.callId);
+        } else if (key == "message") {
+            ok = stringField(fields.message, &fields.hasMessage);
+        } else if (key == "last_agent_message") {
+            ok = stringField(fields.lastAgentMessage, &fields.hasLastAgentMessage);
+        } else if (key == "id") {
+            ok = stringField(fields.id);
+        } else if (key == "cwd") {
+            ok = stringField(fields.cwd);
+        } else if (key == "originator") {
+            ok = stringField(fields.originator);
+        } else if (key == "cli_version") {
+            ok = stringField(fields.cliVersion);
+        } else {
+            ok = walker.skipValue();
+        }
+        if (!ok)
+            return Walk::failed;
+        if (walker.take(','))
+            continue;
+        return walker.take('}') ? Walk::done : Walk::failed;
+    }
+}
+
+Walk walkLine(JsonWalker& walker, Fields& fields) {
+    if (!walker.take('{'))
+        return Walk::failed;
+    if (walker.take('}'))
+        return Walk::done;
+    for (;;) {
+        QByteArrayView key;
+        if (!walker.string(key) || !walker.take(':'))
+            return Walk::failed;
+        walker.skipSpace();
+        bool ok = true;
+        if (key == "type") {
+            QByteArrayView type;
+            ok = walker.string(type);
+            if (ok)
+                fields.type = type;
+            if (ok && kindOf(fields) == Kind::other)
+                return Walk::irrelevant;
+        } else if (key == "timestamp") {
+            ok = walker.peek() == '"' ? walker.string(fields.timestamp) : walker.skipValue();
+        } else if (key == "payload" && walker.peek() == '{') {
+            walker.take('{');
+            const Walk payload = walkPayload(walker, fields);
+            if (payload != Walk::done)
+                return payload;
+        } else {
+            ok = walker.skipValue();
+        }
+        if (!ok)
+            return Walk::failed;
+        if (walker.take(','))
+            continue;
+        if (!walker.take('}'))
+            return Walk::failed;
+        walker.skipSpace();
+        return walker.atEnd() ? Walk::done : Walk::failed;
+    }
+}
+
+void appendUtf8(QByteArray& out, char32_t code) {
+    if (code < 0x80) {
+        out += char(code);
+    } else if (code < 0x800) {
+        out += char(0xc0 | (code >> 6));
+        out += char(0x80 | (code & 0x3f));
+    } else if (code < 0x10000) {
+        out += char(0xe0 | (code >> 12));
+        out += char(0x80 | ((code >> 6) & 0x3f));
+        out += char(0x80 | (code & 0x3f));
+    } else {
+        out += char(0xf0 | (code >> 18));
+        out += char(0x80 | ((code >> 12) & 0x3f));
+        out += char(0x80 | ((code >> 6) & 0x3f));
+        out += char(0x80 | (code & 0x3f));
+    }
+}
+
+// Four hex digits at `at`, or -1.
+int hexQuad(QByteArrayView raw, qsizetype at) {
+    if (raw.size() - at < 4)
+        return -1;
+    int value = 0;
+    for (qsizetype i = at; i < at + 4; ++i) {
+        const char c = raw[i];
+        const int digit = c >= '0' && c <= '9'   ? c - '0'
+                          : c >= 'a' && c <= 'f' ? c - 'a' + 10
+                          : c >= 'A' && c <= 'F' ? c - 'A' + 10
+                                                 : -1;
+        if (digit < 0)
+            return -1;
+        value = value * 16 + digit;
+    }
+    return value;
+}
+
+} // namespace
+
+LogLineEvent scanLogLine(QByteArrayView line, bool cut) {
+    JsonWalker walker(line);
+    Fields fields;
+    const Walk walk = walkLine(walker, fields);
+    if (walk == Walk::irrelevant)
+        return {};
+    // A failure at the end of a head is the cut, not bad JSON.
+    if (walk == Walk::failed && !(cut && walker.atEnd()))
+        return {};
+    const auto kind = kindOf(fields);
+    return kind ? eventFrom(fields, *kind) : LogLineEvent{};
+}
+
+QString jsonStringText(QByteArrayView raw, qsizetype limit) {
+    if (!hasEscape(raw))
+        return QString::fromUtf8(raw.first(std::min(raw.size(), limit)));
+    QByteArray out;
+    out.reserve(std::min(raw.size(), limit) + 4);
+    for (qsizetype i = 0; i < raw.size() && out.size() < limit; ++i) {
+        const char c = raw[i];
+        if (c != '\\' || i + 1 == raw.size()) {
+            out += c;
+            continue;
+        }
+        const char escaped = raw[++i];
+        switch (escaped) {
+        case 'n':
+            out += '\n';
+            break;
+        case 't':
+            out += '\t';
+            break;
+        case 'r':
+            out += '\r';
+            break;
+        case 'b':
+            out += '\b';
+            break;
+        case 'f':
+            out += '\f';
+            break;
+        case 'u': {
+            const int high = hexQuad(raw, i + 1);
+            if (high < 0) {
+                out += "\xef\xbf\xbd";
+                break;
+            }
+            i += 4;
+            char32_t code = char32_t(high);
+            if (high >= 0xd800 && high <= 0xdbff) {
+                const int low = i + 2 < raw.size() && raw[i + 1] == '\\' && raw[i + 2] == 'u'
+                                    ? hexQuad(raw, i + 3)
+                                    : -1;
+                if (low >= 0xdc00 && low <= 0xdfff) {
+                    code = 0x10000 + ((char32_t(high) - 0xd800) << 10) + (char32_t(low) - 0xdc00);
+                    i += 6;
+                } else {
+                    code = 0xfffd;
+                }
+            } else if (high >= 0xdc00 && high <= 0xdfff) {
+                code = 0xfffd;
+            }
+            appendUtf8(out, code);
+            break;
+        }
+        default: // '"', '\\', '/' and anything not JSON: the character itself
+            out += escaped;
+            break;
+        }
+    }
+    return QString::fromUtf8(out);
+}
+
+} // namespace brenvik

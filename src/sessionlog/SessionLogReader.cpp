@@ -1,0 +1,270 @@
+#include "sessionlog/SessionLogReader.h"
+
+#include "detection/FileDescriptor.h"
+
+#include <QFile>
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <utility>
+
+namespace brenvik {
+
+namespace {
+
+constexpr qint64 kReadChunk = 64 * 1024;
+constexpr qint64 kBackwardChunk = 256 * 1024;
+// The first line and the head of an over-long line: the types and ids sit at
+// the start of a line, long values (instructions, tool output) after them.
+constexpr qint64 kHeadLimit = 64 * 1024;
+// Longer lines are judged by their head and never buffered whole.
+constexpr qint64 kLineLimit = 1024 * 1024;
+// How far back the first look goes for the last turn event, and how much an
+// update reads forward before it rather looks from the end again.
+constexpr qint64 kLookBackLimit = 16 * 1024 * 1024;
+
+// Reads up to `size` bytes at `offset`; short only at the end of the file.
+qint64 readAt(int fd, char* buffer, qint64 size, qint64 offset) {
+    qint64 done = 0;
+    while (done < size) {
+        const ssize_t n = ::pread(fd, buffer + done, size_t(size - done), off_t(offset + done));
+        if (n > 0)
+            done += n;
+        else if (n == 0)
+            break;
+        else if (errno != EINTR)
+            return -1;
+    }
+    return done;
+}
+
+} // namespace
+
+struct SessionLogReader::Start {
+    qint64 offset = 0;         // a line start
+    bool turnsWritten = false; // the lines before it hold turn events
+    bool insideLine = false;   // `offset` is inside a line too long to look at
+};
+
+SessionLogReader::SessionLogReader(QString path)
+    : m_path(std::move(path))
+    , m_nativePath(QFile::encodeName(m_path)) {}
+
+void SessionLogReader::reset() {
+    m_attached = false;
+    m_offset = 0;
+    m_partialStart = 0;
+    m_partial = QByteArray();
+    m_partialIsHead = false;
+    m_tracker = SessionTurnTracker();
+}
+
+SessionLogState SessionLogReader::update() noexcept {
+    try {
+        // O_NONBLOCK: a FIFO at the path must not block the refresh.
+        const FileDescriptor fd(
+            ::open(m_nativePath.constData(), O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK));
+        struct stat status {};
+        if (!fd.isValid() || ::fstat(fd.get(), &status) != 0 || !S_ISREG(status.st_mode)) {
+            reset();
+            return {};
+        }
+        const qint64 size = status.st_size;
+        const bool sameFile = m_attached && m_device == quint64(status.st_dev) &&
+                              m_inode == quint64(status.st_ino) && size >= m_offset;
+        const bool appended = sameFile && size > m_offset;
+        if (!sameFile ||
+            (appended && (size - m_offset > kLookBackLimit || !continuesAtLineStart(fd.get())))) {
+            reset();
+            m_attached = true;
+            m_device = quint64(status.st_dev);
+            m_inode = quint64(status.st_ino);
+            readAfresh(fd.get(), size);
+        } else if (appended) {
+            readForward(fd.get(), size);
+        }
+        return m_tracker.state();
+    } catch (...) {
+        reset();
+        return {};
+    }
+}
+
+// A log rewritten in place to at least its old size no longer has a line
+// break where the last complete line ended.
+bool SessionLogReader::continuesAtLineStart(int fd) const {
+    if (m_offset == 0 || !m_partial.isEmpty() || m_partialIsHead)
+        return true;
+    char last = 0;
+    return readAt(fd, &last, 1, m_offset - 1) == 1 && last == '\n';
+}
+
+void SessionLogReader::readAfresh(int fd, qint64 size) {
+    const Start start = findStart(fd, size);
+    if (start.offset > 0)
+        readMeta(fd, size);
+    if (start.turnsWritten)
+        m_tracker.assumeTurnsWritten();
+    m_offset = start.offset;
+    m_partialStart = start.offset;
+    m_partialIsHead = start.insideLine;
+    readForward(fd, size);
+}
+
+void SessionLogReader::readMeta(int fd, qint64 size) {
+    QByteArray head(std::min(size, kHeadLimit), Qt::Uninitialized);
+    const qint64 n = readAt(fd, head.data(), head.size(), 0);
+    if (n <= 0)
+        return;
+    const QByteArrayView read(head.constData(), n);
+    const qsizetype end = read.indexOf('\n');
+    if (end >= 0)
+        takeLine(read.first(end), 0, false);
+    else if (n == kHeadLimit)
+        takeLine(read, 0, true);
+}
+
+// Looks backwards from the end for where reading forward gives the same state
+// as having read the whole log: the last line that opens a turn, or closes it
+// with the agent's message (else the message before it). A session_meta after
+// the first line marks copied history: reading starts at the last such marker
+// once a turn event before it shows that this log writes them.
+SessionLogReader::Start SessionLogReader::findStart(int fd, qint64 size) const {
+    using Kind = LogLineEvent::Kind;
+    QByteArray chunk(std::min(size, kBackwardChunk), Qt::Uninitialized);
+    QByteArray line;
+    qint64 position = size; // everything from here on has been looked at
+    qint64 lineEnd = -1;    // the line break ending the line being looked for
+    qint64 tailStart = -1;  // start of the unfinished last line
+    qint64 marker = -1;     // the last copied-history marker
+    qint64 closed = -1;     // the last turn close, if it had no message
+    qint64 message = -1;    // the last agent_message
+
+    // What the line [begin, end) is, from the chunk if it is there.
+    const auto scan = [&](qint64 begin, qint64 end, qint64 chunkStart,
+                          qint64 chunkSize) -> std::pair<Kind, bool> {
+        LogLineEvent event;
+        if (begin >= chunkStart && end <= chunkStart + chunkSize) {
+            event =
+                scanLogLine(QByteArrayView(chunk.constData() + (begin - chunkStart), end - begin));
+        } else {
+            const bool cut = end - begin > kLineLimit;
+            line.resize(cut ? kHeadLimit : end - begin);
+            if (readAt(fd, line.data(), line.size(), begin) != line.size())
+                return {Kind::other, false};
+            event = scanLogLine(line, cut);
+        }
+        return {event.kind, event.hasMessage};
+    };
+
+    while (position > 0 && size - position < kLookBackLimit) {
+        const qint64 chunkSize = std::min(qint64(chunk.size()), position);
+        const qint64 chunkStart = position - chunkSize;
+        if (readAt(fd, chunk.data(), chunkSize, chunkStart) != chunkSize)
+            break;
+        qint64 searchEnd = chunkSize;
+        while (const void* found = ::memrchr(chunk.constData(), '\n', size_t(searchEnd))) {
+            searchEnd = static_cast<const char*>(found) - chunk.constData();
+            const qint64 lineBreak = chunkStart + searchEnd;
+            const qint64 begin = lineBreak + 1;
+            const qint64 end = std::exchange(lineEnd, lineBreak);
+            if (end < 0) {
+                tailStart = begin;
+                continue;
+            }
+            const auto [kind, hasMessage] = scan(begin, end, chunkStart, chunkSize);
+            const bool turnEvent = kind == Kind::turnStarted || kind == Kind::turnEnded;
+            if (turnEvent && marker >= 0)
+                return {marker, true, false};
+            if (kind == Kind::turnStarted || (kind == Kind::turnEnded && hasMessage))
+                return {begin, false, false};
+            if (closed >= 0 && (turnEvent || kind == Kind::sessionMeta))
+                return {closed, false, false}; // that turn had no message
+            if (closed >= 0 && kind == Kind::agentMessage)
+                return {begin, false, false};
+            if (kind == Kind::turnEnded)
+                closed = begin;
+            else if (kind == Kind::agentMessage && message < 0)
+                message = begin;
+            else if (kind == Kind::sessionMeta && marker < 0)
+                marker = begin;
+        }
+        position = chunkStart;
+    }
+    if (closed >= 0)
+        return {closed, false, false};
+    if (message >= 0)
+        return {message, false, false}; // an old log: no turn events
+    if (tailStart >= 0)
+        return {tailStart, false, false};
+    if (position == 0)
+        return {0, false, false}; // a single unfinished line
+    return {size, false, true};   // its end is in a line too long to look at
+}
+
+bool SessionLogReader::readForward(int fd, qint64 end) {
+    char skipped[4096];
+    while (m_offset < end) {
+        const qint64 want = std::min(kReadChunk, end - m_offset);
+        if (m_partialIsHead) {
+            // Skip the rest of an over-long line without keeping it.
+            const qint64 n = readAt(fd, skipped, std::min(want, qint64(sizeof skipped)), m_offset);
+            if (n <= 0)
+                return false;
+            const void* found = std::memchr(skipped, '\n', size_t(n));
+            if (!found) {
+                m_offset += n;
+                continue;
+            }
+            m_offset += static_cast<const char*>(found) - skipped + 1;
+            takeLine(m_partial, m_partialStart, true);
+            m_partial.truncate(0);
+            m_partialIsHead = false;
+            m_partialStart = m_offset;
+            continue;
+        }
+        const qsizetype old = m_partial.size();
+        m_partial.resize(old + want);
+        const qint64 n = readAt(fd, m_partial.data() + old, want, m_offset);
+        if (n <= 0) {
+            m_partial.truncate(old);
+            return false;
+        }
+        m_partial.truncate(old + n);
+        m_offset += n;
+
+        qsizetype lineStart = 0;
+        qsizetype searchFrom = old;
+        while (const void* found = std::memchr(m_partial.constData() + searchFrom, '\n',
+                                               size_t(m_partial.size() - searchFrom))) {
+            const qsizetype lineBreak = static_cast<const char*>(found) - m_partial.constData();
+            takeLine(QByteArrayView(m_partial.constData() + lineStart, lineBreak - lineStart),
+                     m_partialStart + lineStart, false);
+            lineStart = searchFrom = lineBreak + 1;
+        }
+        if (lineStart > 0) {
+            m_partial.remove(0, lineStart);
+            m_partialStart += lineStart;
+        }
+        if (m_partial.size() > kLineLimit) {
+            m_partial.truncate(kHeadLimit);
+            m_partial.squeeze();
+            m_partialIsHead = true;
+        }
+        if (n < want)
+            return false; // the file ended early: shrunk meanwhile
+    }
+    if (m_partial.isEmpty() && m_partial.capacity() > kReadChunk)
+        m_partial = QByteArray();
+    return true;
+}
+
+void SessionLogReader::takeLine(QByteArrayView line, qint64 start, bool cut) {
+    if (!line.isEmpty())
+        m_tracker.apply(scanLogLine(line, cut), start == 0);
+}
+
+} // namespace brenvik

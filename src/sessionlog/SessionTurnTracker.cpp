@@ -1,0 +1,106 @@
+#include "sessionlog/SessionTurnTracker.h"
+
+#include <QStringTokenizer>
+
+namespace brenvik {
+
+namespace {
+
+// Parallel calls are few; a log that never answers its calls must not grow us.
+constexpr qsizetype kMaxPendingCalls = 64;
+constexpr qsizetype kMaxCallIdSize = 256; // Codex's are about 30 bytes
+constexpr qsizetype kMaxMessageLine = 120;
+
+std::optional<QDateTime> parseTimestamp(QByteArrayView raw) {
+    if (raw.isEmpty() || raw.size() > 64)
+        return std::nullopt;
+    const QDateTime time = QDateTime::fromString(jsonStringText(raw), Qt::ISODateWithMs);
+    if (!time.isValid())
+        return std::nullopt;
+    return time.toUTC();
+}
+
+} // namespace
+
+QString firstMessageLine(const QString& message) {
+    for (const QStringView line : QStringTokenizer(message, u'\n')) {
+        const QStringView text = line.trimmed();
+        if (text.isEmpty())
+            continue;
+        if (text.size() <= kMaxMessageLine)
+            return text.toString();
+        qsizetype cut = kMaxMessageLine - 1;
+        if (text[cut - 1].isHighSurrogate())
+            --cut;
+        return text.first(cut).toString() + u'…';
+    }
+    return {};
+}
+
+void SessionTurnTracker::setPhase(TurnPhase phase, QByteArrayView timestamp) {
+    m_state.phase = phase;
+    m_state.phaseSince = parseTimestamp(timestamp);
+}
+
+void SessionTurnTracker::apply(const LogLineEvent& event, bool firstLine) {
+    using Kind = LogLineEvent::Kind;
+    switch (event.kind) {
+    case Kind::sessionMeta:
+        if (firstLine) {
+            m_state.meta = SessionMeta{.id = jsonStringText(event.id),
+                                       .cwd = jsonStringText(event.cwd),
+                                       .originator = jsonStringText(event.originator),
+                                       .cliVersion = jsonStringText(event.cliVersion)};
+            return;
+        }
+        // History copied from another run follows; a turn it left open is
+        // not this run's.
+        m_turnOpen = false;
+        m_pendingCalls.clear();
+        m_state.lastAgentMessageLine.reset();
+        if (m_turnsWritten)
+            setPhase(TurnPhase::idle, event.timestamp);
+        return;
+    case Kind::turnStarted:
+        m_turnsWritten = true;
+        m_turnOpen = true;
+        m_pendingCalls.clear();
+        m_state.lastAgentMessageLine.reset();
+        setPhase(TurnPhase::running, event.timestamp);
+        return;
+    case Kind::turnEnded:
+        m_turnsWritten = true;
+        m_turnOpen = false;
+        m_pendingCalls.clear();
+        if (event.hasMessage)
+            m_state.lastAgentMessageLine = firstMessageLine(jsonStringText(event.message));
+        setPhase(TurnPhase::idle, event.timestamp);
+        return;
+    case Kind::agentMessage:
+        if (event.hasMessage)
+            m_state.lastAgentMessageLine = firstMessageLine(jsonStringText(event.message));
+        return;
+    case Kind::toolCall:
+        // A call whose id was lost cannot be answered: better running than
+        // waiting forever.
+        if (!m_turnOpen || event.callId.isEmpty() || event.callId.size() > kMaxCallIdSize)
+            return;
+        if (m_pendingCalls.size() == kMaxPendingCalls)
+            m_pendingCalls.removeFirst();
+        m_pendingCalls.append(event.callId.toByteArray());
+        if (m_state.phase != TurnPhase::awaitingToolOutput)
+            setPhase(TurnPhase::awaitingToolOutput, event.timestamp);
+        return;
+    case Kind::toolOutput:
+        if (!m_turnOpen)
+            return;
+        m_pendingCalls.removeOne(event.callId.toByteArray());
+        if (m_pendingCalls.isEmpty() && m_state.phase == TurnPhase::awaitingToolOutput)
+            setPhase(TurnPhase::running, event.timestamp);
+        return;
+    case Kind::other:
+        return;
+    }
+}
+
+} // namespace brenvik
