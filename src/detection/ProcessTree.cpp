@@ -85,22 +85,31 @@ public:
         }
         for (Session& session : sessions)
             addTree(session, indexOf(session.group.root.pid), sessions);
-        for (const qsizetype service : std::as_const(serviceTops))
+        QList<qint64> servicePIDs;
+        for (const qsizetype service : std::as_const(serviceTops)) {
             attributeServiceWork(service, sessions);
+            if (isCodexExecutable(m_rows[service].executable))
+                servicePIDs.append(m_rows[service].pid);
+        }
 
         QList<DetectedProcessSample> samples;
         samples.reserve(sessions.size());
         for (const Session& session : std::as_const(sessions)) {
             const ActivityAggregate& group = session.group;
-            samples.append(DetectedProcessSample{.pid = group.root.pid,
-                                                 .command = group.root.command,
-                                                 .totalCPUPercent = group.totalCPUPercent,
-                                                 .cumulativeCPUTime = group.cumulativeCPUTime,
-                                                 .hasHotState = group.hasHotState,
-                                                 .memberCount = group.memberPIDs.size(),
-                                                 .processCount = group.processCount,
-                                                 .cwd = session.cwd,
-                                                 .startedAt = session.startedAt});
+            samples.append(DetectedProcessSample{
+                .pid = group.root.pid,
+                .command = group.root.command,
+                .totalCPUPercent = group.totalCPUPercent,
+                .cumulativeCPUTime = group.cumulativeCPUTime,
+                .hasHotState = group.hasHotState,
+                .memberCount = group.memberPIDs.size(),
+                .processCount = group.processCount,
+                .cwd = session.cwd,
+                .startedAt = session.startedAt,
+                .interactive = session.interactive,
+                .runningCommands = session.runningCommands,
+                .logHolderPIDs =
+                    session.interactive ? session.logHolders + servicePIDs : session.logHolders});
         }
         std::sort(samples.begin(), samples.end(),
                   [](const auto& a, const auto& b) { return a.pid < b.pid; });
@@ -111,6 +120,8 @@ private:
     struct Session {
         ActivityAggregate group;
         bool interactive = false; // served by the shared service
+        qint64 runningCommands = 0;
+        QList<qint64> logHolders;
         QString cwd;
         std::optional<QDateTime> startedAt;
     };
@@ -221,6 +232,20 @@ private:
             session->startedAt = process.startedAt;
     }
 
+    // A tool command: a sandbox helper, or a shell a Codex process started.
+    bool isCommand(qsizetype index, CodexRole role) const {
+        if (role == CodexRole::helper)
+            return m_rows[index].command.contains(QStringLiteral("sandbox"));
+        if (role != CodexRole::none)
+            return false;
+        const qsizetype parent = indexOf(m_rows[index].ppid);
+        if (parent < 0 || roleAt(parent) == CodexRole::none)
+            return false;
+        const QString& command = m_rows[index].command;
+        return command.contains(QStringLiteral("sh -c ")) ||
+               command.contains(QStringLiteral("sh -lc "));
+    }
+
     // Adds the tree below (and with) the given process: every process not
     // already counted, down through any process group or session, except the
     // shared service and other sessions' roots.
@@ -238,8 +263,13 @@ private:
             group.cumulativeCPUTime += row.cpuTime;
             if (!group.hasHotState)
                 group.hasHotState = isHotState(row.state);
-            if (roleAt(index) != CodexRole::none)
+            const CodexRole role = roleAt(index);
+            if (role != CodexRole::none)
                 group.memberPIDs.insert(row.pid);
+            if (isFrontEnd(role) && isCodexExecutable(row.executable))
+                session.logHolders.append(row.pid);
+            if (isCommand(index, role))
+                ++session.runningCommands;
             if (depth >= kMaxDepth)
                 continue;
             forEachChild(index, [&](qsizetype child) {

@@ -33,6 +33,13 @@ struct DetectedProcessSample {
     qint64 processCount = 0; // the whole tree, at least memberCount
     QString cwd;             // the project directory; empty when unknown
     std::optional<QDateTime> startedAt;
+    bool interactive = false; // a TUI, served by the shared service
+    // Tool commands running for it now: sandboxes and shells its Codex
+    // processes started.
+    qint64 runningCommands = 0;
+    // Where its session log may be open: its own Codex executables and, for a
+    // TUI, the shared services (known only where the source reads exe).
+    QList<qint64> logHolderPIDs;
 
     friend bool operator==(const DetectedProcessSample&, const DetectedProcessSample&) = default;
 };

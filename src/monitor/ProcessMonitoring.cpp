@@ -1,6 +1,7 @@
 #include "monitor/ProcessMonitoring.h"
 
 #include "monitor/Published.h"
+#include "sessionlog/SessionLogLocator.h"
 
 #include <QtConcurrentRun>
 #include <algorithm>
@@ -34,9 +35,29 @@ void lowerOwnThreadPriority() noexcept {
            (count == 1 ? QStringView() : QStringView(u"es")) + u' ' + state;
 }
 
+// "3 total · 1 running · 2 idle"; with waiting sessions, only the states
+// that hold any: "2 total · 1 running · 1 waiting".
 [[nodiscard]] QString totalRunningIdle(const CodexRunState::Observed& observed) {
-    return QString::number(observed.total) + u" total \u00B7 " + QString::number(observed.running) +
-           u" running \u00B7 " + QString::number(observed.idle) + u" idle";
+    QString text = QString::number(observed.total) + u" total";
+    const std::pair<qint64, QStringView> parts[] = {
+        {observed.running, u"running"}, {observed.waiting, u"waiting"}, {observed.idle, u"idle"}};
+    for (const auto& [count, name] : parts) {
+        if (count > 0 || (observed.waiting == 0 && name != u"waiting"))
+            text += u" \u00B7 " + QString::number(count) + u' ' + name;
+    }
+    return text;
+}
+
+// The one state all sessions are in, if they are all in one.
+[[nodiscard]] std::optional<std::pair<qint64, QStringView>>
+soleState(const CodexRunState::Observed& observed) {
+    const std::pair<qint64, QStringView> parts[] = {
+        {observed.running, u"running"}, {observed.waiting, u"waiting"}, {observed.idle, u"idle"}};
+    for (const auto& part : parts) {
+        if (part.first == observed.total)
+            return part;
+    }
+    return std::nullopt;
 }
 
 } // namespace
@@ -45,6 +66,8 @@ QString rawValue(ProcessActivityStatus status) {
     switch (status) {
     case ProcessActivityStatus::running:
         return QStringLiteral("running");
+    case ProcessActivityStatus::waiting:
+        return QStringLiteral("waiting");
     case ProcessActivityStatus::idle:
         break;
     }
@@ -52,11 +75,16 @@ QString rawValue(ProcessActivityStatus status) {
 }
 
 std::optional<ProcessActivityStatus> processActivityStatus(QStringView rawValue) {
-    if (rawValue == u"running")
-        return ProcessActivityStatus::running;
-    if (rawValue == u"idle")
-        return ProcessActivityStatus::idle;
+    for (const auto status : {ProcessActivityStatus::running, ProcessActivityStatus::waiting,
+                              ProcessActivityStatus::idle}) {
+        if (rawValue == brenvik::rawValue(status))
+            return status;
+    }
     return std::nullopt;
+}
+
+QString rawValue(StatusSource source) {
+    return source == StatusSource::log ? QStringLiteral("log") : QStringLiteral("cpu");
 }
 
 size_t qHash(ProcessActivityStatus status, size_t seed) noexcept {
@@ -70,8 +98,9 @@ size_t qHash(const ProcessMatch& match, size_t seed) noexcept {
                       match.cwd, match.startedAt ? match.startedAt->toMSecsSinceEpoch() : -1);
 }
 
-CodexRunState CodexRunState::observed(qint64 total, qint64 running, qint64 idle) {
-    return CodexRunState(Observed{total, running, idle});
+CodexRunState CodexRunState::observed(qint64 total, qint64 running, qint64 idle, qint64 waiting,
+                                      QStringList waitingProjects) {
+    return CodexRunState(Observed{total, running, idle, waiting, std::move(waitingProjects)});
 }
 
 CodexRunState CodexRunState::error(QString message) {
@@ -85,11 +114,15 @@ CodexRunState CodexRunState::idle() {
 QString detailText(const CodexRunState& state) {
     return state.visit(
         [](const CodexRunState::Observed& observed) -> QString {
-            if (observed.running == 0)
-                return countedProcesses(observed.idle, u"idle");
-            if (observed.idle == 0)
-                return countedProcesses(observed.running, u"running");
-            return totalRunningIdle(observed);
+            const auto sole = soleState(observed);
+            if (sole && !observed.waitingProjects.isEmpty())
+                return countedProcesses(sole->first, sole->second) + u" in " +
+                       observed.waitingProjects.join(u", ");
+            QString text =
+                sole ? countedProcesses(sole->first, sole->second) : totalRunningIdle(observed);
+            if (!observed.waitingProjects.isEmpty())
+                text += u" \u2014 waiting in " + observed.waitingProjects.join(u", ");
+            return text;
         },
         [](const CodexRunState::Error& error) -> QString {
             return QStringLiteral("Codex process detection failed: ") + error.message;
@@ -99,13 +132,34 @@ QString detailText(const CodexRunState& state) {
         });
 }
 
+QString abbreviatedDirectory(const QString& directory, const QString& home) {
+    if (home.isEmpty() || home == u"/")
+        return directory;
+    if (directory == home)
+        return QStringLiteral("~");
+    if (directory.startsWith(home) && directory.at(home.size()) == u'/')
+        return u'~' + directory.mid(home.size());
+    return directory;
+}
+
+QString projectName(const ProcessMatch& match, const QString& home) {
+    if (match.cwd.isEmpty())
+        return QStringLiteral("PID ") + QString::number(match.pid);
+    const QString shown = abbreviatedDirectory(match.cwd, home);
+    if (shown == u"~" || shown == u"/")
+        return shown;
+    return shown.section(u'/', -1, -1, QString::SectionSkipEmpty);
+}
+
 CodexProcessMonitor::CodexProcessMonitor(QObject* parent)
     : CodexProcessMonitor([] { return scanCodexProcesses(); }, &QDateTime::currentDateTimeUtc,
-                          parent) {}
+                          parent, &readSessionLogs) {}
 
-CodexProcessMonitor::CodexProcessMonitor(ScanFunction scan, WallClock clock, QObject* parent)
+CodexProcessMonitor::CodexProcessMonitor(ScanFunction scan, WallClock clock, QObject* parent,
+                                         LogFunction logs)
     : QObject(parent)
     , m_scan(std::move(scan))
+    , m_logs(std::move(logs))
     , m_clock(std::move(clock)) {
     m_loop.setInterval(refreshInterval);
     connect(&m_loop, &QTimer::timeout, this, &CodexProcessMonitor::onLoopWakeUp);
@@ -137,8 +191,8 @@ void CodexProcessMonitor::refresh() {
     // its slot cannot start a second scan.
     m_refreshInFlight = true;
     publish(this, m_isRefreshing, true, &CodexProcessMonitor::isRefreshingChanged);
-    m_scanWatcher.setFuture(
-        QtConcurrent::run(&m_scanPool, [scan = m_scan] { return runScan(scan); }));
+    m_scanWatcher.setFuture(QtConcurrent::run(
+        &m_scanPool, [scan = m_scan, logs = m_logs] { return runScan(scan, logs); }));
 }
 
 void CodexProcessMonitor::onLoopWakeUp() {
@@ -150,17 +204,26 @@ void CodexProcessMonitor::cancelRefreshForTesting() {
         m_scanWatcher.cancel();
 }
 
-CodexProcessMonitor::ScanOutcome CodexProcessMonitor::runScan(const ScanFunction& scan) noexcept {
+CodexProcessMonitor::ScanOutcome CodexProcessMonitor::runScan(const ScanFunction& scan,
+                                                              const LogFunction& logs) noexcept {
     lowerOwnThreadPriority();
     // Nothing may escape the worker: every failure becomes a text.
     try {
-        return {scan(), std::nullopt};
+        ScanOutcome outcome{scan(), {}, std::nullopt};
+        // A log that cannot be read leaves its session to the CPU rule.
+        try {
+            if (logs)
+                outcome.logs = logs(outcome.samples);
+        } catch (...) {
+            outcome.logs.clear();
+        }
+        return outcome;
     } catch (const ProcessSnapshotError& error) {
-        return {{}, error.message()};
+        return {{}, {}, error.message()};
     } catch (const std::exception& error) {
-        return {{}, QString::fromLocal8Bit(error.what())};
+        return {{}, {}, QString::fromLocal8Bit(error.what())};
     } catch (...) {
-        return {{}, QStringLiteral("Unknown error while reading the process table")};
+        return {{}, {}, QStringLiteral("Unknown error while reading the process table")};
     }
 }
 
@@ -174,7 +237,7 @@ void CodexProcessMonitor::onScanFinished() {
             m_historyByPID.clear();
             publish(this, m_lastError, outcome.error, &CodexProcessMonitor::lastErrorChanged);
         } else {
-            Classification classification = classify(outcome.samples, m_clock());
+            Classification classification = classify(outcome.samples, m_clock(), outcome.logs);
             publish(this, m_matches, std::move(classification.matches),
                     &CodexProcessMonitor::matchesChanged);
             m_historyByPID = std::move(classification.history);
@@ -192,13 +255,39 @@ void CodexProcessMonitor::finishRefresh() {
             &CodexProcessMonitor::lastUpdatedChanged);
 }
 
+namespace {
+
+// The status a session log decides, or nothing where it does not.
+std::optional<ProcessActivityStatus> statusFromLog(const CodexProcessMonitor::LogState& log,
+                                                   const DetectedProcessSample& sample) {
+    if (!log)
+        return std::nullopt;
+    switch (log->phase) {
+    case TurnPhase::running:
+        return ProcessActivityStatus::running;
+    case TurnPhase::awaitingToolOutput:
+        // A tool call without output is a command at work, or an approval
+        // question when no command runs.
+        return sample.runningCommands > 0 ? ProcessActivityStatus::running
+                                          : ProcessActivityStatus::waiting;
+    case TurnPhase::idle:
+        return ProcessActivityStatus::idle;
+    case TurnPhase::unknown:
+        break;
+    }
+    return std::nullopt;
+}
+
+} // namespace
+
 CodexProcessMonitor::Classification
-CodexProcessMonitor::classify(const QList<DetectedProcessSample>& samples,
-                              const QDateTime& now) const {
+CodexProcessMonitor::classify(const QList<DetectedProcessSample>& samples, const QDateTime& now,
+                              const QList<LogState>& logs) const {
     Classification result;
     result.matches.reserve(samples.size());
     result.history.reserve(samples.size());
-    for (const DetectedProcessSample& sample : samples) {
+    for (qsizetype i = 0; i < samples.size(); ++i) {
+        const DetectedProcessSample& sample = samples[i];
         const auto previous = m_historyByPID.constFind(sample.pid);
         const bool seenBefore = previous != m_historyByPID.constEnd();
 
@@ -221,23 +310,47 @@ CodexProcessMonitor::classify(const QList<DetectedProcessSample>& samples,
         else if (seenBefore)
             lastBusyAt = previous->lastBusyAt;
 
-        // A lastBusyAt ahead of now (the clock was set back) is within grace.
-        const bool withinGrace =
-            lastBusyAt && static_cast<double>(lastBusyAt->msecsTo(now)) / 1000.0 <= busyGracePeriod;
-        const ProcessActivityStatus status =
-            busyNow || withinGrace ? ProcessActivityStatus::running : ProcessActivityStatus::idle;
+        const LogState& log = i < logs.size() ? logs[i] : LogState();
+        const std::optional<ProcessActivityStatus> logged = statusFromLog(log, sample);
+        ProcessActivityStatus status;
+        if (logged) {
+            status = *logged;
+        } else {
+            // A lastBusyAt ahead of now (the clock was set back) is within grace.
+            const bool withinGrace =
+                lastBusyAt &&
+                static_cast<double>(lastBusyAt->msecsTo(now)) / 1000.0 <= busyGracePeriod;
+            status = busyNow || withinGrace ? ProcessActivityStatus::running
+                                            : ProcessActivityStatus::idle;
+        }
+        // Since when: kept while the status holds; a log tells when its turn
+        // changed, which may be before this program saw the session.
+        std::optional<QDateTime> since;
+        if (seenBefore && previous->status == status)
+            since = previous->since;
+        else if (logged && log->phaseSince && (!seenBefore || *log->phaseSince <= now))
+            since = seenBefore ? std::max(*log->phaseSince, previous->seenAt) : *log->phaseSince;
+        else
+            since = now;
 
-        result.matches.append(ProcessMatch{.pid = sample.pid,
-                                           .command = sample.command,
-                                           .status = status,
-                                           .instantaneousCPUPercent = sample.totalCPUPercent,
-                                           .cumulativeCPUTime = sample.cumulativeCPUTime,
-                                           .memberCount = sample.memberCount,
-                                           .processCount = sample.processCount,
-                                           .cwd = sample.cwd,
-                                           .startedAt = sample.startedAt});
+        result.matches.append(
+            ProcessMatch{.pid = sample.pid,
+                         .command = sample.command,
+                         .status = status,
+                         .instantaneousCPUPercent = sample.totalCPUPercent,
+                         .cumulativeCPUTime = sample.cumulativeCPUTime,
+                         .memberCount = sample.memberCount,
+                         .processCount = sample.processCount,
+                         .cwd = sample.cwd,
+                         .startedAt = sample.startedAt,
+                         .since = since,
+                         .source = logged ? StatusSource::log : StatusSource::cpu});
         result.history.insert(sample.pid,
-                              ActivityHistory{sample.cumulativeCPUTime, lastBusyAt, now});
+                              ActivityHistory{.cumulativeCPUTime = sample.cumulativeCPUTime,
+                                              .lastBusyAt = lastBusyAt,
+                                              .seenAt = now,
+                                              .status = status,
+                                              .since = since});
     }
     return result;
 }
@@ -247,12 +360,18 @@ CodexRunState CodexProcessMonitor::runState() const {
         return CodexRunState::error(*m_lastError);
     if (m_matches.isEmpty())
         return CodexRunState::idle();
-    const auto running = static_cast<qint64>(
-        std::count_if(m_matches.cbegin(), m_matches.cend(), [](const ProcessMatch& match) {
-            return match.status == ProcessActivityStatus::running;
-        }));
+    qint64 running = 0;
+    QStringList waitingProjects;
+    for (const ProcessMatch& match : m_matches) {
+        if (match.status == ProcessActivityStatus::running)
+            ++running;
+        else if (match.status == ProcessActivityStatus::waiting)
+            waitingProjects.append(projectName(match));
+    }
     const auto total = static_cast<qint64>(m_matches.size());
-    return CodexRunState::observed(total, running, total - running);
+    const auto waiting = static_cast<qint64>(waitingProjects.size());
+    return CodexRunState::observed(total, running, total - running - waiting, waiting,
+                                   std::move(waitingProjects));
 }
 
 QString CodexProcessMonitor::summary() const {
@@ -260,10 +379,8 @@ QString CodexProcessMonitor::summary() const {
         return QStringLiteral("Checking for Codex CLI processes\u2026");
     return runState().visit(
         [](const CodexRunState::Observed& observed) -> QString {
-            if (observed.running == 0)
-                return QString::number(observed.idle) + u" idle";
-            if (observed.idle == 0)
-                return QString::number(observed.running) + u" running";
+            if (const auto sole = soleState(observed))
+                return QString::number(sole->first) + u' ' + sole->second;
             return totalRunningIdle(observed);
         },
         [](const CodexRunState::Error&) -> QString {

@@ -1,13 +1,16 @@
 #pragma once
 
 #include "detection/ProcessTree.h"
+#include "sessionlog/SessionLogState.h"
 
 #include <QDateTime>
+#include <QDir>
 #include <QFutureWatcher>
 #include <QHash>
 #include <QList>
 #include <QObject>
 #include <QString>
+#include <QStringList>
 #include <QThreadPool>
 #include <QTimer>
 #include <chrono>
@@ -17,13 +20,21 @@
 
 namespace brenvik {
 
-enum class ProcessActivityStatus { running, idle };
+// running: a turn is open (or, without a log, the tree works); waiting: the
+// turn waits for the user to approve a tool call; idle: neither.
+enum class ProcessActivityStatus { running, waiting, idle };
 
-// "running" / "idle".
+// "running" / "waiting" / "idle".
 [[nodiscard]] QString rawValue(ProcessActivityStatus status);
-// Exactly "running" or "idle" (case-sensitive, untrimmed); anything else: none.
+// Exactly one of the raw values (case-sensitive, untrimmed); anything else: none.
 [[nodiscard]] std::optional<ProcessActivityStatus> processActivityStatus(QStringView rawValue);
 [[nodiscard]] size_t qHash(ProcessActivityStatus status, size_t seed = 0) noexcept;
+
+// What decided a session's status: its session log, or its CPU use.
+enum class StatusSource { cpu, log };
+
+// "cpu" / "log".
+[[nodiscard]] QString rawValue(StatusSource source);
 
 // One Codex session as shown, identified by its root PID.
 struct ProcessMatch {
@@ -36,6 +47,8 @@ struct ProcessMatch {
     qint64 processCount = 0;            // the whole tree
     QString cwd;                        // the project directory; empty when unknown
     std::optional<QDateTime> startedAt; // UTC
+    std::optional<QDateTime> since;     // UTC: when it took its status
+    StatusSource source = StatusSource::cpu;
 
     [[nodiscard]] qint64 id() const noexcept { return pid; }
     friend bool operator==(const ProcessMatch&, const ProcessMatch&) = default;
@@ -55,6 +68,8 @@ public:
         qint64 total = 0;
         qint64 running = 0;
         qint64 idle = 0;
+        qint64 waiting = 0;
+        QStringList waitingProjects; // projectName() of each waiting session
     };
     struct Error {
         QString message;
@@ -62,7 +77,9 @@ public:
     struct Idle {};
     using Value = std::variant<Observed, Error, Idle>;
 
-    [[nodiscard]] static CodexRunState observed(qint64 total, qint64 running, qint64 idle);
+    [[nodiscard]] static CodexRunState observed(qint64 total, qint64 running, qint64 idle,
+                                                qint64 waiting = 0,
+                                                QStringList waitingProjects = {});
     [[nodiscard]] static CodexRunState error(QString message);
     [[nodiscard]] static CodexRunState idle();
 
@@ -84,8 +101,18 @@ private:
     Value m_value;
 };
 
-// The tool tip line: "2 Codex processes running", "Codex process detection failed: …".
+// The tool tip line: "2 Codex processes running", "Codex process detection failed: …";
+// with waiting sessions, the projects they wait in.
 [[nodiscard]] QString detailText(const CodexRunState& state);
+
+// A project directory as people read it: "~" for the home folder and below it.
+[[nodiscard]] QString abbreviatedDirectory(const QString& directory,
+                                           const QString& home = QDir::homePath());
+
+// A project's short name: its directory's last name ("~" for the home folder),
+// or "PID n" when the directory is unknown.
+[[nodiscard]] QString projectName(const ProcessMatch& match,
+                                  const QString& home = QDir::homePath());
 
 // Watches the process table: a refresh at start and every 2 seconds, the scan
 // off the GUI thread, each group judged running or idle against the previous
@@ -102,6 +129,8 @@ public:
         double cumulativeCPUTime = 0;
         std::optional<QDateTime> lastBusyAt;
         QDateTime seenAt; // the refresh that wrote this record
+        ProcessActivityStatus status = ProcessActivityStatus::idle;
+        std::optional<QDateTime> since;
     };
     using HistoryMap = QHash<qint64, ActivityHistory>;
     struct Classification {
@@ -110,6 +139,10 @@ public:
     };
 
     using ScanFunction = std::function<QList<DetectedProcessSample>()>;
+    // What each sample's session log says, one entry per sample (fewer: no
+    // log for the rest). Runs after the scan, off the GUI thread.
+    using LogState = std::optional<SessionLogState>;
+    using LogFunction = std::function<QList<LogState>(const QList<DetectedProcessSample>&)>;
     // UTC by default, so that a time zone change cannot move the grace period.
     using WallClock = std::function<QDateTime()>;
 
@@ -121,9 +154,12 @@ public:
     // is a timer or a spinner waking up, not work.
     static constexpr double cpuTickNoise = 0.01; // seconds of CPU time
 
-    // Scans with scanCodexProcesses() and reads the system clock.
+    // Scans with scanCodexProcesses(), reads the session logs with
+    // readSessionLogs() and the system clock.
     explicit CodexProcessMonitor(QObject* parent = nullptr);
-    CodexProcessMonitor(ScanFunction scan, WallClock clock, QObject* parent = nullptr);
+    // Without a log function every session is judged by its CPU use.
+    CodexProcessMonitor(ScanFunction scan, WallClock clock, QObject* parent = nullptr,
+                        LogFunction logs = {});
     ~CodexProcessMonitor() override;
 
     [[nodiscard]] const QList<ProcessMatch>& matches() const noexcept { return m_matches; }
@@ -139,8 +175,11 @@ public:
     // Starts a refresh unless one is in flight; overlapping requests are dropped.
     void refresh();
 
+    // The log, where one was found and decides, sets the status at once;
+    // otherwise the tree's CPU use does, with its grace period.
     [[nodiscard]] Classification classify(const QList<DetectedProcessSample>& samples,
-                                          const QDateTime& now) const;
+                                          const QDateTime& now,
+                                          const QList<LogState>& logs = {}) const;
 
     [[nodiscard]] CodexRunState runState() const;
     [[nodiscard]] QString summary() const;
@@ -166,10 +205,12 @@ private:
     // What the worker hands back: the samples, or the text of the failure.
     struct ScanOutcome {
         QList<DetectedProcessSample> samples;
+        QList<LogState> logs;
         std::optional<QString> error;
     };
 
-    [[nodiscard]] static ScanOutcome runScan(const ScanFunction& scan) noexcept;
+    [[nodiscard]] static ScanOutcome runScan(const ScanFunction& scan,
+                                             const LogFunction& logs) noexcept;
     void finishRefresh();
 
     QList<ProcessMatch> m_matches;
@@ -179,6 +220,7 @@ private:
     HistoryMap m_historyByPID;
 
     ScanFunction m_scan;
+    LogFunction m_logs;
     WallClock m_clock;
     bool m_refreshInFlight = false; // set and cleared alongside isRefreshing
     QTimer m_loop;                  // active once start() ran

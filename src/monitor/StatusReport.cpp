@@ -70,8 +70,10 @@ StatusReport StatusReport::of(const CodexProcessMonitor& monitor) {
         updated = updated->toLocalTime();
     QList<ProcessMatch> matches = monitor.matches();
     for (ProcessMatch& match : matches) {
-        if (match.startedAt)
-            match.startedAt = match.startedAt->toLocalTime();
+        for (std::optional<QDateTime>* time : {&match.startedAt, &match.since}) {
+            if (*time)
+                *time = (*time)->toLocalTime();
+        }
     }
     return {monitor.runState(), monitor.summary(), std::move(matches), updated};
 }
@@ -87,19 +89,30 @@ QString statusText(const StatusReport& report) {
 
     const QString pidHeading = QStringLiteral("PID");
     const QString membersHeading = QStringLiteral("MEMBERS");
+    const QString projectHeading = QStringLiteral("PROJECT");
+    const auto project = [](const ProcessMatch& match) {
+        return match.cwd.isEmpty() ? QStringLiteral("-")
+                                   : singleLine(abbreviatedDirectory(match.cwd));
+    };
     qsizetype pidWidth = pidHeading.size();
-    for (const ProcessMatch& match : report.matches)
+    qsizetype projectWidth = projectHeading.size();
+    for (const ProcessMatch& match : report.matches) {
         pidWidth = std::max(pidWidth, QString::number(match.pid).size());
+        projectWidth = std::max(projectWidth, project(match).size());
+    }
 
     const auto row = [&](const QString& pid, const QString& status, const QString& members,
-                         const QString& command) -> QString {
+                         const QString& projectText, const QString& command) -> QString {
         return u"  " + pid.rightJustified(pidWidth) + u"  " + status.leftJustified(kStatusWidth) +
-               u"  " + members.rightJustified(membersHeading.size()) + u"  " + command + u'\n';
+               u"  " + members.rightJustified(membersHeading.size()) + u"  " +
+               projectText.leftJustified(projectWidth) + u"  " + command + u'\n';
     };
-    text += row(pidHeading, QStringLiteral("STATUS"), membersHeading, QStringLiteral("COMMAND"));
+    text += row(pidHeading, QStringLiteral("STATUS"), membersHeading, projectHeading,
+                QStringLiteral("COMMAND"));
     for (const ProcessMatch& match : report.matches) {
         text += row(QString::number(match.pid), rawValue(match.status),
-                    QString::number(match.memberCount), shownCommand(singleLine(match.command)));
+                    QString::number(match.memberCount), project(match),
+                    shownCommand(singleLine(match.command)));
     }
     return text;
 }
@@ -108,18 +121,20 @@ QString statusJson(const StatusReport& report) {
     qint64 total = 0;
     qint64 running = 0;
     qint64 idle = 0;
+    qint64 waiting = 0;
     if (const auto* observed = report.state.asObserved()) {
         total = observed->total;
         running = observed->running;
         idle = observed->idle;
+        waiting = observed->waiting;
     }
     const auto* error = report.state.asError();
 
     QString json =
         u"{\"state\":" + jsonString(stateName(report.state)) + u",\"total\":" + jsonNumber(total) +
         u",\"running\":" + jsonNumber(running) + u",\"idle\":" + jsonNumber(idle) +
-        u",\"summary\":" + jsonString(report.summary) + u",\"detail\":" +
-        jsonString(detailText(report.state)) + u",\"error\":" +
+        u",\"waiting\":" + jsonNumber(waiting) + u",\"summary\":" + jsonString(report.summary) +
+        u",\"detail\":" + jsonString(detailText(report.state)) + u",\"error\":" +
         (error ? jsonString(error->message) : QStringLiteral("null")) + u",\"updated\":" +
         (report.updated ? jsonString(isoTimestamp(*report.updated)) : QStringLiteral("null")) +
         u",\"groups\":[";
@@ -138,7 +153,9 @@ QString statusJson(const StatusReport& report) {
                 u",\"startedAt\":" +
                 (match.startedAt ? jsonString(isoTimestamp(*match.startedAt))
                                  : QStringLiteral("null")) +
-                u'}';
+                u",\"since\":" +
+                (match.since ? jsonString(isoTimestamp(*match.since)) : QStringLiteral("null")) +
+                u",\"source\":" + jsonString(rawValue(match.source)) + u'}';
     }
     json += u"]}";
     return json;

@@ -12,7 +12,7 @@ inline void PrintTo(const DetectedProcessSample& s, std::ostream* out) {
     *out << "{pid " << s.pid << ", " << s.command.toStdString() << ", cpu " << s.totalCPUPercent
          << "%/" << s.cumulativeCPUTime << "s" << (s.hasHotState ? ", hot" : "") << ", members "
          << s.memberCount << ", processes " << s.processCount << ", cwd '" << s.cwd.toStdString()
-         << "'}";
+         << "'" << (s.interactive ? ", TUI" : "") << ", commands " << s.runningCommands << "}";
 }
 
 } // namespace brenvik

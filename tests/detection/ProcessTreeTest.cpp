@@ -1,6 +1,7 @@
 #include "detection/ProcessTree.h"
 
 #include "DetectionTestSupport.h"
+#include "detection/CodexRecognition.h"
 
 #include <gtest/gtest.h>
 
@@ -12,8 +13,12 @@ using test::row;
 // A session as the table states it: root, command, tree CPU, hot state,
 // members (Codex and launchers) and the whole tree's process count.
 DetectedProcessSample sample(qint64 pid, const char16_t* command, double cpu, double time, bool hot,
-                             qint64 members, qint64 processes, const char16_t* cwd = u"") {
+                             qint64 members, qint64 processes, const char16_t* cwd = u"",
+                             qint64 commands = 0) {
     DetectedProcessSample s;
+    s.interactive =
+        codexRole(lowerCasedCommand(QString::fromUtf16(command))) == CodexRole::interactive;
+    s.runningCommands = commands;
     s.pid = pid;
     s.command = QString::fromUtf16(command);
     s.totalCPUPercent = cpu;
@@ -55,7 +60,7 @@ TEST(ProcessTree, Sessions) {
           row(202, 201, u"bwrap --as-pid-1 --new-session", 0, 0),
           row(203, 202, u"/bin/bash -c cargo build", 0, 1),
           row(204, 203, u"rustc --crate-name x", 99, 30, u"R")},
-         {sample(200, u"/opt/homebrew/bin/codex", 100, 33, true, 2, 5)}},
+         {sample(200, u"/opt/homebrew/bin/codex", 100, 33, true, 2, 5, u"", 1)}},
         {"shim and native binary are one session",
          {row(300, 9, kShim), row(301, 300, kNative, 2, 2), row(9, 1, u"bash")},
          {sample(300, kShim, 2, 2, false, 2, 2)}},
@@ -71,7 +76,7 @@ TEST(ProcessTree, Sessions) {
         {"codex started by a session's command belongs to it",
          {row(400, 1, u"codex"), row(401, 400, u"/bin/sh -c x"),
           row(402, 401, u"codex exec run tests", 5, 5)},
-         {sample(400, u"codex", 5, 5, false, 2, 3)}},
+         {sample(400, u"codex", 5, 5, false, 2, 3, u"", 1)}},
         {"a program running sessions is no root of them",
          {row(500, 1, u"node driver.mjs", 50, 50), row(501, 500, u"codex exec a"),
           row(502, 500, u"codex exec b")},
@@ -114,7 +119,7 @@ TEST(ProcessTree, ServiceWorkCountsForTheTUIOfItsDirectory) {
     };
     const QList<DetectedProcessSample> expected = {
         sample(10, u"codex", 0, 0, false, 1, 1, u"/w/a"),
-        sample(20, u"codex", 100, 4, true, 2, 3, u"/w/b"),
+        sample(20, u"codex", 100, 4, true, 2, 3, u"/w/b", 2),
         sample(21, u"codex", 0, 0, false, 1, 1, u"/w/c"),
         sample(22, u"codex", 0, 0, false, 1, 1, u"/w/c"),
     };

@@ -124,7 +124,9 @@ TEST(ActivityClassification, VerdictsAcrossRefreshes) {
                                                .memberCount = s.memberCount,
                                                .processCount = s.processCount,
                                                .cwd = s.cwd,
-                                               .startedAt = s.startedAt}))
+                                               .startedAt = s.startedAt,
+                                               .since = match.since,
+                                               .source = StatusSource::cpu}))
                     << "pid " << match.pid << " " << rawValue(match.status).toStdString();
                 ASSERT_TRUE(monitor.historyByPID().contains(expected.pid));
                 const auto& record = monitor.historyByPID()[expected.pid];
@@ -151,6 +153,77 @@ TEST(ActivityClassification, ClassifyReadsTheHistoryButLeavesIt) {
     EXPECT_EQ(result.history[1].lastBusyAt, at(2000));
     EXPECT_FALSE(monitor.historyByPID()[1].lastBusyAt.has_value());
     EXPECT_EQ(monitor.historyByPID()[1].cumulativeCPUTime, base);
+}
+
+} // namespace
+} // namespace brenvik::test
+
+namespace brenvik::test {
+namespace {
+
+CodexProcessMonitor::LogState logIn(TurnPhase phase, qint64 sinceMs = 0) {
+    SessionLogState state;
+    state.phase = phase;
+    state.phaseSince = at(sinceMs);
+    return state;
+}
+
+// Where the session log decides, it decides at once and alone; where it
+// cannot, the CPU rule does.
+TEST(ActivityClassification, TheSessionLogDecidesWhereItCan) {
+    const auto waiting = ProcessActivityStatus::waiting;
+    const auto log = StatusSource::log;
+    const auto cpu = StatusSource::cpu;
+    DetectedProcessSample commandRuns = sample(1, 0.0, base);
+    commandRuns.runningCommands = 1;
+    const struct {
+        const char* name;
+        DetectedProcessSample sample;
+        CodexProcessMonitor::LogState log;
+        ProcessActivityStatus status;
+        StatusSource source;
+        qint64 sinceMs;
+    } cases[] = {
+        {"open turn, model thinking at no CPU", sample(1, 0.0, base),
+         logIn(TurnPhase::running, -5000), running, log, -5000},
+        {"tool call without output, no command: the user is asked", sample(1, 0.0, base),
+         logIn(TurnPhase::awaitingToolOutput, -1000), waiting, log, -1000},
+        {"tool call without output while its command runs", commandRuns,
+         logIn(TurnPhase::awaitingToolOutput, -1000), running, log, -1000},
+        {"turn ended: idle whatever the CPU", sample(1, 80.0, base, true),
+         logIn(TurnPhase::idle, -3000), idle, log, -3000},
+        {"a log that cannot decide leaves it to the CPU", sample(1, 80.0, base),
+         logIn(TurnPhase::unknown), running, cpu, 0},
+        {"no log", sample(1, 0.0, base), std::nullopt, idle, cpu, 0},
+    };
+    for (const auto& c : cases) {
+        ScriptedScan scan;
+        ManualClock clock;
+        const CodexProcessMonitor monitor(scan.function(), clock.function());
+        const auto result = monitor.classify({c.sample}, at(0), {c.log});
+        ASSERT_EQ(result.matches.size(), 1) << c.name;
+        EXPECT_EQ(result.matches[0].status, c.status) << c.name;
+        EXPECT_EQ(result.matches[0].source, c.source) << c.name;
+        EXPECT_EQ(result.matches[0].since, at(c.sinceMs)) << c.name;
+    }
+}
+
+TEST(ActivityClassification, ATurnEndReadsIdleAtTheNextRefresh) {
+    ScriptedScan scan;
+    ManualClock clock;
+    QList<CodexProcessMonitor::LogState> logs{logIn(TurnPhase::running, 0)};
+    CodexProcessMonitor monitor(scan.function(), clock.function(), nullptr,
+                                [&logs](const QList<DetectedProcessSample>&) { return logs; });
+    scan.returns({sample(1, 50.0, base, true)});
+    ASSERT_TRUE(refreshAt(monitor, clock, 0));
+    EXPECT_EQ(monitor.matches()[0].status, running);
+    logs = {logIn(TurnPhase::idle, 1500)};
+    scan.returns({sample(1, 0.0, base + 1.0)});
+    ASSERT_TRUE(refreshAt(monitor, clock, 2000));
+    EXPECT_EQ(monitor.matches()[0].status, idle) << "no grace period after a logged turn";
+    EXPECT_EQ(monitor.matches()[0].since, at(1500));
+    ASSERT_TRUE(refreshAt(monitor, clock, 4000));
+    EXPECT_EQ(monitor.matches()[0].since, at(1500)) << "kept while the status holds";
 }
 
 } // namespace

@@ -37,7 +37,9 @@ TEST(ProcessMatch, EqualMatchesHashAlikeWhateverTheSignOfZero) {
                                     .memberCount = 2,
                                     .processCount = 3,
                                     .cwd = QStringLiteral("/w"),
-                                    .startedAt = {}};
+                                    .startedAt = {},
+                                    .since = {},
+                                    .source = StatusSource::cpu};
         ProcessMatch positive = negative;
         positive.instantaneousCPUPercent += 0.0; // -0.0 + 0.0 is +0.0
         positive.cumulativeCPUTime += 0.0;

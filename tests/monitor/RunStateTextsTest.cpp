@@ -17,6 +17,13 @@ TEST(DetailText, SingularAndPlural) {
         {CodexRunState::observed(1, 1, 0), QStringLiteral("1 Codex process running")},
         {CodexRunState::observed(11, 10, 1),
          QStringLiteral("11 total \u00B7 10 running \u00B7 1 idle")},
+        {CodexRunState::observed(1, 0, 0, 1, {u"brenvik"_qs}),
+         QStringLiteral("1 Codex process waiting in brenvik")},
+        {CodexRunState::observed(4, 1, 1, 2, {u"brenvik"_qs, u"~"_qs}),
+         QStringLiteral("4 total \u00B7 1 running \u00B7 2 waiting \u00B7 1 idle \u2014 waiting in "
+                        "brenvik, ~")},
+        {CodexRunState::observed(2, 0, 1, 1, {u"infra"_qs}),
+         QStringLiteral("2 total \u00B7 1 waiting \u00B7 1 idle \u2014 waiting in infra")},
     };
     for (const auto& c : cases)
         EXPECT_EQ(detailText(c.state), c.expected);

@@ -24,7 +24,9 @@ ProcessMatch match(qint64 pid, QString command, ProcessActivityStatus status, do
             .memberCount = members,
             .processCount = members + 1,
             .cwd = std::move(cwd),
-            .startedAt = startedAt};
+            .startedAt = startedAt,
+            .since = {},
+            .source = StatusSource::cpu};
 }
 
 StatusReport observedReport(QList<ProcessMatch> matches) {
@@ -49,15 +51,16 @@ TEST(StatusText, DetailLineThenAnAlignedRowPerGroup) {
          observedReport(
              {match(812, QStringLiteral("/usr/bin/codex"), running, 12.0, 3.5, 1),
               match(34567, QStringLiteral("npm exec @zed-industries/codex-acp"), idle, 0, 1, 3)}),
-         QStringLiteral("2 total \u00B7 1 running \u00B7 1 idle\n"
-                        "    PID  STATUS   MEMBERS  COMMAND\n"
-                        "    812  running        1  /usr/bin/codex\n"
-                        "  34567  idle           3  npm exec @zed-industries/codex-acp\n")},
+         QStringLiteral(
+             "2 total \u00B7 1 running \u00B7 1 idle\n"
+             "    PID  STATUS   MEMBERS  PROJECT  COMMAND\n"
+             "    812  running        1  -        /usr/bin/codex\n"
+             "  34567  idle           3  -        npm exec @zed-industries/codex-acp\n")},
         {"a PID wider than the heading, a command trimmed and shortened",
          observedReport({match(4'000'000'000, u"  " + longCommand + u"\n", idle, 0, 0, 12)}),
          QStringLiteral("1 Codex process idle\n"
-                        "         PID  STATUS   MEMBERS  COMMAND\n"
-                        "  4000000000  idle          12  ") +
+                        "         PID  STATUS   MEMBERS  PROJECT  COMMAND\n"
+                        "  4000000000  idle          12  -        ") +
              longCommand.left(107) + QStringLiteral("...\n")},
         {"an error of several lines",
          {CodexRunState::error(QStringLiteral("ps: illegal option\nusage: ps")), {}, {}, kUpdated},
@@ -66,8 +69,8 @@ TEST(StatusText, DetailLineThenAnAlignedRowPerGroup) {
          observedReport(
              {match(7, QStringLiteral("codex exec \"fix\nthe tests\""), running, 1, 1, 1)}),
          QStringLiteral("1 Codex process running\n"
-                        "  PID  STATUS   MEMBERS  COMMAND\n"
-                        "    7  running        1  codex exec \"fix the tests\"\n")},
+                        "  PID  STATUS   MEMBERS  PROJECT  COMMAND\n"
+                        "    7  running        1  -        codex exec \"fix the tests\"\n")},
     };
     for (const auto& testCase : cases) {
         SCOPED_TRACE(testCase.name);
@@ -92,24 +95,27 @@ TEST(StatusJson, KeysInAFixedOrderOnOneLine) {
                                QStringLiteral("/home/u/w"), kUpdated.addSecs(-90)),
                          match(900, QStringLiteral("codex"), idle, 0, 1, 2)}),
          QStringLiteral(
-             R"({"state":"observed","total":2,"running":1,"idle":1,"summary":"summary text",)"
+             R"({"state":"observed","total":2,"running":1,"idle":1,"waiting":0,"summary":"summary text",)"
              R"("detail":"2 total · 1 running · 1 idle","error":null,)"
              R"("updated":"2026-11-23T04:05:06+01:00","groups":[)"
              R"({"pid":812,"command":"/usr/bin/codex","status":"running",)"
              R"("instantaneousCPUPercent":12.5,"cumulativeCPUTime":3.25,"memberCount":1,"processCount":2,)"
-             R"("cwd":"/home/u/w","startedAt":"2026-11-23T04:03:36+01:00"},)"
+             R"("cwd":"/home/u/w","startedAt":"2026-11-23T04:03:36+01:00",)"
+             R"("since":null,"source":"cpu"},)"
              R"({"pid":900,"command":"codex","status":"idle",)"
              R"("instantaneousCPUPercent":0,"cumulativeCPUTime":1,"memberCount":2,"processCount":3,)"
-             R"("cwd":null,"startedAt":null}]})")},
+             R"("cwd":null,"startedAt":null,"since":null,"source":"cpu"}]})")},
         {"before any refresh",
          {CodexRunState::idle(), QStringLiteral("Checking"), {}, std::nullopt},
-         QStringLiteral(R"({"state":"idle","total":0,"running":0,"idle":0,"summary":"Checking",)"
-                        R"("detail":"No Codex CLI process detected","error":null,"updated":null,)"
-                        R"("groups":[]})")},
+         QStringLiteral(
+             R"({"state":"idle","total":0,"running":0,"idle":0,"waiting":0,"summary":"Checking",)"
+             R"("detail":"No Codex CLI process detected","error":null,"updated":null,)"
+             R"("groups":[]})")},
         {"error with an awkward text",
          {CodexRunState::error(awkward), QStringLiteral("failed"), {}, kUpdated},
-         QStringLiteral(R"({"state":"error","total":0,"running":0,"idle":0,"summary":"failed",)"
-                        R"("detail":"Codex process detection failed: )") +
+         QStringLiteral(
+             R"({"state":"error","total":0,"running":0,"idle":0,"waiting":0,"summary":"failed",)"
+             R"("detail":"Codex process detection failed: )") +
              awkwardJson + QStringLiteral(R"(","error":")") + awkwardJson +
              QStringLiteral(R"(","updated":"2026-11-23T04:05:06+01:00","groups":[]})")},
         {"large figures, and those JSON cannot hold become null",
@@ -118,16 +124,16 @@ TEST(StatusJson, KeysInAFixedOrderOnOneLine) {
               match(1, QStringLiteral("codex"), idle, std::numeric_limits<double>::quiet_NaN(),
                     std::numeric_limits<double>::infinity(), 1)}),
          QStringLiteral(
-             R"({"state":"observed","total":2,"running":1,"idle":1,"summary":"summary text",)"
+             R"({"state":"observed","total":2,"running":1,"idle":1,"waiting":0,"summary":"summary text",)"
              R"("detail":"2 total · 1 running · 1 idle","error":null,)"
              R"("updated":"2026-11-23T04:05:06+01:00","groups":[{"pid":2200000000,"command":")") +
              awkwardJson +
              QStringLiteral(
                  R"(","status":"running","instantaneousCPUPercent":250.125,)"
                  R"("cumulativeCPUTime":0.001,"memberCount":4,"processCount":5,"cwd":null,)"
-                 R"("startedAt":null},{"pid":1,"command":"codex",)"
+                 R"("startedAt":null,"since":null,"source":"cpu"},{"pid":1,"command":"codex",)"
                  R"("status":"idle","instantaneousCPUPercent":null,"cumulativeCPUTime":null,)"
-                 R"("memberCount":1,"processCount":2,"cwd":null,"startedAt":null}]})")},
+                 R"("memberCount":1,"processCount":2,"cwd":null,"startedAt":null,"since":null,"source":"cpu"}]})")},
     };
     for (const auto& testCase : cases) {
         EXPECT_EQ(statusJson(testCase.report).toStdString(), testCase.expected.toStdString())

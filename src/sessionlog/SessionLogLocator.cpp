@@ -1,0 +1,144 @@
+#include "sessionlog/SessionLogLocator.h"
+
+#include "sessionlog/SessionLogPath.h"
+
+#include <QFile>
+#include <QSet>
+#include <dirent.h>
+#include <fcntl.h>
+#include <memory>
+#include <mutex>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace brenvik {
+
+namespace {
+
+struct DirectoryCloser {
+    void operator()(DIR* dir) const { ::closedir(dir); }
+};
+
+constexpr QStringView kDeleted = u" (deleted)";
+
+} // namespace
+
+SessionLogLocator::SessionLogLocator(QString procRoot)
+    : m_procRoot(std::move(procRoot)) {}
+
+QList<SessionLogLocator::OpenLog> SessionLogLocator::openLogs(qint64 pid) const {
+    QList<OpenLog> logs;
+    const QString fdPath = m_procRoot + u'/' + QString::number(pid) + QStringLiteral("/fd");
+    const QByteArray nativeFdPath = QFile::encodeName(fdPath);
+    const std::unique_ptr<DIR, DirectoryCloser> dir(::opendir(nativeFdPath.constData()));
+    if (!dir)
+        return logs; // gone, or another user's
+    char target[4096];
+    while (const dirent* entry = ::readdir(dir.get())) {
+        if (entry->d_name[0] == '.')
+            continue;
+        const ssize_t length =
+            ::readlinkat(::dirfd(dir.get()), entry->d_name, target, sizeof target);
+        // Sockets, pipes and anonymous files read "socket:[…]": no slash first.
+        if (length <= 0 || size_t(length) == sizeof target || target[0] != '/')
+            continue;
+        const QString path = QString::fromUtf8(target, length);
+        if (!isSessionLogPath(path))
+            continue;
+        OpenLog log;
+        const bool deleted = path.endsWith(kDeleted);
+        // A deleted log is still there for whoever holds it: read it through the link.
+        log.path = deleted ? fdPath + u'/' + QString::fromLatin1(entry->d_name) : path;
+        log.identity = deleted ? path.chopped(kDeleted.size()) : path;
+        struct stat status {};
+        if (::fstatat(::dirfd(dir.get()), entry->d_name, &status, 0) == 0)
+            log.modifiedMs =
+                qint64(status.st_mtim.tv_sec) * 1000 + status.st_mtim.tv_nsec / 1000000;
+        logs.append(log);
+    }
+    return logs;
+}
+
+std::optional<QString>
+SessionLogLocator::chooseLog(const DetectedProcessSample& sample,
+                             const QList<DetectedProcessSample>& samples,
+                             const QHash<qint64, QList<OpenLog>>& logsByHolder) {
+    if (sample.interactive) {
+        if (sample.cwd.isEmpty())
+            return std::nullopt;
+        for (const DetectedProcessSample& other : samples) {
+            if (&other != &sample && other.interactive && other.cwd == sample.cwd)
+                return std::nullopt; // two TUIs in one directory: cannot tell
+        }
+    }
+    const qint64 startedMs = sample.startedAt ? sample.startedAt->toMSecsSinceEpoch() : 0;
+    std::optional<OpenLog> chosen;
+    QSet<QString> seen;
+    for (const qint64 holder : sample.logHolderPIDs) {
+        const auto logs = logsByHolder.constFind(holder);
+        if (logs == logsByHolder.cend())
+            continue;
+        for (const OpenLog& log : *logs) {
+            if (seen.contains(log.identity))
+                continue;
+            seen.insert(log.identity);
+            if (sample.interactive) {
+                // The service holds the logs of every TUI it served, finished
+                // ones too: only this directory's, written since this TUI started.
+                if (log.modifiedMs < startedMs)
+                    continue;
+                const SessionLogState state = m_logs.stateOf(log.path);
+                if (!state.meta || state.meta->cwd != sample.cwd)
+                    continue;
+            }
+            if (!chosen || log.modifiedMs > chosen->modifiedMs)
+                chosen = log;
+        }
+    }
+    if (!chosen)
+        return std::nullopt;
+    return chosen->path;
+}
+
+QList<std::optional<SessionLogState>>
+SessionLogLocator::statesOf(const QList<DetectedProcessSample>& samples) noexcept {
+    QList<std::optional<SessionLogState>> states(samples.size());
+    try {
+        QHash<qint64, QList<OpenLog>> logsByHolder;
+        for (const DetectedProcessSample& sample : samples) {
+            for (const qint64 holder : sample.logHolderPIDs) {
+                if (!logsByHolder.contains(holder))
+                    logsByHolder.insert(holder, openLogs(holder));
+            }
+        }
+        QSet<QString> used;
+        for (qsizetype i = 0; i < samples.size(); ++i) {
+            const auto path = chooseLog(samples[i], samples, logsByHolder);
+            if (!path)
+                continue;
+            used.insert(*path);
+            states[i] = m_logs.stateOf(*path);
+        }
+        // Logs a TUI matched against stay read, so the next refresh only reads
+        // what they grew by.
+        for (const QList<OpenLog>& logs : std::as_const(logsByHolder)) {
+            for (const OpenLog& log : logs)
+                used.insert(log.path);
+        }
+        m_logs.retainOnly(used);
+    } catch (...) {
+        // Out of memory at worst: every session falls back to its CPU use.
+        std::fill(states.begin(), states.end(), std::nullopt);
+    }
+    return states;
+}
+
+QList<std::optional<SessionLogState>>
+readSessionLogs(const QList<DetectedProcessSample>& samples) noexcept {
+    static std::mutex mutex;
+    static SessionLogLocator locator;
+    const std::scoped_lock lock(mutex);
+    return locator.statesOf(samples);
+}
+
+} // namespace brenvik

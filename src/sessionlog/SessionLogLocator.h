@@ -1,0 +1,49 @@
+#pragma once
+
+#include "detection/ProcessTree.h"
+#include "sessionlog/SessionLogCache.h"
+
+#include <QHash>
+#include <QList>
+#include <QString>
+#include <optional>
+
+namespace brenvik {
+
+// Finds each session's log through the files its Codex processes hold open
+// and reads what it says. A TUI's log is held by the shared service, which
+// keeps the logs of every TUI it served: the one for a TUI is the log written
+// in its project directory since it started; where two live TUIs share a
+// directory nobody can tell their logs apart, and neither gets one.
+// Not thread-safe: one refresh at a time, as the scan runs.
+class SessionLogLocator {
+public:
+    explicit SessionLogLocator(QString procRoot = QStringLiteral("/proc"));
+
+    // One entry per sample, in order: the state of its log, or nothing.
+    // Never throws.
+    [[nodiscard]] QList<std::optional<SessionLogState>>
+    statesOf(const QList<DetectedProcessSample>& samples) noexcept;
+
+private:
+    struct OpenLog {
+        QString path;     // what to open: the file, or the fd link of a deleted one
+        QString identity; // the file's own path, the same for every holder
+        qint64 modifiedMs = 0;
+    };
+
+    [[nodiscard]] QList<OpenLog> openLogs(qint64 pid) const;
+    [[nodiscard]] std::optional<QString>
+    chooseLog(const DetectedProcessSample& sample, const QList<DetectedProcessSample>& samples,
+              const QHash<qint64, QList<OpenLog>>& logsByHolder);
+
+    QString m_procRoot;
+    SessionLogCache m_logs;
+};
+
+// The same over the live /proc, with one locator for the life of the process,
+// so that each log is read only where it grew. Callers read one at a time.
+[[nodiscard]] QList<std::optional<SessionLogState>>
+readSessionLogs(const QList<DetectedProcessSample>& samples) noexcept;
+
+} // namespace brenvik
