@@ -3,6 +3,7 @@
 #include "DetectionTestSupport.h"
 #include "detection/CodexRecognition.h"
 
+#include <QFile>
 #include <gtest/gtest.h>
 
 namespace brenvik {
@@ -143,6 +144,74 @@ TEST(ProcessTree, HotStates) {
         EXPECT_TRUE(isHotState(hot)) << QString::fromUtf16(hot).toStdString();
     for (const char16_t* cold : {u"S", u"Ss", u"I", u"T", u"Z", u"", u"  "})
         EXPECT_FALSE(isHotState(cold)) << QString::fromUtf16(cold).toStdString();
+}
+
+} // namespace
+} // namespace brenvik
+
+namespace brenvik {
+namespace {
+
+// Rows as the /proc source gives them, recorded while the real Codex CLI ran:
+// pid, ppid, state, exe, cwd, command, one process a line.
+QList<ObservedProcess> recordedTable(const QString& name) {
+    QFile file(qEnvironmentVariable("BRENVIK_SOURCE_DIR") +
+               QStringLiteral("/tests/detection/fixtures/real-codex/") + name + u".tsv");
+    EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << name.toStdString();
+    QList<ObservedProcess> rows;
+    for (const QString& line : QString::fromUtf8(file.readAll()).split(u'\n')) {
+        const QStringList fields = line.split(u'\t');
+        if (line.startsWith(u'#') || fields.size() != 6)
+            continue;
+        ObservedProcess row = test::row(fields[0].toLongLong(), fields[1].toLongLong(), u"");
+        row.state = fields[2];
+        row.executable = fields[3];
+        row.cwd = fields[4];
+        row.command = fields[5];
+        rows.append(row);
+    }
+    // Beside them, programs that only mention Codex in their arguments.
+    for (const char16_t* other :
+         {u"vim /tmp/codex-e2e/home/.codex/config.toml",
+          u"git clone https://github.com/openai/codex", u"less /home/u/proj/codex",
+          u"make -C /home/u/proj/codex test", u"tmux new cd /tmp/codex-e2e/home/B && codex"})
+        rows.append(test::row(rows.size() + 90000, 1, other));
+    std::sort(rows.begin(), rows.end(), [](const auto& a, const auto& b) { return a.pid < b.pid; });
+    return rows;
+}
+
+TEST(ProcessTree, RecordedRealCodexTables) {
+    const QString home = QStringLiteral("/tmp/codex-e2e/home/");
+    const struct {
+        const char* table;
+        qint64 root; // 0: no session
+        const char* project;
+        bool busy;     // some process of the tree was running
+        bool commands; // a tool command runs for it
+    } cases[] = {
+        {"exec-thinking", 23710, "A", false, false},
+        {"exec-tool-burning", 23710, "A", true, true},
+        {"tui-fresh", 23826, "B", false, false},
+        {"tui-tool-burning", 23826, "B", true, true},
+        {"tui-waiting-approval", 23826, "B", false, false},
+        {"tui-idle", 23826, "B", false, false},
+        {"tui-after-quit-daemon-alive", 0, "", false, false},
+        {"acpx-tool-burning", 24036, "C", true, true},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.table);
+        const auto sessions = detectCodexProcesses(recordedTable(QString::fromLatin1(c.table)));
+        if (c.root == 0) {
+            EXPECT_TRUE(sessions.isEmpty());
+            continue;
+        }
+        ASSERT_EQ(sessions.size(), 1);
+        EXPECT_EQ(sessions[0].pid, c.root);
+        EXPECT_EQ(sessions[0].cwd, home + QString::fromLatin1(c.project));
+        EXPECT_EQ(sessions[0].hasHotState, c.busy);
+        EXPECT_EQ(sessions[0].runningCommands > 0, c.commands);
+        EXPECT_FALSE(sessions[0].logHolderPIDs.isEmpty()) << "where its log may be open";
+    }
 }
 
 } // namespace
