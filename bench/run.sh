@@ -22,11 +22,12 @@ detect_csv=$(mktemp)
 detect_cleanup
 detect_sleepers=()
 trap - EXIT
-awk -F, '
+awk -F, -v procs="$detect_count" '
   /^"BM_/ { gsub(/"/, "", $1); split($1, n, "/"); t[n[1] (n[2] ~ /^[0-9]+$/ ? "/" n[2] : "")] = $3; c[n[1] (n[2] ~ /^[0-9]+$/ ? "/" n[2] : "")] = $4 }
   END {
     printf "\nparse + detect, 1,000 rows:   %.3f ms CPU\n", c["BM_ParseAndDetect/1000"]
     printf "parse + detect, 10,000 rows:  %.3f ms CPU (goal < 2 ms)\n", c["BM_ParseAndDetect/10000"]
+    printf "live snapshots below on this machine with %d processes\n", procs
     printf "one snapshot, /proc (steady): %.3f ms CPU\n", t["BM_ProcSnapshotSteady"]
     printf "one snapshot, /proc (cold):   %.3f ms CPU\n", t["BM_ProcSnapshotCold"]
     printf "one snapshot, /bin/ps:        %.3f ms CPU incl. the child\n", t["BM_PsSnapshot"]
@@ -59,7 +60,7 @@ rm -f "$sessionlog_csv"
 # The monitor's steady-state cost on the live machine: brenvik-status --watch
 # refreshing every 2 s for 60 s (output discarded).
 echo
-echo "== Monitor steady state"
+echo "== Monitor steady state ($(find /proc -maxdepth 1 -name '[0-9]*' | wc -l) processes)"
 "$(dirname "$0")/steady-state.sh" 60 "$build/src/app/brenvik-status" --watch
 # ==== end monitor ============================================================
 
@@ -104,6 +105,6 @@ app_steady_state() {
   fi
 }
 echo
-echo "== Tray app steady state (control panel closed; goal < 40 MB, < 0.2 % of one core)"
+echo "== Tray app steady state (control panel closed; goal < 40 MB, < 0.2 % of one core; $(find /proc -maxdepth 1 -name '[0-9]*' | wc -l) processes)"
 dbus-run-session -- bash -c "set -euo pipefail; $(declare -f app_steady_state); app_steady_state '$build' '$(dirname "$0")/steady-state.sh'" 2> >(grep -v 'fd limit' >&2)
 # ==== end app ================================================================
