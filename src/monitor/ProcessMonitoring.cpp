@@ -333,18 +333,19 @@ CodexProcessMonitor::classify(const QList<DetectedProcessSample>& samples, const
         else
             since = now;
 
-        result.matches.append(
-            ProcessMatch{.pid = sample.pid,
-                         .command = sample.command,
-                         .status = status,
-                         .instantaneousCPUPercent = sample.totalCPUPercent,
-                         .cumulativeCPUTime = sample.cumulativeCPUTime,
-                         .memberCount = sample.memberCount,
-                         .processCount = sample.processCount,
-                         .cwd = sample.cwd,
-                         .startedAt = sample.startedAt,
-                         .since = since,
-                         .source = logged ? StatusSource::log : StatusSource::cpu});
+        result.matches.append(ProcessMatch{
+            .pid = sample.pid,
+            .command = sample.command,
+            .status = status,
+            .instantaneousCPUPercent = sample.totalCPUPercent,
+            .cumulativeCPUTime = sample.cumulativeCPUTime,
+            .memberCount = sample.memberCount,
+            .processCount = sample.processCount,
+            .cwd = sample.cwd,
+            .startedAt = sample.startedAt,
+            .since = since,
+            .source = logged ? StatusSource::log : StatusSource::cpu,
+            .lastMessage = log ? log->lastAgentMessageLine.value_or(QString()) : QString()});
         result.history.insert(sample.pid,
                               ActivityHistory{.cumulativeCPUTime = sample.cumulativeCPUTime,
                                               .lastBusyAt = lastBusyAt,

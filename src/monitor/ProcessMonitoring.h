@@ -49,6 +49,7 @@ struct ProcessMatch {
     std::optional<QDateTime> startedAt; // UTC
     std::optional<QDateTime> since;     // UTC: when it took its status
     StatusSource source = StatusSource::cpu;
+    QString lastMessage; // the first line of the agent's last message, from the log
 
     [[nodiscard]] qint64 id() const noexcept { return pid; }
     friend bool operator==(const ProcessMatch&, const ProcessMatch&) = default;

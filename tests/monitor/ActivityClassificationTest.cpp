@@ -126,7 +126,8 @@ TEST(ActivityClassification, VerdictsAcrossRefreshes) {
                                                .cwd = s.cwd,
                                                .startedAt = s.startedAt,
                                                .since = match.since,
-                                               .source = StatusSource::cpu}))
+                                               .source = StatusSource::cpu,
+                                               .lastMessage = {}}))
                     << "pid " << match.pid << " " << rawValue(match.status).toStdString();
                 ASSERT_TRUE(monitor.historyByPID().contains(expected.pid));
                 const auto& record = monitor.historyByPID()[expected.pid];

@@ -39,7 +39,8 @@ TEST(ProcessMatch, EqualMatchesHashAlikeWhateverTheSignOfZero) {
                                     .cwd = QStringLiteral("/w"),
                                     .startedAt = {},
                                     .since = {},
-                                    .source = StatusSource::cpu};
+                                    .source = StatusSource::cpu,
+                                    .lastMessage = {}};
         ProcessMatch positive = negative;
         positive.instantaneousCPUPercent += 0.0; // -0.0 + 0.0 is +0.0
         positive.cumulativeCPUTime += 0.0;

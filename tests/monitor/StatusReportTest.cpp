@@ -26,7 +26,8 @@ ProcessMatch match(qint64 pid, QString command, ProcessActivityStatus status, do
             .cwd = std::move(cwd),
             .startedAt = startedAt,
             .since = {},
-            .source = StatusSource::cpu};
+            .source = StatusSource::cpu,
+            .lastMessage = {}};
 }
 
 StatusReport observedReport(QList<ProcessMatch> matches) {
