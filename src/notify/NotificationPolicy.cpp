@@ -1,0 +1,116 @@
+#include "notify/NotificationPolicy.h"
+
+namespace brenvik {
+
+namespace {
+
+QString names(const QList<const ProcessMatch*>& sessions) {
+    QStringList projects;
+    for (const ProcessMatch* match : sessions)
+        projects.append(projectName(*match));
+    return projects.join(u", ");
+}
+
+} // namespace
+
+QString roughDuration(qint64 seconds) {
+    seconds = std::max<qint64>(seconds, 0);
+    if (seconds < 60)
+        return QString::number(seconds) + u" s";
+    const qint64 minutes = seconds / 60;
+    if (minutes < 60)
+        return QString::number(minutes) + u" min";
+    const qint64 hours = minutes / 60;
+    if (hours < 24) {
+        return QString::number(hours) + u" h" +
+               (minutes % 60 ? u' ' + QString::number(minutes % 60) + u" min" : QString());
+    }
+    return QString::number(hours / 24) + u" d" +
+           (hours % 24 ? u' ' + QString::number(hours % 24) + u" h" : QString());
+}
+
+NotificationPolicy::Decision NotificationPolicy::update(const QList<ProcessMatch>& matches,
+                                                        bool detectionFailed, bool enabled,
+                                                        const QDateTime& now) {
+    Decision decision;
+    // A failed refresh shows no sessions: remember nothing of it, so that
+    // sessions seen again after it are not taken for new changes.
+    if (detectionFailed)
+        return decision;
+
+    QList<const ProcessMatch*> finished;
+    QList<qint64> workedSeconds;
+    QList<const ProcessMatch*> waiting;
+    QHash<qint64, Seen> seen;
+    seen.reserve(matches.size());
+    for (const ProcessMatch& match : matches) {
+        const auto before = m_seen.constFind(match.pid);
+        const bool known = before != m_seen.cend();
+        Seen next;
+        next.status = match.status;
+        if (match.status == ProcessActivityStatus::running) {
+            next.workingSince = known && before->workingSince
+                                    ? before->workingSince
+                                    : std::optional<QDateTime>(match.since.value_or(now));
+        }
+        if (m_started && known) {
+            if (before->status == ProcessActivityStatus::running &&
+                match.status == ProcessActivityStatus::idle && before->workingSince) {
+                const qint64 worked = before->workingSince->secsTo(match.since.value_or(now));
+                if (worked >= kMinimumWorkSeconds) {
+                    finished.append(&match);
+                    workedSeconds.append(worked);
+                }
+            }
+            if (before->status == ProcessActivityStatus::waiting &&
+                match.status != ProcessActivityStatus::waiting)
+                decision.stoppedWaiting.append(match.pid);
+        }
+        if (m_started && match.status == ProcessActivityStatus::waiting &&
+            (!known || before->status != ProcessActivityStatus::waiting))
+            waiting.append(&match);
+        seen.insert(match.pid, next);
+    }
+    for (auto it = m_seen.cbegin(); it != m_seen.cend(); ++it) {
+        if (it->status == ProcessActivityStatus::waiting && !seen.contains(it.key()))
+            decision.stoppedWaiting.append(it.key()); // it went away
+    }
+    m_seen = std::move(seen);
+    m_started = true;
+    if (!enabled) {
+        decision.show.clear();
+        return decision; // notices shown before it was turned off still close
+    }
+
+    if (!finished.isEmpty()) {
+        Announcement notice{.kind = Announcement::Kind::finished,
+                            .pids = {},
+                            .summary = u"Codex finished \u00B7 " + names(finished),
+                            .body = {}};
+        for (const ProcessMatch* match : std::as_const(finished))
+            notice.pids.append(match->pid);
+        if (finished.size() == 1) {
+            notice.body = u"Worked " + roughDuration(workedSeconds.front());
+            if (const QString message = finished.front()->lastMessage.left(120); !message.isEmpty())
+                notice.body += u'\n' + message;
+        } else {
+            notice.body = QString::number(finished.size()) + u" sessions are done.";
+        }
+        decision.show.append(notice);
+    }
+    if (!waiting.isEmpty()) {
+        Announcement notice{.kind = Announcement::Kind::waiting,
+                            .pids = {},
+                            .summary = u"Codex is waiting for you \u00B7 " + names(waiting),
+                            .body = waiting.size() == 1
+                                        ? QStringLiteral("A command needs your approval.")
+                                        : QString::number(waiting.size()) +
+                                              u" sessions need your approval."};
+        for (const ProcessMatch* match : std::as_const(waiting))
+            notice.pids.append(match->pid);
+        decision.show.append(notice);
+    }
+    return decision;
+}
+
+} // namespace brenvik

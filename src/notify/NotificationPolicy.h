@@ -1,0 +1,53 @@
+#pragma once
+
+#include "monitor/ProcessMonitoring.h"
+
+#include <QDateTime>
+#include <QHash>
+#include <QList>
+#include <QString>
+
+namespace brenvik {
+
+// One desktop notification to show: a session finished, or waits for the
+// user. Several sessions that changed in the same refresh share one.
+struct Announcement {
+    enum class Kind { finished, waiting };
+    Kind kind = Kind::finished;
+    QList<qint64> pids; // the sessions it names, by root PID
+    QString summary;
+    QString body;
+
+    friend bool operator==(const Announcement&, const Announcement&) = default;
+};
+
+// Decides, from one published state to the next, what to announce: a session
+// that worked at least 10 s and went idle, and a session that started
+// waiting. It announces nothing about what was so when it first looked,
+// nothing while detection fails, and nothing when turned off.
+class NotificationPolicy {
+public:
+    static constexpr qint64 kMinimumWorkSeconds = 10;
+
+    struct Decision {
+        QList<Announcement> show;
+        QList<qint64> stoppedWaiting; // their "waiting" notices are over
+    };
+
+    [[nodiscard]] Decision update(const QList<ProcessMatch>& matches, bool detectionFailed,
+                                  bool enabled, const QDateTime& now);
+
+private:
+    struct Seen {
+        ProcessActivityStatus status = ProcessActivityStatus::idle;
+        std::optional<QDateTime> workingSince; // while running
+    };
+
+    bool m_started = false;
+    QHash<qint64, Seen> m_seen;
+};
+
+// "45 s", "3 min", "1 h 5 min", "2 d 3 h": how long, to the unit people read.
+[[nodiscard]] QString roughDuration(qint64 seconds);
+
+} // namespace brenvik

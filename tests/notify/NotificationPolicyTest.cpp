@@ -1,0 +1,182 @@
+// What Brenvik announces as sessions change, and how the notices replace and
+// close one another on the server.
+#include "notify/DesktopNotifier.h"
+
+#include <gtest/gtest.h>
+
+namespace brenvik {
+namespace {
+
+constexpr auto running = ProcessActivityStatus::running;
+constexpr auto waiting = ProcessActivityStatus::waiting;
+constexpr auto idle = ProcessActivityStatus::idle;
+
+QDateTime at(qint64 seconds) {
+    return QDateTime::fromSecsSinceEpoch(1'700'000'000 + seconds, Qt::UTC);
+}
+
+ProcessMatch session(qint64 pid, ProcessActivityStatus status, qint64 sinceSeconds,
+                     const char* project, const char* message = "") {
+    ProcessMatch match;
+    match.pid = pid;
+    match.status = status;
+    match.since = at(sinceSeconds);
+    match.cwd = QStringLiteral("/home/u/") + QString::fromLatin1(project);
+    match.lastMessage = QString::fromLatin1(message);
+    return match;
+}
+
+struct Step {
+    qint64 at;
+    QList<ProcessMatch> matches;
+    bool failed = false;
+    bool enabled = true;
+    QStringList expected; // "summary | body" of each notice shown, then "close PID"
+};
+
+QStringList outcome(const NotificationPolicy::Decision& decision) {
+    QStringList out;
+    for (const Announcement& notice : decision.show)
+        out.append(notice.summary + u" | " + notice.body);
+    for (const qint64 pid : decision.stoppedWaiting)
+        out.append(u"close " + QString::number(pid));
+    return out;
+}
+
+TEST(NotificationPolicy, WhatIsAnnounced) {
+    const auto a = [](ProcessActivityStatus s, qint64 since, const char* m = "") {
+        return session(1, s, since, "alpha", m);
+    };
+    const auto b = [](ProcessActivityStatus s, qint64 since) {
+        return session(2, s, since, "beta");
+    };
+    const struct {
+        const char* name;
+        QList<Step> steps;
+    } cases[] = {
+        {"nothing about what was so at start",
+         {{0, {a(idle, -100), b(waiting, -5)}, false, true, {}},
+          {2, {a(idle, -100), b(waiting, -5)}, false, true, {}}}},
+        {"a session that worked 10 s and went idle; its message's first line",
+         {{0, {a(idle, -100)}, false, true, {}},
+          {2, {a(running, 1)}, false, true, {}},
+          {14,
+           {a(idle, 12, "All tests pass.")},
+           false,
+           true,
+           {u"Codex finished \u00B7 alpha | Worked 11 s\nAll tests pass."_qs}}}},
+        {"a short turn is no news",
+         {{0, {a(idle, -100)}, false, true, {}},
+          {2, {a(running, 1)}, false, true, {}},
+          {8, {a(idle, 7)}, false, true, {}}}},
+        {"waiting, then approved",
+         {{0, {a(running, -30)}, false, true, {}},
+          {2,
+           {a(waiting, 1)},
+           false,
+           true,
+           {u"Codex is waiting for you \u00B7 alpha | A command needs your approval."_qs}},
+          {4, {a(waiting, 1)}, false, true, {}},
+          {6, {a(running, 5)}, false, true, {u"close 1"_qs}}}},
+        {"two sessions in one refresh share one notice",
+         {{0, {a(running, -60), b(running, -60)}, false, true, {}},
+          {2,
+           {a(idle, 1), b(idle, 2)},
+           false,
+           true,
+           {u"Codex finished \u00B7 alpha, beta | 2 sessions are done."_qs}}}},
+        {"nothing while detection fails, nor when it comes back",
+         {{0, {a(running, -60)}, false, true, {}},
+          {2, {}, true, true, {}},
+          {4, {a(running, -60)}, false, true, {}}}},
+        {"turned off: nothing shown, but a waiting notice still closes",
+         {{0, {a(running, -60)}, false, true, {}},
+          {2,
+           {a(waiting, 1)},
+           false,
+           true,
+           {u"Codex is waiting for you \u00B7 alpha | A command needs your approval."_qs}},
+          {4, {a(idle, 3)}, false, false, {u"close 1"_qs}},
+          {6, {a(running, 5)}, false, false, {}},
+          {30, {a(idle, 29)}, false, false, {}}}},
+        {"a waiting session that went away",
+         {{0, {a(running, -60)}, false, true, {}},
+          {2,
+           {a(waiting, 1)},
+           false,
+           true,
+           {u"Codex is waiting for you \u00B7 alpha | A command needs your approval."_qs}},
+          {4, {}, false, true, {u"close 1"_qs}}}},
+    };
+    for (const auto& c : cases) {
+        NotificationPolicy policy;
+        for (const Step& step : c.steps) {
+            EXPECT_EQ(outcome(policy.update(step.matches, step.failed, step.enabled, at(step.at))),
+                      step.expected)
+                << c.name << " at " << step.at << " s";
+        }
+    }
+}
+
+TEST(NotificationPolicy, RoughDurations) {
+    for (const auto& [seconds, text] : {std::pair{0, "0 s"},
+                                        {59, "59 s"},
+                                        {60, "1 min"},
+                                        {3599, "59 min"},
+                                        {3600, "1 h"},
+                                        {3900, "1 h 5 min"},
+                                        {90000, "1 d 1 h"},
+                                        {172800, "2 d"}})
+        EXPECT_EQ(roughDuration(seconds), QString::fromLatin1(text)) << seconds;
+}
+
+// A server that records calls and hands out ids 1, 2, 3…
+class FakeBus : public NotificationBus {
+public:
+    void notify(quint32 replacesId, const QString& summary, const QString&,
+                std::function<void(quint32)> shown) override {
+        const quint32 id = replacesId ? replacesId : ++m_next;
+        calls.append(
+            QStringLiteral("notify %1 replaces %2: %3").arg(id).arg(replacesId).arg(summary));
+        if (answers)
+            shown(id);
+    }
+    void close(quint32 id) override { calls.append(QStringLiteral("close %1").arg(id)); }
+
+    QStringList calls;
+    bool answers = true; // false: no server on the bus
+private:
+    quint32 m_next = 0;
+};
+
+Announcement notice(Announcement::Kind kind, QList<qint64> pids, const char* summary) {
+    return {kind, std::move(pids), QString::fromLatin1(summary), QString()};
+}
+
+TEST(DesktopNotifier, OneNoticePerSessionReplacedAndClosed) {
+    using Kind = Announcement::Kind;
+    FakeBus bus;
+    DesktopNotifier notifier(bus);
+    notifier.apply({{notice(Kind::waiting, {1, 2}, "waiting a, b")}, {}});
+    notifier.apply({{}, {1}}); // 2 still waits: the notice stays
+    notifier.apply({{notice(Kind::finished, {1}, "finished a")}, {}});
+    notifier.apply({{}, {2}});
+    notifier.apply({{notice(Kind::waiting, {3}, "waiting c")}, {}});
+    notifier.forget(2); // the user dismissed it
+    notifier.apply({{}, {3}});
+    EXPECT_EQ(bus.calls, (QStringList{u"notify 1 replaces 0: waiting a, b"_qs,
+                                      u"notify 1 replaces 1: finished a"_qs,
+                                      u"notify 2 replaces 0: waiting c"_qs}))
+        << "the finished notice replaced the waiting one it shared with session 2";
+
+    FakeBus silent;
+    silent.answers = false;
+    DesktopNotifier quiet(silent);
+    quiet.apply({{notice(Kind::waiting, {1}, "waiting a")}, {}});
+    quiet.apply({{}, {1}});
+    EXPECT_EQ(silent.calls, QStringList{u"notify 1 replaces 0: waiting a"_qs})
+        << "no server: nothing to close, nothing retried";
+}
+
+} // namespace
+} // namespace brenvik
