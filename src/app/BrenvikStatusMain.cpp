@@ -6,9 +6,12 @@
 #include <QCoreApplication>
 #include <QSocketNotifier>
 #include <QStringList>
+#include <cerrno>
 #include <csignal>
 #include <cstdio>
+#include <cstring>
 #include <optional>
+#include <sys/ioctl.h>
 #include <sys/signalfd.h>
 #include <unistd.h>
 
@@ -68,10 +71,38 @@ ParsedArguments parseArguments(int argc, char** argv) {
     return parsed;
 }
 
-void write(std::FILE* stream, const QString& text) {
+// Whether all of the text reached the stream; errno tells why not.
+bool write(std::FILE* stream, const QString& text) {
     const QByteArray bytes = text.toUtf8();
-    std::fwrite(bytes.constData(), 1, static_cast<size_t>(bytes.size()), stream);
-    std::fflush(stream);
+    errno = 0;
+    const bool written = std::fwrite(bytes.constData(), 1, static_cast<size_t>(bytes.size()),
+                                     stream) == static_cast<size_t>(bytes.size());
+    return std::fflush(stream) == 0 && written;
+}
+
+// Writes a report to standard output, or ends the program: quietly with 0
+// when the reader went away (a closed pipe), with 1 and the reason otherwise
+// (a full disk), so that neither a script nor --watch goes on unheard.
+bool report(const QString& text) {
+    if (write(stdout, text))
+        return true;
+    const int error = errno;
+    if (error != EPIPE) {
+        write(stderr, u"brenvik-status: cannot write the report: " +
+                          QString::fromLocal8Bit(std::strerror(error)) + u'\n');
+    }
+    QCoreApplication::exit(error == EPIPE ? 0 : kExitDetectionFailed);
+    return false;
+}
+
+// The columns of the terminal standard output goes to; none for a file or
+// a pipe, which get whole lines.
+std::optional<qsizetype> terminalWidth() {
+    winsize size{};
+    if (::isatty(STDOUT_FILENO) && ::ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 &&
+        size.ws_col > 0)
+        return size.ws_col;
+    return std::nullopt;
 }
 
 // SIGINT, SIGTERM and SIGHUP as readable events instead of deaths, so that
@@ -111,19 +142,18 @@ private:
 } // namespace
 
 int main(int argc, char** argv) {
+    // A closed pipe is an error to handle, not a signal to die of.
+    std::signal(SIGPIPE, SIG_IGN);
     const ParsedArguments parsed = parseArguments(argc, argv);
     if (parsed.error) {
         write(stderr, u"brenvik-status: " + *parsed.error + u"\n\n" + QString::fromUtf8(kUsage));
         return kExitUsage;
     }
     const Options& options = parsed.options;
-    if (options.help) {
-        write(stdout, QString::fromUtf8(kUsage));
-        return 0;
-    }
-    if (options.version) {
-        write(stdout, QStringLiteral("brenvik-status " BRENVIK_VERSION "\n"));
-        return 0;
+    if (options.help || options.version) {
+        const QString text = options.help ? QString::fromUtf8(kUsage)
+                                          : QStringLiteral("brenvik-status " BRENVIK_VERSION "\n");
+        return write(stdout, text) || errno == EPIPE ? 0 : kExitDetectionFailed;
     }
 
     std::optional<TerminationSignals> terminationSignals;
@@ -150,22 +180,22 @@ int main(int argc, char** argv) {
         [&] {
             const StatusReport report = StatusReport::of(monitor);
             if (options.watch) {
-                write(stdout, (options.json ? statusJson(report) : statusLine(report)) + u'\n');
+                (void)::report((options.json ? statusJson(report) : statusLine(report)) + u'\n');
                 return;
             }
             // The first refresh sees every process for the first time; the
             // second one measures their CPU use since then.
             if (++refreshesEnded < 2)
                 return;
-            if (options.json)
-                write(stdout, statusJson(report) + u'\n');
+            if (options.json && !::report(statusJson(report) + u'\n'))
+                return;
             if (report.state.asError()) {
                 write(stderr, u"brenvik-status: " + statusLine(report) + u'\n');
                 QCoreApplication::exit(kExitDetectionFailed);
                 return;
             }
-            if (!options.json)
-                write(stdout, statusText(report));
+            if (!options.json && !::report(statusText(report, terminalWidth())))
+                return;
             QCoreApplication::exit(0);
         },
         Qt::QueuedConnection);

@@ -1,7 +1,5 @@
 #include "monitor/StatusReport.h"
 
-#include "views/CommandText.h"
-
 #include <cmath>
 #include <string_view>
 
@@ -82,15 +80,21 @@ QString statusLine(const StatusReport& report) {
     return singleLine(detailText(report.state));
 }
 
-QString statusText(const StatusReport& report) {
-    QString text = statusLine(report) + u'\n';
+QString statusText(const StatusReport& report, std::optional<qsizetype> width) {
+    // A terminal wraps what is wider than it; cut in time instead.
+    const auto fitted = [width](QString line) -> QString {
+        if (width && line.size() > *width)
+            line = line.left(std::max<qsizetype>(*width - 1, 0)) + u'\u2026';
+        return line + u'\n';
+    };
+    QString text = fitted(statusLine(report));
     if (report.matches.isEmpty())
         return text;
 
     const QString pidHeading = QStringLiteral("PID");
     const QString membersHeading = QStringLiteral("MEMBERS");
     const QString projectHeading = QStringLiteral("PROJECT");
-    const auto project = [](const ProcessMatch& match) {
+    const auto project = [](const ProcessMatch& match) -> QString {
         return match.cwd.isEmpty() ? QStringLiteral("-")
                                    : singleLine(abbreviatedDirectory(match.cwd));
     };
@@ -103,16 +107,17 @@ QString statusText(const StatusReport& report) {
 
     const auto row = [&](const QString& pid, const QString& status, const QString& members,
                          const QString& projectText, const QString& command) -> QString {
-        return u"  " + pid.rightJustified(pidWidth) + u"  " + status.leftJustified(kStatusWidth) +
-               u"  " + members.rightJustified(membersHeading.size()) + u"  " +
-               projectText.leftJustified(projectWidth) + u"  " + command + u'\n';
+        return fitted(u"  " + pid.rightJustified(pidWidth) + u"  " +
+                      status.leftJustified(kStatusWidth) + u"  " +
+                      members.rightJustified(membersHeading.size()) + u"  " +
+                      projectText.leftJustified(projectWidth) + u"  " + command);
     };
     text += row(pidHeading, QStringLiteral("STATUS"), membersHeading, projectHeading,
                 QStringLiteral("COMMAND"));
     for (const ProcessMatch& match : report.matches) {
         text += row(QString::number(match.pid), rawValue(match.status),
                     QString::number(match.memberCount), project(match),
-                    shownCommand(singleLine(match.command)));
+                    singleLine(match.command.trimmed()));
     }
     return text;
 }

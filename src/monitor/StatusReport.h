@@ -23,10 +23,12 @@ struct StatusReport {
 // The detail line alone, as status bars show it. No line break.
 [[nodiscard]] QString statusLine(const StatusReport& report);
 
-// The detail line, then one aligned row per group under a heading: PID,
-// status, member count and the command as the control panel shortens it.
-// Every line ends with a line break.
-[[nodiscard]] QString statusText(const StatusReport& report);
+// The detail line, then one aligned row per session under a heading: PID,
+// status, member count, project and command. Without a width (a file or a
+// pipe) commands are whole; with one (a terminal's columns) each row is cut
+// to fit it with "…". Every line ends with a line break.
+[[nodiscard]] QString statusText(const StatusReport& report,
+                                 std::optional<qsizetype> width = std::nullopt);
 
 // One compact JSON object with its keys in a fixed order. No line break.
 [[nodiscard]] QString statusJson(const StatusReport& report);

@@ -238,6 +238,29 @@ TEST(StatusCommand, OutputMatchesTheExpectedFiles) {
         GTEST_SKIP() << "other Codex CLI processes run on this machine: reports not compared";
 }
 
+// A report that cannot be written is an error a script hears of; --watch
+// ends instead of writing into the void. A reader that goes away is not one.
+TEST(StatusCommand, WriteFailuresEndIt) {
+    for (const char* arguments : {"--json", "--watch", ""}) {
+        SCOPED_TRACE(arguments);
+        QProcess process;
+        process.setStandardOutputFile(QStringLiteral("/dev/full"));
+        process.start(QStringLiteral(BRENVIK_STATUS_COMMAND),
+                      QString::fromLatin1(arguments).split(u' ', Qt::SkipEmptyParts));
+        ASSERT_TRUE(process.waitForFinished(kBound));
+        EXPECT_EQ(process.exitCode(), 1);
+        EXPECT_TRUE(process.readAllStandardError().contains("No space left on device"));
+    }
+    QProcess reader;
+    reader.start(QStringLiteral("bash"),
+                 {QStringLiteral("-c"),
+                  QStringLiteral("\"$0\" --watch | head -n 1 >/dev/null; exit ${PIPESTATUS[0]}"),
+                  QStringLiteral(BRENVIK_STATUS_COMMAND)});
+    ASSERT_TRUE(reader.waitForFinished(kBound)) << "a closed pipe ends --watch";
+    EXPECT_EQ(reader.exitCode(), 0);
+    EXPECT_TRUE(reader.readAllStandardError().isEmpty()) << "quietly";
+}
+
 TEST(StatusCommand, EndToEndSeesFakeCodexProcessesComeAndGo) {
     FakePair fakes;
     ASSERT_TRUE(fakes.isRunning());

@@ -57,12 +57,12 @@ TEST(StatusText, DetailLineThenAnAlignedRowPerGroup) {
              "    PID  STATUS   MEMBERS  PROJECT  COMMAND\n"
              "    812  running        1  -        /usr/bin/codex\n"
              "  34567  idle           3  -        npm exec @zed-industries/codex-acp\n")},
-        {"a PID wider than the heading, a command trimmed and shortened",
+        {"a PID wider than the heading; a command trimmed, and whole",
          observedReport({match(4'000'000'000, u"  " + longCommand + u"\n", idle, 0, 0, 12)}),
          QStringLiteral("1 Codex process idle\n"
                         "         PID  STATUS   MEMBERS  PROJECT  COMMAND\n"
                         "  4000000000  idle          12  -        ") +
-             longCommand.left(107) + QStringLiteral("...\n")},
+             longCommand + u'\n'},
         {"an error of several lines",
          {CodexRunState::error(QStringLiteral("ps: illegal option\nusage: ps")), {}, {}, kUpdated},
          QStringLiteral("Codex process detection failed: ps: illegal option usage: ps\n")},
@@ -75,9 +75,13 @@ TEST(StatusText, DetailLineThenAnAlignedRowPerGroup) {
     };
     for (const auto& testCase : cases) {
         SCOPED_TRACE(testCase.name);
-        EXPECT_EQ(statusText(testCase.report), testCase.expected);
+        EXPECT_EQ(statusText(testCase.report).toStdString(), testCase.expected.toStdString());
+        // In a terminal 40 columns wide, no row wraps.
+        for (const QString& line : statusText(testCase.report, 40).split(u'\n'))
+            EXPECT_LE(line.size(), 40) << line.toStdString();
         EXPECT_EQ(statusLine(testCase.report), statusText(testCase.report).section(u'\n', 0, 0));
     }
+    EXPECT_TRUE(statusText(cases[2].report, 80).endsWith(u"xxxx\u2026\n"_qs)) << "cut visibly";
 }
 
 // Held as exact text, so key order, escaping and number forms all show.
