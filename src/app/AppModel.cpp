@@ -61,7 +61,7 @@ AppModel::AppModel(Parts parts, QObject* parent)
 
 AppModel::~AppModel() = default;
 
-void AppModel::bootstrap() {
+void AppModel::bootstrap(bool openControlPanel) {
     m_statusItem->configure(*m_monitor);
     m_monitor->start();
     if (!m_appVisibility->showDockIcon()) {
@@ -69,8 +69,10 @@ void AppModel::bootstrap() {
             m_appVisibility->applyActivationPolicy(/*activate=*/false, /*reportFailure=*/false);
         });
     }
-    QMetaObject::invokeMethod(
-        this, [this] { m_controlPanel->show(); }, Qt::QueuedConnection);
+    if (openControlPanel) {
+        QMetaObject::invokeMethod(
+            this, [this] { m_controlPanel->show(); }, Qt::QueuedConnection);
+    }
 }
 
 void AppModel::openControlPanel() {

@@ -52,8 +52,8 @@ public:
 
     // Start-up, in order: draw the status item, start the monitor, schedule the
     // stored Dock preference, and open the control panel on the next
-    // event-loop turn.
-    void bootstrap();
+    // event-loop turn (unless started at login, into the tray).
+    void bootstrap(bool openControlPanel = true);
 
     void openControlPanel() override;
     void refreshNow() override;

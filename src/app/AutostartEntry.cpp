@@ -254,7 +254,7 @@ QByteArray AutostartEntry::contents() const {
                        "Name=Brenvik\n"
                        "Comment=Shows whether Codex CLI sessions are running or idle\n"
                        "Exec=") +
-        desktopEntryExecValue({m_location.executable}) +
+        desktopEntryExecValue({m_location.executable, kAutostartOption.toString()}) +
         QStringLiteral("\n"
                        "Icon=brenvik\n"
                        "Terminal=false\n"

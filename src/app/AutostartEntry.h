@@ -9,6 +9,10 @@
 
 namespace brenvik {
 
+// The option the autostart entry starts brenvik with: into the tray, without
+// opening the control panel at every login.
+inline constexpr QStringView kAutostartOption = u"--autostart";
+
 // Exec= of a desktop entry as it stands in the file: each argument quoted
 // where the Desktop Entry rules ask for it, "%" doubled, then the string-level
 // escaping of backslashes (and of line breaks and tabs).

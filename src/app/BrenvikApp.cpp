@@ -1,14 +1,90 @@
 // The tray program: one instance per session, no window of its own at start;
 // the root model makes the tray icon and the control panel.
 #include "app/AppModel.h"
+#include "app/AutostartEntry.h"
 #include "app/ControlPanelController.h"
 #include "app/SingleInstance.h"
 #include "app/TrayIconPainter.h"
 
 #include <QApplication>
 #include <QIcon>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <xcb/xcb.h>
+
+namespace {
+
+constexpr int kExitNoDisplay = 1;
+constexpr int kExitUsage = 2;
+
+const char kUsage[] = R"(Usage: brenvik [--autostart]
+
+Shows in the tray whether your Codex CLI sessions are running, waiting for
+you, or idle, and opens its control panel. Started again while it runs, it
+brings the running one's control panel to the front.
+
+Options:
+  --autostart  start in the tray without opening the control panel (the
+               login entry that "Launch at login" writes uses it)
+  -h, --help   show this help and exit
+  --version    show the version and exit
+
+For terminals and status bars: brenvik-status.
+)";
+
+void print(std::FILE* stream, const char* text) {
+    std::fputs(text, stream);
+    std::fflush(stream);
+}
+
+bool isSet(const char* variable) {
+    const char* value = std::getenv(variable);
+    return value && *value;
+}
+
+// Qt aborts when it finds no display; say so in one line instead. A platform
+// chosen by hand (such as offscreen) needs none.
+bool hasGraphicalSession() {
+    if (isSet("WAYLAND_DISPLAY") || isSet("QT_QPA_PLATFORM"))
+        return true;
+    if (!isSet("DISPLAY"))
+        return false;
+    xcb_connection_t* connection = xcb_connect(nullptr, nullptr);
+    const bool reachable = xcb_connection_has_error(connection) == 0;
+    xcb_disconnect(connection);
+    return reachable;
+}
+
+} // namespace
 
 int main(int argc, char** argv) {
+    bool autostart = false;
+    for (int i = 1; i < argc; ++i) {
+        const QString argument = QString::fromLocal8Bit(argv[i]);
+        if (argument == u"-h" || argument == u"--help") {
+            print(stdout, kUsage);
+            return 0;
+        }
+        if (argument == u"--version") {
+            print(stdout, "brenvik " BRENVIK_VERSION "\n");
+            return 0;
+        }
+        if (argument == brenvik::kAutostartOption) {
+            autostart = true;
+            continue;
+        }
+        std::fprintf(stderr, "brenvik: %s '%s'\n\n",
+                     argument.startsWith(u'-') ? "unknown option" : "unexpected argument", argv[i]);
+        print(stderr, kUsage);
+        return kExitUsage;
+    }
+    if (!hasGraphicalSession()) {
+        print(stderr, "brenvik: no graphical session to show a tray icon in (no reachable "
+                      "DISPLAY or WAYLAND_DISPLAY); brenvik-status --watch works in a terminal\n");
+        return kExitNoDisplay;
+    }
+
     QApplication app(argc, argv);
     QApplication::setOrganizationName(QStringLiteral("Brenvik"));
     QApplication::setApplicationName(QStringLiteral("Brenvik"));
@@ -20,13 +96,15 @@ int main(int argc, char** argv) {
     QApplication::setQuitOnLastWindowClosed(false);
 
     brenvik::SingleInstance instance;
-    // Launching again while running shows the running instance's control panel.
-    if (instance.claim() == brenvik::SingleInstance::Claim::alreadyRunning)
+    // Launching again while running shows the running instance's control
+    // panel; a login start into a running session changes nothing.
+    if (instance.claim(/*showRunning=*/!autostart) ==
+        brenvik::SingleInstance::Claim::alreadyRunning)
         return 0;
 
     brenvik::AppModel& model = brenvik::AppModel::shared();
     QObject::connect(&instance, &brenvik::SingleInstance::showControlPanelRequested, &model,
                      [&model] { model.controlPanel().show(); });
-    model.bootstrap();
+    model.bootstrap(/*openControlPanel=*/!autostart);
     return QApplication::exec();
 }

@@ -11,7 +11,7 @@ SingleInstance::SingleInstance(QObject* parent)
 
 SingleInstance::~SingleInstance() = default;
 
-SingleInstance::Claim SingleInstance::claim() {
+SingleInstance::Claim SingleInstance::claim(bool showRunning) {
     QDBusConnection bus = QDBusConnection::sessionBus();
     if (!bus.isConnected() || !bus.interface())
         return Claim::noBus;
@@ -26,6 +26,8 @@ SingleInstance::Claim SingleInstance::claim() {
     bus.unregisterObject(objectPath.toString());
     if (!reply.isValid())
         return Claim::noBus;
+    if (!showRunning)
+        return Claim::alreadyRunning;
 
     const QDBusMessage call =
         QDBusMessage::createMethodCall(serviceName.toString(), objectPath.toString(),

@@ -25,7 +25,8 @@ public:
     explicit SingleInstance(QObject* parent = nullptr);
     ~SingleInstance() override;
 
-    [[nodiscard]] Claim claim();
+    // With `showRunning`, a running instance is asked to show its control panel.
+    [[nodiscard]] Claim claim(bool showRunning = true);
 
 public Q_SLOTS:
     // Called over the bus by a later launch.

@@ -17,7 +17,7 @@ brenvik_app_library(brenvik_shell X11
   PUBLIC brenvik_core brenvik_views brenvik_preferences brenvik_trayicon Qt6::Widgets Qt6::DBus)
 
 add_executable(brenvik ${CMAKE_CURRENT_LIST_DIR}/BrenvikApp.cpp)
-target_link_libraries(brenvik PRIVATE brenvik_shell brenvik_warnings)
+target_link_libraries(brenvik PRIVATE brenvik_shell brenvik_warnings PkgConfig::XCB)
 
 # The application icon as hicolor PNGs, drawn at build time by the same painter.
 add_executable(brenvik-icon-export ${CMAKE_CURRENT_LIST_DIR}/AppIconExport.cpp)

@@ -78,6 +78,14 @@ TEST_F(Startup, StatusItemBeforeTheFirstResultAndThePanelOnTheNextTurn) {
     EXPECT_EQ(m_surface.toolTips.last(), u"1 Codex process running"_s);
 }
 
+TEST_F(Startup, AtLoginIntoTheTrayOnly) {
+    AppModel& model = makeModel();
+    model.bootstrap(/*openControlPanel=*/false);
+    QApplication::processEvents();
+    EXPECT_EQ(model.controlPanel().window(), nullptr);
+    EXPECT_EQ(m_surface.icons.size(), 1);
+}
+
 TEST_F(Startup, StoredDockPreferenceOffIsAppliedSilentlyAfter150Milliseconds) {
     // Name, stored value, whether the desktop accepts, whether a Dock step follows.
     const std::tuple<const char*, std::optional<bool>, bool, bool> cases[] = {

@@ -54,7 +54,7 @@ TEST_F(LaunchAtLogin, RegisterWritesTheEntryAndUnregisterRemovesIt) {
         if (line.startsWith("Exec="))
             exec = parseDesktopEntryExecValue(QString::fromUtf8(line.mid(5)));
     }
-    EXPECT_EQ(exec, QStringList{entry.executable()});
+    EXPECT_EQ(exec, (QStringList{entry.executable(), u"--autostart"_s}));
     // A second controller (a new session) finds it registered.
     EXPECT_EQ(LaunchAtLoginController(entry).status(), LaunchAtLoginStatus::enabled);
 

@@ -21,6 +21,23 @@ if [[ -z ${BRENVIK_E2E_PRIVATE_BUS:-} ]]; then
     BRENVIK_E2E_PRIVATE_BUS=1 exec dbus-run-session -- "$0" "$@"
 fi
 
+# Its command line, before any display: usage, version, a refusal, and one
+# line where there is no display to show a tray icon in.
+expect_exit() {
+    local expected=$1 pattern=$2
+    shift 2
+    local output status=0
+    output=$("$@" 2>&1) || status=$?
+    [[ $status -eq $expected && $output =~ $pattern ]] || {
+        echo "e2e FAILED: '$*' exited $status (expected $expected): $output" >&2
+        exit 1
+    }
+}
+expect_exit 0 '^Usage: brenvik' "$app" --help
+expect_exit 0 '^brenvik [0-9]' "$app" --version
+expect_exit 2 "unknown option '--frobnicate'" "$app" --frobnicate
+expect_exit 1 '^brenvik: no graphical session[^'$'\n'']*$' env -u DISPLAY -u WAYLAND_DISPLAY -u QT_QPA_PLATFORM "$app"
+
 export QT_QPA_PLATFORM=xcb
 # libxkbcommon-x11 hands strndup() names that are not NUL-terminated, which
 # strndup allows but ASan's strict string checks report.
