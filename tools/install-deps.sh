@@ -14,6 +14,8 @@ packages=(
   procps
   # a font, so offscreen rendering has glyphs to draw
   fonts-dejavu-core
+  # checking the installed desktop entry and AppStream metadata
+  desktop-file-utils appstream
   # end-to-end: display server, tray host, window manager, input and pixels, private bus
   xvfb xauth trayer openbox xdotool x11-utils imagemagick dbus-daemon dbus-bin
   # end-to-end with the real Codex CLI: its TUI runs in tmux

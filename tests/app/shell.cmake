@@ -19,3 +19,8 @@ brenvik_add_test(NAME brenvik_tray_e2e
   COMMAND ${CMAKE_CURRENT_LIST_DIR}/tray-e2e.sh $<TARGET_FILE:brenvik>
           $<TARGET_FILE:brenvik-fake-sni-watcher>
   SERIAL LABELS e2e TIMEOUT 300)
+
+# What `cmake --install --strip` puts on a machine, validated as desktops read it.
+brenvik_add_test(NAME brenvik_install_check
+  COMMAND ${CMAKE_CURRENT_LIST_DIR}/install-check.sh ${PROJECT_BINARY_DIR}
+  LABELS install TIMEOUT 120)
