@@ -76,6 +76,8 @@ void AppModel::bootstrap(bool openControlPanel) {
 }
 
 void AppModel::openControlPanel() {
+    // The popover's job is done once the panel it pointed to is in front.
+    m_statusItem->popover().hide();
     m_controlPanel->show();
 }
 

@@ -22,6 +22,9 @@ ControlPanelController::~ControlPanelController() = default;
 void ControlPanelController::show() {
     if (!m_window)
         buildWindow();
+    // Restored, not only raised: a minimised panel without a taskbar entry
+    // would be lost to the user.
+    m_window->setWindowState((m_window->windowState() & ~Qt::WindowMinimized) | Qt::WindowActive);
     m_window->show();
     m_window->raise();
     m_window->activateWindow();

@@ -47,6 +47,9 @@ TEST(ControlPanelController, BuildsOneFixedSizeWindowCentredOnce) {
         EXPECT_EQ(window->pos(), before) << name;
         EXPECT_EQ(window->size(), QSize(420, 480)) << name;
     }
+    window->showMinimized();
+    controller.show();
+    EXPECT_FALSE(window->isMinimized()) << "restored, not only raised";
     EXPECT_EQ(QApplication::topLevelWidgets().count(window), 1);
     window->close();
 }
