@@ -71,6 +71,9 @@ bool isTargetTripleName(QStringView name) {
 enum class Executable { other, codex, adapter, sandbox };
 
 Executable executableKind(QStringView name) {
+    // Nix wraps programs as ".NAME-wrapped".
+    if (name.startsWith(u'.') && name.endsWith(u"-wrapped"))
+        name = name.sliced(1).chopped(8);
     if (name == u"codex" || isTargetTripleName(name))
         return Executable::codex;
     if (name == u"codex-acp")
@@ -91,14 +94,15 @@ enum class Entry { other, codex, adapter, acpx };
 // What a script path an interpreter runs is.
 Entry entryScript(QStringView path) {
     const QStringView name = fileName(path);
+    // Inside the packages themselves, not any folder that happens to share a name.
     if (isOneOf(name, {u"codex-acp", u"codex-acp.js", u"codex-acp.mjs", u"codex-acp.cjs"}) ||
-        contains(path, u"/codex-acp/") || contains(path, u"@zed-industries/codex-acp"))
+        contains(path, u"@zed-industries/codex-acp"))
         return Entry::adapter;
     if (isOneOf(name, {u"codex", u"codex.js", u"codex.mjs", u"codex.cjs"}) ||
         contains(path, u"@openai/codex/") || contains(path, u"@openai/codex-"))
         return Entry::codex;
-    if (isOneOf(name, {u"acpx", u"acpx.js", u"acpx.mjs"}) || contains(path, u"/acpx/") ||
-        contains(path, u"openclaw/dist/extensions/acpx"))
+    if (isOneOf(name, {u"acpx", u"acpx.js", u"acpx.mjs"}) ||
+        contains(path, u"node_modules/acpx/") || contains(path, u"openclaw/dist/extensions/acpx"))
         return Entry::acpx;
     return Entry::other;
 }
@@ -148,16 +152,26 @@ Running whatRuns(const Words& words) {
     return running;
 }
 
-// acpx's agent choice: `acpx codex …`, `--agent …/codex-acp`, `agent:codex:…`.
+// acpx's agent choice: its first positional argument (`acpx codex exec …`),
+// its --agent (`--agent …/codex-acp`), or openclaw's `agent:codex:…` — never
+// words of the prompt.
 bool namesCodexAgent(QStringView lowered, const Words& words, qsizetype from) {
     if (contains(lowered, u"agent:codex:"))
         return true;
+    const auto isCodexAgent = [](QStringView value) {
+        return value == u"codex" || fileName(value).startsWith(u"codex-acp") ||
+               contains(value, u"@zed-industries/codex-acp");
+    };
     for (qsizetype i = from; i < words.size(); ++i) {
         const QStringView word = words[i];
-        const QStringView value = word.startsWith(u"--agent=") ? word.sliced(8) : word;
-        if (value == u"codex" || fileName(value).startsWith(u"codex-acp") ||
-            contains(value, u"@zed-industries/codex-acp"))
-            return true;
+        if (word == u"--agent")
+            return i + 1 < words.size() && isCodexAgent(words[i + 1]);
+        if (word.startsWith(u"--agent="))
+            return isCodexAgent(word.sliced(8));
+        if (!word.startsWith(u'-'))
+            return isCodexAgent(word);
+        if (isOneOf(word, {u"--cwd", u"--format", u"--timeout", u"--model", u"--session"}))
+            ++i;
     }
     return false;
 }
@@ -314,18 +328,29 @@ bool isLauncherLink(QStringView loweredParent, QStringView loweredChild) {
     return false;
 }
 
-CodexRole codexRole(QStringView lowered, QStringView executablePath) {
-    const Words words = leadingWords(lowered);
+CodexRole codexRole(QStringView lowered, QStringView executablePath, const QStringList& arguments) {
+    // Whole arguments where the source kept them, lower-cased as the line is.
+    QStringList loweredArguments;
+    Words words;
+    if (!arguments.isEmpty()) {
+        for (const QString& argument : arguments.first(std::min(arguments.size(), kWordsExamined)))
+            loweredArguments.append(argument.toLower());
+        for (const QString& argument : std::as_const(loweredArguments))
+            words.append(argument);
+    } else {
+        words = leadingWords(lowered);
+    }
     if (words.isEmpty() || fileName(words[0]).startsWith(u"brenvik"))
         return CodexRole::none;
     Running running = whatRuns(words);
     if (running.executable == Executable::other && running.entry == Entry::other &&
         !executablePath.isEmpty()) {
-        // Renamed on the way in (argv[0] of an alias such as apply_patch):
-        // the file that runs still tells.
+        // Started under another name (a link such as ~/bin/cx, or an alias):
+        // the file that runs still tells. Codex's own aliases are its helpers.
         const QString name = fileName(withoutDeletedSuffix(executablePath)).toString().toLower();
         running.executable = executableKind(name);
-        if (running.executable == Executable::codex)
+        if (running.executable == Executable::codex &&
+            isOneOf(fileName(words[0]), {u"apply_patch", u"applypatch"}))
             return CodexRole::helper;
     }
     switch (running.executable) {

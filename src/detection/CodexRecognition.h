@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <QStringList>
 #include <QStringView>
 
 namespace brenvik {
@@ -58,7 +59,9 @@ enum class CodexRole {
 }
 
 // The role of a process from its lower-cased command line and, where known,
-// its executable path (empty when the source cannot tell).
-[[nodiscard]] CodexRole codexRole(QStringView lowered, QStringView executablePath = {});
+// its executable path and its arguments each whole (empty when the source
+// cannot tell; then the command line's words stand in for them).
+[[nodiscard]] CodexRole codexRole(QStringView lowered, QStringView executablePath = {},
+                                  const QStringList& arguments = {});
 
 } // namespace brenvik

@@ -209,7 +209,8 @@ const QString& ProcProcessTableSource::stateText(char state) {
     return text;
 }
 
-std::optional<QString> ProcProcessTableSource::readCommandLine(int pidDirectory) {
+std::optional<ProcProcessTableSource::CommandLine>
+ProcProcessTableSource::readCommandLine(int pidDirectory, bool wantArguments) {
     const FileDescriptor fd(::openat(pidDirectory, "cmdline", O_RDONLY | O_CLOEXEC));
     if (!fd.isValid())
         return std::nullopt;
@@ -232,6 +233,18 @@ std::optional<QString> ProcProcessTableSource::readCommandLine(int pidDirectory)
     char* const data = m_cmdlineBuffer.data();
     while (length > 0 && data[length - 1] == '\0')
         --length;
+    CommandLine line;
+    // The words of a Codex command line as they were given: a prompt such as
+    // "help me" is one argument, not the subcommand "help".
+    if (wantArguments || QByteArray(data, length).toLower().contains("codex")) {
+        for (qsizetype begin = 0; begin <= length;) {
+            qsizetype end = begin;
+            while (end < length && data[end] != '\0')
+                ++end;
+            line.arguments.append(QString::fromUtf8(data + begin, end - begin));
+            begin = end + 1;
+        }
+    }
     // As ps prints arguments: separators and line breaks become blanks, other
     // control characters "?", so that both sources give the same text.
     for (char* c = data; c != data + length; ++c) {
@@ -240,7 +253,8 @@ std::optional<QString> ProcProcessTableSource::readCommandLine(int pidDirectory)
         else if ((*c > 0 && *c < 0x20) || *c == 0x7f)
             *c = '?';
     }
-    return QString::fromUtf8(data, length).trimmed();
+    line.text = QString::fromUtf8(data, length).trimmed();
+    return line;
 }
 
 QList<ObservedProcess> ProcProcessTableSource::snapshot() {
@@ -302,6 +316,7 @@ QList<ObservedProcess> ProcProcessTableSource::snapshot() {
                              .comm = stat->comm.toByteArray(),
                              .command = u'[' + QString::fromUtf8(stat->comm) +
                                         QStringLiteral("] <defunct>"),
+                             .arguments = {},
                              .commandIsFinal = false,
                              .isCodex = false,
                              .executable = {},
@@ -311,16 +326,21 @@ QList<ObservedProcess> ProcProcessTableSource::snapshot() {
                              .generation = known.generation};
             known = dead;
         } else if (!continuing || known.comm != stat->comm || !known.commandIsFinal) {
-            auto commandLine = readCommandLine(pidDir.get());
+            auto commandLine = readCommandLine(pidDir.get(), commLooksLikeCodex(stat->comm));
             if (!commandLine)
                 continue; // vanished mid-read; pruned below unless seen before
             // An empty command line is final only for a kernel thread. A process
-            // in the middle of exec shows its new comm before its arguments.
-            known.commandIsFinal = !commandLine->isEmpty() || stat->isKernelThread();
-            if (commandLine->isEmpty())
-                *commandLine = u'[' + QString::fromUtf8(stat->comm) + u']';
+            // in the middle of exec shows its new comm before its arguments;
+            // one between fork and exec shows its parent's command line.
+            const auto parent = m_known.constFind(stat->ppid);
+            known.commandIsFinal = (!commandLine->text.isEmpty() || stat->isKernelThread()) &&
+                                   (parent == m_known.cend() || !parent->isCodex ||
+                                    parent->command != commandLine->text);
+            known.arguments = std::move(commandLine->arguments);
+            if (commandLine->text.isEmpty())
+                commandLine->text = u'[' + QString::fromUtf8(stat->comm) + u']';
             const bool detailed = learn(known, pidDir.get(), stat->ppid, stat->comm,
-                                        stat->startTimeTicks, std::move(*commandLine));
+                                        stat->startTimeTicks, std::move(commandLine->text));
             // A parent listed after its child (PIDs wrap) is judged below.
             if (!detailed && m_known.value(stat->ppid).generation != generation)
                 undecided.append(rows.size());
@@ -339,6 +359,7 @@ QList<ObservedProcess> ProcProcessTableSource::snapshot() {
                                     .cpuPercent = cpuPercent,
                                     .cpuTime = cpuTime,
                                     .command = known.command,
+                                    .arguments = known.arguments,
                                     .executable = known.executable,
                                     .cwd = known.cwd,
                                     .startedAt = known.startedAt});

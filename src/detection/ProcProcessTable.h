@@ -57,6 +57,7 @@ private:
         quint64 startTimeTicks = 0;
         QByteArray comm; // as read from stat, compared without decoding
         QString command;
+        QStringList arguments;       // of Codex-like command lines only
         bool commandIsFinal = false; // false: read it again next time
         bool isCodex = false;        // its children get their details read too
         QString executable;
@@ -67,7 +68,11 @@ private:
     };
 
     [[nodiscard]] const QString& stateText(char state);
-    [[nodiscard]] std::optional<QString> readCommandLine(int pidDirectory);
+    struct CommandLine {
+        QString text;          // as ps shows it
+        QStringList arguments; // where it may be Codex's, or wanted: each argument whole
+    };
+    [[nodiscard]] std::optional<CommandLine> readCommandLine(int pidDirectory, bool wantArguments);
     // Takes a new command line; reads the details when the process may be
     // Codex's or its parent is. False when it did not read them.
     bool learn(Known& known, int pidDirectory, qint64 ppid, QByteArrayView comm,

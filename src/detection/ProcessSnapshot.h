@@ -3,6 +3,7 @@
 #include <QDateTime>
 #include <QList>
 #include <QString>
+#include <QStringList>
 #include <QStringView>
 #include <exception>
 #include <memory>
@@ -18,6 +19,9 @@ struct ObservedProcess {
     double cpuPercent = 0; // percent of one core; may exceed 100
     double cpuTime = 0;    // cumulative seconds
     QString command;       // full command line, trimmed, never empty
+    // Each argument whole, where the source keeps them (the /proc source, for
+    // command lines that may be Codex's); empty otherwise.
+    QStringList arguments;
     // Known only where the source can tell, and read only for Codex processes
     // (and the children of Codex processes): empty or absent otherwise.
     QString executable;                 // the file that runs (/proc/PID/exe), maybe " (deleted)"

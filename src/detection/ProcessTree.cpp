@@ -80,9 +80,10 @@ public:
                     serviceTops.append(index);
             } else if (isFrontEnd(role) &&
                        !hasAncestor(index, [](CodexRole r) { return r != CodexRole::none; })) {
-                addFrontEnd(sessions, index, role);
+                m_tops.insert(index);
             }
         }
+        addFrontEnds(sessions);
         for (Session& session : sessions)
             addTree(session, indexOf(session.group.root.pid), sessions);
         QList<qint64> servicePIDs;
@@ -159,9 +160,10 @@ private:
     bool recogniseCodexProcesses() {
         for (qsizetype i = 0; i < m_rows.size(); ++i) {
             const ObservedProcess& row = m_rows[i];
-            if (!(mayMentionCodex(row.command) || !row.executable.isEmpty()) || !takesPart(i))
+            if (!(mayMentionCodex(row.command) || isCodexExecutable(row.executable)) ||
+                !takesPart(i))
                 continue;
-            const CodexRole role = codexRole(loweredAt(i), row.executable);
+            const CodexRole role = codexRole(loweredAt(i), row.executable, row.arguments);
             if (role == CodexRole::none)
                 continue;
             m_codex.append({i, role});
@@ -207,29 +209,46 @@ private:
         return false;
     }
 
-    void addFrontEnd(QHash<qint64, Session>& sessions, qsizetype frontEnd, CodexRole role) {
+    // Each front-end's session is rooted at its outermost launcher, but never
+    // at one that launched other front-ends too: one session per front-end,
+    // also under a program that starts several.
+    void addFrontEnds(QHash<qint64, Session>& sessions) {
         const auto parentOf = [this](qint64 ppid) -> std::optional<Parent> {
             const qsizetype i = indexOf(ppid);
             if (i < 0 || !takesPart(i))
                 return std::nullopt;
             return Parent{&m_rows[i], loweredAt(i)};
         };
-        const Chain chain = climb(m_rows[frontEnd], loweredAt(frontEnd), parentOf);
-        const ObservedProcess& root = *chain.back();
-        auto session = sessions.find(root.pid);
-        if (session == sessions.end()) {
-            Session fresh;
-            fresh.group.root = root;
-            session = sessions.insert(root.pid, fresh);
+        QList<std::pair<qsizetype, Chain>> chains;
+        QHash<qint64, int> frontEndsBelow;
+        for (const qsizetype top : std::as_const(m_tops)) {
+            chains.append({top, climb(m_rows[top], loweredAt(top), parentOf)});
+            for (const ObservedProcess* row : chains.back().second)
+                ++frontEndsBelow[row->pid];
         }
-        for (const ObservedProcess* row : chain)
-            session->group.memberPIDs.insert(row->pid);
-        session->interactive = session->interactive || role == CodexRole::interactive;
-        const ObservedProcess& process = m_rows[frontEnd];
-        if (session->cwd.isEmpty())
-            session->cwd = process.cwd;
-        if (!session->startedAt)
-            session->startedAt = process.startedAt;
+        std::sort(chains.begin(), chains.end(),
+                  [](const auto& a, const auto& b) { return a.first < b.first; });
+        for (auto& [top, chain] : chains) {
+            qsizetype length = 1;
+            while (length < chain.size() && frontEndsBelow.value(chain[length]->pid) == 1)
+                ++length;
+            chain.resize(length);
+            const ObservedProcess& root = *chain.back();
+            auto session = sessions.find(root.pid);
+            if (session == sessions.end()) {
+                Session fresh;
+                fresh.group.root = root;
+                session = sessions.insert(root.pid, fresh);
+            }
+            for (const ObservedProcess* row : chain)
+                session->group.memberPIDs.insert(row->pid);
+            session->interactive = session->interactive || roleAt(top) == CodexRole::interactive;
+            const ObservedProcess& process = m_rows[top];
+            if (session->cwd.isEmpty())
+                session->cwd = process.cwd;
+            if (!session->startedAt)
+                session->startedAt = process.startedAt;
+        }
     }
 
     // A tool command: a sandbox helper, or a shell a Codex process started.
@@ -250,10 +269,10 @@ private:
     // already counted, down through any process group or session, except the
     // shared service and other sessions' roots.
     void addTree(Session& session, qsizetype top, const QHash<qint64, Session>& sessions) {
-        std::vector<std::pair<qsizetype, int>> pending{{top, 0}};
+        std::vector<qsizetype> pending{top};
         ActivityAggregate& group = session.group;
         while (!pending.empty()) {
-            const auto [index, depth] = pending.back();
+            const qsizetype index = pending.back();
             pending.pop_back();
             const ObservedProcess& row = m_rows[index];
             if (!m_counted.insert(row.pid).second)
@@ -266,38 +285,53 @@ private:
             const CodexRole role = roleAt(index);
             if (role != CodexRole::none)
                 group.memberPIDs.insert(row.pid);
-            if (isFrontEnd(role) && isCodexExecutable(row.executable))
+            // Its own Codex executable, under its shim at most: a Codex a tool
+            // command started writes a log of its own.
+            const qsizetype parent = indexOf(row.ppid);
+            if (isFrontEnd(role) && isCodexExecutable(row.executable) &&
+                (m_tops.contains(index) || (parent >= 0 && isFrontEnd(roleAt(parent)))))
                 session.logHolders.append(row.pid);
             if (isCommand(index, role))
                 ++session.runningCommands;
-            if (depth >= kMaxDepth)
-                continue;
+            // m_counted ends any loop a corrupt table could make.
             forEachChild(index, [&](qsizetype child) {
                 if (roleAt(child) != CodexRole::service && !sessions.contains(m_rows[child].pid))
-                    pending.emplace_back(child, depth + 1);
+                    pending.push_back(child);
             });
         }
     }
 
     // The service runs the tool commands of every TUI of its CODEX_HOME, each
-    // in that TUI's project directory: a command tree whose directory is that
-    // of exactly one TUI is that TUI's work. Anything else stays unattributed.
+    // in that TUI's project directory or below it: a command tree there is
+    // the work of the TUI whose directory is the closest one above it. Two
+    // TUIs in that directory cannot be told apart, and get none of it.
     void attributeServiceWork(qsizetype service, QHash<qint64, Session>& sessions) {
         forEachChild(service, [&](qsizetype child) {
             const QString& cwd = m_rows[child].cwd;
             if (cwd.isEmpty() || roleAt(child) == CodexRole::service)
                 return;
             Session* owner = nullptr;
+            bool ambiguous = false;
             for (Session& session : sessions) {
-                if (!session.interactive || session.cwd != cwd)
+                if (!session.interactive || !isSameOrBelow(cwd, session.cwd))
                     continue;
-                if (owner)
-                    return; // two TUIs in one directory: cannot tell
-                owner = &session;
+                if (owner && owner->cwd.size() == session.cwd.size()) {
+                    ambiguous = true;
+                } else if (!owner || session.cwd.size() > owner->cwd.size()) {
+                    owner = &session;
+                    ambiguous = false;
+                }
             }
-            if (owner)
+            if (owner && !ambiguous)
                 addTree(*owner, child, sessions);
         });
+    }
+
+    static bool isSameOrBelow(const QString& path, const QString& directory) {
+        if (directory.isEmpty() || !path.startsWith(directory))
+            return false;
+        return path.size() == directory.size() || directory.endsWith(u'/') ||
+               path.at(directory.size()) == u'/';
     }
 
     const QList<ObservedProcess>& m_rows;
@@ -308,6 +342,7 @@ private:
     std::unordered_map<qsizetype, CodexRole> m_roleByIndex;
     std::vector<qsizetype> m_byParent;
     std::unordered_set<qint64> m_counted; // a process counts for one session only
+    QSet<qsizetype> m_tops;               // front-ends below no other Codex process
 };
 
 } // namespace

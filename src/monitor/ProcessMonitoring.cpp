@@ -328,8 +328,11 @@ CodexProcessMonitor::classify(const QList<DetectedProcessSample>& samples, const
         std::optional<QDateTime> since;
         if (seenBefore && previous->status == status)
             since = previous->since;
-        else if (logged && log->phaseSince && (!seenBefore || *log->phaseSince <= now))
-            since = seenBefore ? std::max(*log->phaseSince, previous->seenAt) : *log->phaseSince;
+        else if (logged && log->phaseSince)
+            // Never ahead of now (a log written on a clock ahead of ours), never
+            // before this program last saw the session in another status.
+            since = std::min(
+                seenBefore ? std::max(*log->phaseSince, previous->seenAt) : *log->phaseSince, now);
         else
             since = now;
 

@@ -83,8 +83,12 @@ QString statusLine(const StatusReport& report) {
 QString statusText(const StatusReport& report, std::optional<qsizetype> width) {
     // A terminal wraps what is wider than it; cut in time instead.
     const auto fitted = [width](QString line) -> QString {
-        if (width && line.size() > *width)
-            line = line.left(std::max<qsizetype>(*width - 1, 0)) + u'\u2026';
+        if (width && line.size() > *width) {
+            qsizetype keep = std::max<qsizetype>(*width - 1, 0);
+            if (keep > 0 && line.at(keep - 1).isHighSurrogate())
+                --keep; // never half a character
+            line = line.left(keep) + u'\u2026';
+        }
         return line + u'\n';
     };
     QString text = fitted(statusLine(report));

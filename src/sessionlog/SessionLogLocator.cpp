@@ -102,8 +102,9 @@ SessionLogLocator::chooseLog(const DetectedProcessSample& sample,
 
 QList<std::optional<SessionLogState>>
 SessionLogLocator::statesOf(const QList<DetectedProcessSample>& samples) noexcept {
-    QList<std::optional<SessionLogState>> states(samples.size());
+    QList<std::optional<SessionLogState>> states;
     try {
+        states.resize(samples.size());
         QHash<qint64, QList<OpenLog>> logsByHolder;
         for (const DetectedProcessSample& sample : samples) {
             for (const qint64 holder : sample.logHolderPIDs) {
@@ -128,7 +129,7 @@ SessionLogLocator::statesOf(const QList<DetectedProcessSample>& samples) noexcep
         m_logs.retainOnly(used);
     } catch (...) {
         // Out of memory at worst: every session falls back to its CPU use.
-        std::fill(states.begin(), states.end(), std::nullopt);
+        states.clear();
     }
     return states;
 }

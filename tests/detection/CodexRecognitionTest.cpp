@@ -69,11 +69,36 @@ TEST(CodexRecognition, RoleByWhatRuns) {
         {u"/opt/Brenvik/bin/BRENVIK --watch /x/codex", u"/opt/Brenvik/bin/codex", Role::none},
         {u"node server.js", u"/usr/bin/node", Role::none},
         {u"", u"", Role::none},
+        {u"node /home/u/src/codex-acp/scripts/build.js", u"", Role::none},
+        {u"node /p/node_modules/acpx/dist/cli.js claude exec compare with codex output", u"",
+         Role::none},
+        // Under another name, the file that runs tells.
+        {u"cx", u"/usr/lib/node_modules/@openai/codex/vendor/codex", Role::interactive},
+        {u"codex exec hi", u"/nix/store/x-codex/bin/.codex-wrapped", Role::headless},
     };
     for (const auto& c : cases) {
         const QString command = QString::fromUtf16(c.command);
         EXPECT_EQ(codexRole(lowerCasedCommand(command), QString::fromUtf16(c.executable)),
                   c.expected)
+            << command.toStdString();
+    }
+}
+
+// Where the source keeps each argument whole, a prompt is never a subcommand.
+TEST(CodexRecognition, WholeArguments) {
+    const struct {
+        QStringList arguments;
+        Role expected;
+    } cases[] = {
+        {{u"codex"_qs, u"help me write tests"_qs}, Role::interactive},
+        {{u"codex"_qs, u"review the auth module"_qs}, Role::interactive},
+        {{u"codex"_qs, u"review"_qs}, Role::headless},
+        {{u"node"_qs, u"/home/u/My Tools/node_modules/.bin/codex"_qs, u"exec"_qs, u"x"_qs},
+         Role::headless},
+    };
+    for (const auto& c : cases) {
+        const QString command = c.arguments.join(u' ');
+        EXPECT_EQ(codexRole(lowerCasedCommand(command), {}, c.arguments), c.expected)
             << command.toStdString();
     }
 }

@@ -83,15 +83,17 @@ TEST_F(ProcSourceTest, RowsFromStatAndCmdline) {
     snapshotAfter(0ms);
 
     ASSERT_EQ(m_rows.size(), 4);
-    EXPECT_EQ(m_rows.value(10), (ObservedProcess{.pid = 10,
-                                                 .ppid = 3,
-                                                 .state = QStringLiteral("R"),
-                                                 .cpuPercent = 0.0,
-                                                 .cpuTime = 3.0,
-                                                 .command = QStringLiteral("node /x/codex --fast"),
-                                                 .executable = {},
-                                                 .cwd = {},
-                                                 .startedAt = {}}));
+    EXPECT_EQ(m_rows.value(10),
+              (ObservedProcess{.pid = 10,
+                               .ppid = 3,
+                               .state = QStringLiteral("R"),
+                               .cpuPercent = 0.0,
+                               .cpuTime = 3.0,
+                               .command = QStringLiteral("node /x/codex --fast"),
+                               .arguments = {u"node"_qs, u"/x/codex"_qs, u"--fast"_qs},
+                               .executable = {},
+                               .cwd = {},
+                               .startedAt = {}}));
     EXPECT_EQ(command(11), QStringLiteral("[kworker/0:1]"));
     EXPECT_EQ(command(12), QStringLiteral("a\uFFFD b  ?c d??")) << "controls as ps shows them";
     EXPECT_EQ(command(15), QStringLiteral("nameless"));
