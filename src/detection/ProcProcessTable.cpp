@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <charconv>
+#include <cstdlib>
 #include <dirent.h>
 #include <fcntl.h>
 #include <memory>
@@ -202,6 +203,10 @@ void ProcProcessTableSource::readDetails(Known& known, int pidDirectory, quint64
     }
 }
 
+void ProcProcessTableSource::setProcessesOfInterest(QSet<qint64> pids) {
+    m_ofInterest = std::move(pids);
+}
+
 const QString& ProcProcessTableSource::stateText(char state) {
     QString& text = m_stateTexts[static_cast<unsigned char>(state)];
     if (text.isEmpty())
@@ -293,6 +298,26 @@ QList<ObservedProcess> ProcProcessTableSource::snapshot() {
         }
         if (!isNumericName(entry->d_name))
             continue;
+        // Seen last time, and nothing any session is made of: its row stands
+        // as it was read, except on its turn in the rotation. Kernel threads
+        // never turn into anything else.
+        if (const auto seen = m_known.find(std::strtoll(entry->d_name, nullptr, 10));
+            seen != m_known.end() && seen->generation == generation - 1 &&
+            !m_ofInterest.contains(seen.key()) &&
+            (seen->isKernelThread || (seen.key() + qint64(generation)) % kRotationSlices != 0)) {
+            seen->generation = generation;
+            rows.append(ObservedProcess{.pid = seen.key(),
+                                        .ppid = seen->ppid,
+                                        .state = stateText(seen->state),
+                                        .cpuPercent = 0.0,
+                                        .cpuTime = seen->cpuTime,
+                                        .command = seen->command,
+                                        .arguments = seen->arguments,
+                                        .executable = seen->executable,
+                                        .cwd = seen->cwd,
+                                        .startedAt = seen->startedAt});
+            continue;
+        }
         const FileDescriptor pidDir(
             ::openat(::dirfd(dir.get()), entry->d_name, O_RDONLY | O_DIRECTORY | O_CLOEXEC));
         if (!pidDir.isValid())
@@ -346,12 +371,19 @@ QList<ObservedProcess> ProcProcessTableSource::snapshot() {
                 undecided.append(rows.size());
         }
         const double cpuTime = double(stat->utimeTicks + stat->stimeTicks) / m_ticksPerSecond;
-        const double cpuPercent = continuing && interval > 0
-                                      ? std::max(0.0, 100.0 * (cpuTime - known.cpuTime) / interval)
+        // Over the time since this process was last read, which a rotation
+        // may have made longer than one interval.
+        const double sinceRead = std::chrono::duration<double>(now - known.readAt).count();
+        const double cpuPercent = continuing && interval > 0 && sinceRead > 0
+                                      ? std::max(0.0, 100.0 * (cpuTime - known.cpuTime) / sinceRead)
                                       : 0.0;
         known.startTimeTicks = stat->startTimeTicks;
         known.cpuTime = cpuTime;
         known.generation = generation;
+        known.readAt = now;
+        known.ppid = stat->ppid;
+        known.state = stat->state;
+        known.isKernelThread = stat->isKernelThread();
 
         rows.append(ObservedProcess{.pid = stat->pid,
                                     .ppid = stat->ppid,

@@ -5,6 +5,7 @@
 #include <QByteArray>
 #include <QByteArrayView>
 #include <QHash>
+#include <QSet>
 #include <array>
 #include <chrono>
 #include <functional>
@@ -50,6 +51,12 @@ public:
                                     SteadyClock clock = &std::chrono::steady_clock::now);
 
     [[nodiscard]] QList<ObservedProcess> snapshot() override;
+    void setProcessesOfInterest(QSet<qint64> pids) override;
+
+    // A process that matters to no session is read once in this many
+    // snapshots (every 10 s at 2 s a refresh), so that one which turns into
+    // Codex is seen soon enough while most of the table costs nothing.
+    static constexpr int kRotationSlices = 5;
 
 private:
     // What the previous snapshots taught about one process.
@@ -65,6 +72,11 @@ private:
         std::optional<QDateTime> startedAt;
         double cpuTime = 0;
         quint64 generation = 0; // the snapshot that last saw it; 0 = never
+        // As last read, for the snapshots that take the row as it was.
+        std::chrono::steady_clock::time_point readAt{};
+        qint64 ppid = 0;
+        char state = '?';
+        bool isKernelThread = false;
     };
 
     [[nodiscard]] const QString& stateText(char state);
@@ -84,6 +96,7 @@ private:
     double m_ticksPerSecond = 100;
     std::optional<qint64> m_bootTimeSeconds; // since the epoch, from the stat file
     QHash<qint64, Known> m_known;
+    QSet<qint64> m_ofInterest; // read at every snapshot
     std::optional<std::chrono::steady_clock::time_point> m_previousAt;
     quint64 m_generation = 1; // so that no snapshot mistakes a fresh entry (0) for the previous one
     qsizetype m_previousCount = 0;

@@ -2,6 +2,7 @@
 
 #include <QDateTime>
 #include <QList>
+#include <QSet>
 #include <QString>
 #include <QStringList>
 #include <QStringView>
@@ -61,6 +62,9 @@ public:
     virtual ~ProcessTableSource() = default;
     // Throws ProcessSnapshotError.
     [[nodiscard]] virtual QList<ObservedProcess> snapshot() = 0;
+    // The processes the sessions are made of: a source that can read the
+    // others less often must read these at every snapshot.
+    virtual void setProcessesOfInterest(QSet<qint64> pids) { Q_UNUSED(pids); }
 };
 
 // The platform's default source: /proc where it exists, /bin/ps elsewhere.

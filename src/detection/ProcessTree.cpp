@@ -117,6 +117,27 @@ public:
         return samples;
     }
 
+    // Every process a session or a service is made of, and all Codex
+    // processes: what the next snapshot must read afresh.
+    [[nodiscard]] QSet<qint64> processesOfInterest() const {
+        QSet<qint64> pids(m_counted.cbegin(), m_counted.cend());
+        // Below every Codex process, the service's included.
+        QSet<qsizetype> visited;
+        std::vector<qsizetype> pending;
+        for (const auto& [index, role] : m_codex)
+            pending.push_back(index);
+        while (!pending.empty()) {
+            const qsizetype index = pending.back();
+            pending.pop_back();
+            if (visited.contains(index))
+                continue;
+            visited.insert(index);
+            pids.insert(m_rows[index].pid);
+            forEachChild(index, [&](qsizetype child) { pending.push_back(child); });
+        }
+        return pids;
+    }
+
 private:
     struct Session {
         ActivityAggregate group;
@@ -347,8 +368,13 @@ private:
 
 } // namespace
 
-QList<DetectedProcessSample> detectCodexProcesses(const QList<ObservedProcess>& rows) {
-    return SessionFinder(rows).find();
+QList<DetectedProcessSample> detectCodexProcesses(const QList<ObservedProcess>& rows,
+                                                  QSet<qint64>* processesOfInterest) {
+    SessionFinder finder(rows);
+    QList<DetectedProcessSample> samples = finder.find();
+    if (processesOfInterest)
+        *processesOfInterest = finder.processesOfInterest();
+    return samples;
 }
 
 QList<ObservedProcess> launcherChain(const ObservedProcess& candidate,
@@ -384,7 +410,10 @@ QList<DetectedProcessSample> scanCodexProcesses() {
 }
 
 QList<DetectedProcessSample> scanCodexProcesses(ProcessTableSource& source) {
-    return detectCodexProcesses(source.snapshot());
+    QSet<qint64> ofInterest;
+    QList<DetectedProcessSample> samples = detectCodexProcesses(source.snapshot(), &ofInterest);
+    source.setProcessesOfInterest(std::move(ofInterest));
+    return samples;
 }
 
 } // namespace brenvik

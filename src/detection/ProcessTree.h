@@ -49,7 +49,11 @@ struct DetectedProcessSample {
 // below another Codex process belong to its session; the shared background
 // service is no session, and its work for a TUI counts for that TUI where the
 // project directory tells which one it is.
-[[nodiscard]] QList<DetectedProcessSample> detectCodexProcesses(const QList<ObservedProcess>& rows);
+// With `processesOfInterest`, also every process the sessions and services
+// are made of, for the source's next snapshot.
+[[nodiscard]] QList<DetectedProcessSample>
+detectCodexProcesses(const QList<ObservedProcess>& rows,
+                     QSet<qint64>* processesOfInterest = nullptr);
 
 // The front-end first, its root last. Stops at a missing parent, at a parent
 // that is no link, and if a PID repeats within the chain.

@@ -1,6 +1,7 @@
 #include "detection/ProcProcessTable.h"
 #include "detection/PsProcessTable.h"
 
+#include <QDir>
 #include <QHash>
 #include <QSet>
 #include <QStringList>
@@ -46,11 +47,25 @@ QHash<qint64, ObservedProcess> byPID(const QList<ObservedProcess>& rows) {
     return map;
 }
 
+// A snapshot in which every process is read afresh, as those that make up
+// sessions are: only such rows are held to ps.
+QList<ObservedProcess> snapshotOfAll(ProcProcessTableSource& source) {
+    QSet<qint64> all;
+    for (const QString& name : QDir(QStringLiteral("/proc")).entryList(QDir::Dirs)) {
+        bool numeric = false;
+        const qint64 pid = name.toLongLong(&numeric);
+        if (numeric)
+            all.insert(pid);
+    }
+    source.setProcessesOfInterest(all);
+    return source.snapshot();
+}
+
 // Waits (bounded) until the child has exec'd, so both sources see the final command.
 void waitForCommand(ProcProcessTableSource& source, qint64 pid, const QString& command) {
     const auto deadline = std::chrono::steady_clock::now() + 15s;
     while (std::chrono::steady_clock::now() < deadline) {
-        const auto rows = byPID(source.snapshot());
+        const auto rows = byPID(snapshotOfAll(source));
         if (rows.value(pid).command == command)
             return;
         std::this_thread::sleep_for(10ms);
@@ -80,12 +95,12 @@ TEST(LiveSources, ProcAgreesWithPsAndMeasuresIntervals) {
 
     const double burnedBefore = burnerSeconds();
     const auto firstAt = std::chrono::steady_clock::now();
-    const auto before = byPID(proc.snapshot());
+    const auto before = byPID(snapshotOfAll(proc));
     const auto ps = readProcessTable();
     std::this_thread::sleep_until(firstAt + 1s); // the measurement interval
     const double burnedAfter = burnerSeconds();
     const auto secondAt = std::chrono::steady_clock::now();
-    const auto after = byPID(proc.snapshot());
+    const auto after = byPID(snapshotOfAll(proc));
 
     const double actual = 100 * (burnedAfter - burnedBefore) /
                           std::chrono::duration<double>(secondAt - firstAt).count();

@@ -4,6 +4,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QSet>
 #include <QTemporaryDir>
 #include <cerrno>
 #include <gtest/gtest.h>
@@ -54,8 +55,17 @@ protected:
                   QByteArray::number(startTicks) + " 0 0\n");
         write(pid, "cmdline", cmdline);
     }
-    void snapshotAfter(std::chrono::milliseconds elapsed) {
+    // Every process of the fake table matters to some session, unless the
+    // test says which do.
+    void snapshotAfter(std::chrono::milliseconds elapsed,
+                       std::optional<QSet<qint64>> ofInterest = std::nullopt) {
         m_now += elapsed;
+        if (!ofInterest) {
+            ofInterest.emplace();
+            for (const QString& name : QDir(m_dir.path()).entryList(QDir::Dirs))
+                ofInterest->insert(name.toLongLong());
+        }
+        m_source.setProcessesOfInterest(*ofInterest);
         m_rows.clear();
         for (const auto& row : m_source.snapshot())
             m_rows.insert(row.pid, row);
@@ -182,6 +192,27 @@ TEST_F(ProcSourceTest, CPUPercentOverTheInterval) {
     put(30, "busy", "reborn", 20, 5000);
     snapshotAfter(2s);
     EXPECT_EQ(percent(30), 0.0) << "a process missed by one snapshot is not compared";
+}
+
+TEST_F(ProcSourceTest, OthersAreReadInTurnKernelThreadsNeverAgain) {
+    put(60, "codex", "codex"_qba, 1);
+    put(61, "bash", "bash"_qba, 1);
+    put(62, "kworker/0:0", "", 0, 1000, 'I', 2, ProcStat::kKernelThreadFlag);
+    snapshotAfter(0ms, QSet<qint64>{60});
+    put(60, "codex", "codex"_qba, 2);
+    put(61, "codex", "codex exec x"_qba, 2); // execs into Codex
+    write(62, "cmdline", "never read again");
+    int snapshots = 0;
+    while (command(61) != u"codex exec x" && snapshots < 10) {
+        snapshotAfter(2s, QSet<qint64>{60});
+        ++snapshots;
+        EXPECT_EQ(percent(60), snapshots == 1 ? 50.0 : 0.0) << "the one of interest, every time";
+    }
+    EXPECT_LE(snapshots, ProcProcessTableSource::kRotationSlices) << "seen within 10 s";
+    EXPECT_DOUBLE_EQ(percent(61), 100.0 / (2.0 * snapshots)) << "over the time since it was read";
+    for (int i = 0; i < 2 * ProcProcessTableSource::kRotationSlices; ++i)
+        snapshotAfter(2s, QSet<qint64>{60});
+    EXPECT_EQ(command(62), QStringLiteral("[kworker/0:0]"));
 }
 
 TEST(ProcSource, MissingRootIsAnError) {
