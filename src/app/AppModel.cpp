@@ -4,6 +4,8 @@
 #include "app/ControlPanelController.h"
 #include "app/LaunchAtLoginController.h"
 #include "app/StatusItemController.h"
+#include "notify/DesktopNotifier.h"
+#include "preferences/NotificationsController.h"
 
 #include <QCoreApplication>
 #include <QTimer>
@@ -50,6 +52,7 @@ AppModel::AppModel(Parts parts, QObject* parent)
                                                   std::function<void()> step) {
                                       QTimer::singleShot(delay, this, std::move(step));
                                   }))
+    , m_clock(parts.clock ? parts.clock : &QDateTime::currentDateTimeUtc)
     , m_monitor(makeMonitor(parts))
     , m_launchAtLogin(std::make_unique<LaunchAtLoginController>())
     , m_appVisibility(makeAppVisibility(parts))
@@ -57,7 +60,31 @@ AppModel::AppModel(Parts parts, QObject* parent)
                                                               *m_appVisibility, *this))
     , m_statusItem(parts.traySurface
                        ? std::make_unique<StatusItemController>(*this, *parts.traySurface)
-                       : std::make_unique<StatusItemController>(*this)) {}
+                       : std::make_unique<StatusItemController>(*this))
+    , m_notifications(std::make_unique<NotificationsController>(parts.settingsFile))
+    , m_notificationPolicy(std::make_unique<NotificationPolicy>()) {
+    NotificationBus* bus = parts.notificationBus;
+    if (!bus) {
+        auto* dbus = new DBusNotificationBus();
+        m_ownNotificationBus.reset(dbus);
+        connect(dbus, &DBusNotificationBus::defaultActionInvoked, this,
+                [this] { openControlPanel(); });
+        connect(dbus, &DBusNotificationBus::notificationClosed, this,
+                [this](quint32 id) { m_notifier->forget(id); });
+        bus = dbus;
+    }
+    m_notifier = std::make_unique<DesktopNotifier>(*bus);
+    // Queued: the monitor stores lastUpdated only after announcing it.
+    connect(
+        m_monitor.get(), &CodexProcessMonitor::lastUpdatedChanged, this,
+        [this] { announceChanges(); }, Qt::QueuedConnection);
+}
+
+void AppModel::announceChanges() {
+    m_notifier->apply(m_notificationPolicy->update(m_monitor->matches(),
+                                                   m_monitor->lastError().has_value(),
+                                                   m_notifications->enabled(), m_clock()));
+}
 
 AppModel::~AppModel() = default;
 

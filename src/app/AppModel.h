@@ -13,7 +13,11 @@ namespace brenvik {
 class ActivationPolicy;
 class AppVisibilityController;
 class ControlPanelController;
+class DesktopNotifier;
 class LaunchAtLoginController;
+class NotificationBus;
+class NotificationPolicy;
+class NotificationsController;
 class StatusItemController;
 class TraySurface;
 
@@ -35,6 +39,8 @@ public:
         ActivationPolicy* activationPolicy = nullptr; // must outlive the model
         TraySurface* traySurface = nullptr;           // must outlive the model
         RunAfter runAfter;                            // delayed start-up steps
+        NotificationBus* notificationBus = nullptr;   // must outlive the model
+        QString settingsFile;                         // an INI file instead of the native one
     };
 
     // The one instance, made on first use and kept until the application
@@ -49,6 +55,7 @@ public:
     [[nodiscard]] AppVisibilityController& appVisibility() noexcept { return *m_appVisibility; }
     [[nodiscard]] ControlPanelController& controlPanel() noexcept { return *m_controlPanel; }
     [[nodiscard]] StatusItemController& statusItem() noexcept { return *m_statusItem; }
+    [[nodiscard]] NotificationsController& notifications() noexcept { return *m_notifications; }
 
     // Start-up, in order: draw the status item, start the monitor, schedule the
     // stored Dock preference, and open the control panel on the next
@@ -60,12 +67,20 @@ public:
     void quit() override;
 
 private:
+    // After every refresh: what changed, announced where the user wants it.
+    void announceChanges();
+
     RunAfter m_runAfter;
+    CodexProcessMonitor::WallClock m_clock;
     std::unique_ptr<CodexProcessMonitor> m_monitor;
     std::unique_ptr<LaunchAtLoginController> m_launchAtLogin;
     std::unique_ptr<AppVisibilityController> m_appVisibility;
     std::unique_ptr<ControlPanelController> m_controlPanel;
     std::unique_ptr<StatusItemController> m_statusItem;
+    std::unique_ptr<NotificationsController> m_notifications;
+    std::unique_ptr<NotificationBus> m_ownNotificationBus;
+    std::unique_ptr<DesktopNotifier> m_notifier;
+    std::unique_ptr<NotificationPolicy> m_notificationPolicy;
 };
 
 } // namespace brenvik

@@ -4,6 +4,7 @@
 #include "app/ControlPanelController.h"
 #include "app/LaunchAtLoginController.h"
 #include "app/StatusItemController.h"
+#include "preferences/NotificationsController.h"
 #include "tests/app/ShellTestSupport.h"
 
 #include <QApplication>
@@ -17,7 +18,11 @@ using namespace Qt::StringLiterals;
 
 class Startup : public ::testing::Test {
 protected:
-    void SetUp() override { storeShowDockIcon(std::nullopt); }
+    void SetUp() override {
+        storeShowDockIcon(std::nullopt);
+        QSettings(QSettings::NativeFormat, QSettings::UserScope, u"Brenvik"_s, u"Brenvik"_s)
+            .remove(u"notifySessions"_s);
+    }
     void TearDown() override {
         m_scan.release();
         if (!m_model)
@@ -42,12 +47,15 @@ protected:
                                                              .clock = m_clock.function(),
                                                              .activationPolicy = &m_policy,
                                                              .traySurface = &m_surface,
-                                                             .runAfter = runAfter});
+                                                             .runAfter = runAfter,
+                                                             .notificationBus = &m_bus,
+                                                             .settingsFile = {}});
         return *m_model;
     }
 
     test::ScriptedScan m_scan;
     test::ManualClock m_clock;
+    test::RecordingNotificationBus m_bus;
     test::RecordingPolicy m_policy;
     test::RecordingSurface m_surface;
     // Start-up steps the model asked to run later, with their delays.
@@ -76,6 +84,30 @@ TEST_F(Startup, StatusItemBeforeTheFirstResultAndThePanelOnTheNextTurn) {
     QApplication::processEvents();
     EXPECT_EQ(model.statusItem().appearance()->color, StateColor::yellow);
     EXPECT_EQ(m_surface.toolTips.last(), u"1 Codex process running"_s);
+}
+
+// A session that worked and went quiet is announced once; with the
+// preference off, never.
+TEST_F(Startup, FinishedSessionsAreAnnouncedUnlessTurnedOff) {
+    for (const bool enabled : {true, false}) {
+        SCOPED_TRACE(enabled ? "on" : "off");
+        m_bus.summaries.clear();
+        AppModel& model = makeModel();
+        model.notifications().setEnabled(enabled);
+        DetectedProcessSample busy = test::sample(41, 50.0, 3.0, true);
+        busy.cwd = u"/home/u/brenvik"_s;
+        DetectedProcessSample quiet = busy;
+        quiet.totalCPUPercent = 0;
+        quiet.hasHotState = false;
+        for (const auto& [ms, sample] : {std::pair{0, busy}, {6000, busy}, {18000, quiet}}) {
+            m_scan.returns({sample});
+            ASSERT_TRUE(test::refreshAt(model.monitor(), m_clock, ms));
+            QApplication::processEvents();
+        }
+        EXPECT_EQ(m_bus.summaries,
+                  enabled ? QStringList{u"Codex finished \u00B7 brenvik"_s} : QStringList());
+        m_model.reset();
+    }
 }
 
 TEST_F(Startup, AtLoginIntoTheTrayOnly) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/TraySurface.h"
+#include "notify/DesktopNotifier.h"
 #include "tests/views/ViewTestSupport.h"
 
 namespace brenvik::test {
@@ -16,6 +17,20 @@ public:
     QList<QIcon> icons;
     QList<QString> toolTips;
     QRect iconGeometry;
+};
+
+// A notification server that shows what it is given, and nothing on the
+// desktop of whoever runs the tests.
+class RecordingNotificationBus : public NotificationBus {
+public:
+    void notify(quint32, const QString& summary, const QString&,
+                std::function<void(quint32)> shown) override {
+        summaries.append(summary);
+        shown(quint32(summaries.size()));
+    }
+    void close(quint32) override {}
+
+    QStringList summaries;
 };
 
 } // namespace brenvik::test

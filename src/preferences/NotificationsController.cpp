@@ -1,0 +1,35 @@
+#include "preferences/NotificationsController.h"
+
+#include "monitor/Published.h"
+
+namespace brenvik {
+
+NotificationsController::NotificationsController(const QString& settingsFile, QObject* parent)
+    : QObject(parent)
+    , m_settings(settingsFile.isEmpty()
+                     ? std::make_unique<QSettings>(QSettings::NativeFormat, QSettings::UserScope,
+                                                   QStringLiteral("Brenvik"),
+                                                   QStringLiteral("Brenvik"))
+                     : std::make_unique<QSettings>(settingsFile, QSettings::IniFormat)) {
+    // Absent or unreadable: on.
+    const QVariant stored = m_settings->value(kSettingsKey);
+    m_enabled = !stored.isValid() ||
+                !QStringList{u"false"_qs, u"0"_qs}.contains(stored.toString().trimmed().toLower());
+}
+
+NotificationsController::~NotificationsController() = default;
+
+void NotificationsController::setEnabled(bool enabled) {
+    publish(this, m_enabled, enabled, &NotificationsController::enabledChanged);
+    m_settings->setValue(kSettingsKey, m_enabled);
+    m_settings->sync();
+    std::optional<QString> error;
+    if (m_settings->status() != QSettings::NoError) {
+        error = QStringLiteral("The preference could not be saved to %1. It applies until "
+                               "Brenvik quits.")
+                    .arg(m_settings->fileName());
+    }
+    publish(this, m_lastError, error, &NotificationsController::lastErrorChanged);
+}
+
+} // namespace brenvik

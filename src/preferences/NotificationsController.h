@@ -1,0 +1,42 @@
+#pragma once
+
+#include <QObject>
+#include <QSettings>
+#include <QString>
+#include <memory>
+#include <optional>
+
+namespace brenvik {
+
+// "Notify when a session finishes or needs you": stored beside the taskbar
+// preference, on unless turned off.
+class NotificationsController : public QObject {
+    Q_OBJECT
+    Q_PROPERTY(bool enabled READ enabled WRITE setEnabled NOTIFY enabledChanged)
+    Q_PROPERTY(std::optional<QString> lastError READ lastError NOTIFY lastErrorChanged)
+
+public:
+    // The native settings of "Brenvik"/"Brenvik", or an INI file (tests).
+    explicit NotificationsController(const QString& settingsFile = {}, QObject* parent = nullptr);
+    ~NotificationsController() override;
+
+    static constexpr QStringView kSettingsKey = u"notifySessions";
+
+    [[nodiscard]] bool enabled() const noexcept { return m_enabled; }
+    // Publishes and stores; a store that fails keeps the choice for this
+    // session and says so.
+    void setEnabled(bool enabled);
+    [[nodiscard]] const std::optional<QString>& lastError() const noexcept { return m_lastError; }
+
+Q_SIGNALS:
+    void objectWillChange();
+    void enabledChanged(bool enabled);
+    void lastErrorChanged(const std::optional<QString>& lastError);
+
+private:
+    std::unique_ptr<QSettings> m_settings;
+    bool m_enabled = true;
+    std::optional<QString> m_lastError;
+};
+
+} // namespace brenvik
