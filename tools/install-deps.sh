@@ -17,7 +17,7 @@ packages=(
   # checking the installed desktop entry and AppStream metadata
   desktop-file-utils appstream
   # end-to-end: display server, tray host, window manager, input and pixels, private bus
-  xvfb xauth trayer openbox xdotool x11-utils imagemagick dbus-daemon dbus-bin
+  xvfb xauth trayer openbox xdotool x11-utils imagemagick dbus-daemon dbus-bin dunst
   # end-to-end with the real Codex CLI: its TUI runs in tmux
   tmux
 )

@@ -9,7 +9,10 @@
 #  2. the tray host starts a few seconds after the app: the icon still appears;
 #  3. no XEmbed host, a fake StatusNotifierWatcher instead: the item registers,
 #     its ToolTip carries the detail text, and Activate opens the popover fully
-#     on screen although the host reports no geometry.
+#     on screen although the host reports no geometry;
+#  4. dunst as notification server: a session that works and goes quiet gives
+#     one notice whose default action opens the control panel; none with the
+#     preference off.
 # Usage: tray-e2e.sh BRENVIK FAKE_SNI_WATCHER
 set -euo pipefail
 
@@ -52,6 +55,7 @@ cleanup() {
     local pid
     for pid in "${pids[@]}"; do
         kill "$pid" 2>/dev/null || true
+        kill -CONT "$pid" 2>/dev/null || true # a stopped one takes its TERM only then
     done
     for pid in "${pids[@]}"; do
         wait "$pid" 2>/dev/null || true
@@ -202,7 +206,7 @@ open_menu() {
 }
 
 start_app() {
-    start "$work/app.log" "$app"
+    start "$work/app.log" "$app" "$@"
     app_pid=$started
 }
 # Gone, or a zombie waiting for us.
@@ -316,4 +320,49 @@ read -r pw ph px py < <(geometry_of "$(find_window "Brenvik Popover")")
     fail "popover ${pw}x${ph}+$px+$py is not fully on the ${screen_w}x${screen_h} screen"
 log "Activate opened the popover fully on screen: ${pw}x${ph}+$px+$py"
 stop "$app_pid"
+
+# === run 4: desktop notifications, with dunst as the notification server =======
+# A fake Codex session in its project folder works for 12 s, then goes quiet
+# (stopped, so it uses no CPU): one "finished" notice names the project, and
+# its default action opens the control panel. With the preference off: none.
+start "$work/dunst.log" dunst
+wait_until 20 dbus-send --session --print-reply --dest=org.freedesktop.Notifications \
+    /org/freedesktop/Notifications org.freedesktop.Notifications.GetServerInformation ||
+    fail "dunst did not start"
+mkdir -p "$codex_dir/alpha"
+finished_notices() { dunstctl history | grep -o 'Codex finished · alpha' | wc -l; }
+work_then_go_quiet() {
+    (cd "$codex_dir/alpha" && exec -a "$codex_dir/codex" yes >/dev/null) &
+    local worker=$!
+    pids+=("$worker")
+    sleep 12
+    kill -STOP "$worker"
+    quiet_worker=$worker
+}
+start_app --autostart
+work_then_go_quiet
+wait_until 30 sh -c '[ "$(dunstctl history | grep -o "Codex finished · alpha" | wc -l)" -ge 1 ] ||
+    [ "$(dunstctl count displayed)" -ge 1 ]' || fail "no notification after the session went quiet"
+panel_is_mapped && fail "the login start opened the control panel"
+dunstctl action 0
+wait_until 20 panel_is_mapped || fail "the notification's default action did not open the panel"
+log "a session that worked and went quiet gave one notice; its action opened the panel"
+sleep 3
+dunstctl history-pop >/dev/null 2>&1 || true
+(($(finished_notices) + $(dunstctl count displayed) == 1)) ||
+    fail "expected exactly one notice, history: $(dunstctl history | head -c 400)"
+stop "$app_pid"
+kill -KILL "$quiet_worker" 2>/dev/null || true
+dunstctl close-all
+notices_before=$(finished_notices)
+
+printf '[General]\nnotifySessions=false\n' >"$XDG_CONFIG_HOME/Brenvik/Brenvik.conf"
+start_app --autostart
+work_then_go_quiet
+sleep 14 # the 8 s after its last work, and a refresh
+(($(dunstctl count displayed) == 0 && $(finished_notices) == notices_before)) ||
+    fail "a notice with notifications off"
+log "with notifications off: no notice"
+stop "$app_pid"
+kill -KILL "$quiet_worker" 2>/dev/null || true
 log "all runs passed"
