@@ -10,7 +10,7 @@
 
 namespace brenvik {
 
-// "Show in Dock while running": stored under "showDockIcon" and applied by
+// "Show in taskbar while running": stored under "showDockIcon" and applied by
 // keeping Brenvik's windows out of the taskbar and pager when off.
 class AppVisibilityController : public QObject {
     Q_OBJECT
@@ -29,7 +29,7 @@ public:
 
     static constexpr QStringView kSettingsKey = u"showDockIcon";
     static constexpr QStringView kRefusalMessage =
-        u"The desktop rejected the Dock visibility change right now. Try toggling it again "
+        u"The desktop rejected the taskbar visibility change right now. Try toggling it again "
         u"after the app is fully running.";
 
     [[nodiscard]] bool showDockIcon() const noexcept { return m_showDockIcon; }

@@ -1,5 +1,5 @@
 # The two preference controllers: the login item (an XDG autostart entry) and
-# Dock visibility (taskbar hints on X11). QtGui for the windows they touch,
+# taskbar visibility (taskbar hints on X11). QtGui for the windows they touch,
 # no widgets.
 find_package(PkgConfig REQUIRED)
 pkg_check_modules(XCB REQUIRED IMPORTED_TARGET xcb)

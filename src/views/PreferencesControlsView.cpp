@@ -37,7 +37,7 @@ PreferencesControlsView::PreferencesControlsView(LaunchAtLoginController& launch
     , m_launchSwitch(new ToggleSwitch(tr("Launch at login"), this))
     , m_launchStatus(explanation(NamedColor::secondary, this))
     , m_launchError(explanation(NamedColor::red, this))
-    , m_dockSwitch(new ToggleSwitch(tr("Show in Dock while running"), this))
+    , m_dockSwitch(new ToggleSwitch(tr("Show in taskbar while running"), this))
     , m_dockDescription(explanation(NamedColor::secondary, this))
     , m_dockError(explanation(NamedColor::red, this)) {
     auto* column = new QVBoxLayout(this);
@@ -65,7 +65,8 @@ int PreferencesControlsView::updateCount() const {
 }
 
 void PreferencesControlsView::updateFromControllers() {
-    const LaunchAtLoginPresentation login = launchAtLoginPresentation(m_launchAtLogin.status());
+    const LaunchAtLoginPresentation login = launchAtLoginPresentation(
+        m_launchAtLogin.status(), m_launchAtLogin.entry().unstableExecutableReason());
     m_launchSwitch->setChecked(login.switchOn);
     m_launchStatus->setText(login.text);
     m_launchStatus->setColor(login.role == StatusTextRole::orange ? NamedColor::orange

@@ -2,18 +2,20 @@
 
 namespace brenvik {
 
-LaunchAtLoginPresentation launchAtLoginPresentation(LaunchAtLoginStatus status) {
+LaunchAtLoginPresentation launchAtLoginPresentation(LaunchAtLoginStatus status,
+                                                    const std::optional<QString>& reason) {
     switch (status) {
     case LaunchAtLoginStatus::notRegistered:
         return {false, QStringLiteral("Launch at login is off"), StatusTextRole::secondary};
     case LaunchAtLoginStatus::enabled:
         return {true, QStringLiteral("Launch at login is enabled"), StatusTextRole::secondary};
     case LaunchAtLoginStatus::requiresApproval:
-        return {true, QStringLiteral("Launch at login is waiting for approval in System Settings"),
+        return {true, QStringLiteral("Launch at login is waiting for approval by the desktop"),
                 StatusTextRole::orange};
     case LaunchAtLoginStatus::notFound:
         return {false,
-                QStringLiteral("Launch-at-login service is not available for this app bundle"),
+                reason ? QStringLiteral("Launch at login is not available: ") + *reason
+                       : QStringLiteral("Launch at login is not available"),
                 StatusTextRole::secondary};
     }
     return {false, QStringLiteral("Launch-at-login status is unavailable"),
@@ -21,9 +23,8 @@ LaunchAtLoginPresentation launchAtLoginPresentation(LaunchAtLoginStatus status) 
 }
 
 QString dockVisibilityDescription(bool showDockIcon) {
-    return showDockIcon ? QStringLiteral("The app appears in the Dock while running")
-                        : QStringLiteral(
-                              "The app runs as a menu bar utility and stays hidden from the Dock");
+    return showDockIcon ? QStringLiteral("The app appears in the taskbar while running")
+                        : QStringLiteral("The app runs in the tray and stays out of the taskbar");
 }
 
 } // namespace brenvik

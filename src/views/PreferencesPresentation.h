@@ -3,6 +3,7 @@
 #include "app/LaunchAtLoginStatus.h"
 
 #include <QString>
+#include <optional>
 
 namespace brenvik {
 
@@ -19,10 +20,12 @@ struct LaunchAtLoginPresentation {
 };
 
 // Switch position, status text and its colour for any status value, also
-// values outside the four named ones.
-[[nodiscard]] LaunchAtLoginPresentation launchAtLoginPresentation(LaunchAtLoginStatus status);
+// values outside the four named ones; where it is not available, the reason.
+[[nodiscard]] LaunchAtLoginPresentation
+launchAtLoginPresentation(LaunchAtLoginStatus status,
+                          const std::optional<QString>& reason = std::nullopt);
 
-// The explanation under "Show in Dock while running".
+// The explanation under "Show in taskbar while running".
 [[nodiscard]] QString dockVisibilityDescription(bool showDockIcon);
 
 } // namespace brenvik

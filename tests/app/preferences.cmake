@@ -1,4 +1,4 @@
-# The preference controllers: autostart entry, login status, Dock visibility.
+# The preference controllers: autostart entry, login status, taskbar visibility.
 brenvik_add_gtest(brenvik_preferences_tests
   SOURCES
     ${CMAKE_CURRENT_LIST_DIR}/AppVisibilityControllerTest.cpp

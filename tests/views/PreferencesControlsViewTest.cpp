@@ -58,7 +58,7 @@ TEST_F(PreferencesControls, LaunchSwitchShowsThePublishedStatusNotTheClick) {
     settle();
     ASSERT_TRUE(toggle->isChecked());
     EXPECT_EQ(m_view.launchStatusLabel()->text(),
-              u"Launch at login is waiting for approval in System Settings"_s);
+              u"Launch at login is waiting for approval by the desktop"_s);
     EXPECT_EQ(m_view.launchStatusLabel()->color(), NamedColor::orange);
     click(toggle);
     EXPECT_FALSE(toggle->isChecked());
@@ -68,7 +68,7 @@ TEST_F(PreferencesControls, LaunchSwitchShowsThePublishedStatusNotTheClick) {
 TEST_F(PreferencesControls, DockSwitchBindsToThePreference) {
     ToggleSwitch* toggle = m_view.dockSwitch();
     ASSERT_TRUE(toggle->isChecked());
-    EXPECT_EQ(toggle->accessibleName(), u"Show in Dock while running"_s);
+    EXPECT_EQ(toggle->accessibleName(), u"Show in taskbar while running"_s);
     EXPECT_EQ(m_view.dockDescriptionLabel()->text(), dockVisibilityDescription(true));
     // Space toggles like a click.
     toggle->setFocus();

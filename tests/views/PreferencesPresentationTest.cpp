@@ -13,9 +13,9 @@ TEST(PreferencesPresentation, LaunchAtLoginStatusReadsForTheUser) {
         {0, {false, u"Launch at login is off"_s, plain}},
         {1, {true, u"Launch at login is enabled"_s, plain}},
         {2,
-         {true, u"Launch at login is waiting for approval in System Settings"_s,
+         {true, u"Launch at login is waiting for approval by the desktop"_s,
           StatusTextRole::orange}},
-        {3, {false, u"Launch-at-login service is not available for this app bundle"_s, plain}},
+        {3, {false, u"Launch at login is not available"_s, plain}},
         {4, {false, unavailable, plain}},
         {-1, {false, unavailable, plain}},
     };
@@ -26,9 +26,9 @@ TEST(PreferencesPresentation, LaunchAtLoginStatusReadsForTheUser) {
 }
 
 TEST(PreferencesPresentation, DockDescriptionFollowsThePreference) {
-    EXPECT_EQ(dockVisibilityDescription(true), u"The app appears in the Dock while running"_s);
+    EXPECT_EQ(dockVisibilityDescription(true), u"The app appears in the taskbar while running"_s);
     EXPECT_EQ(dockVisibilityDescription(false),
-              u"The app runs as a menu bar utility and stays hidden from the Dock"_s);
+              u"The app runs in the tray and stays out of the taskbar"_s);
 }
 
 } // namespace
