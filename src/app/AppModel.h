@@ -27,7 +27,7 @@ class AppModel : public QObject, public ViewActions {
     Q_OBJECT
 
 public:
-    // How long after start-up the stored "Show in Dock" = off is applied.
+    // How long after start-up the stored "Show in taskbar" = off is applied.
     static constexpr std::chrono::milliseconds dockPolicyDelay{150};
 
     using RunAfter = std::function<void(std::chrono::milliseconds, std::function<void()>)>;
@@ -58,7 +58,7 @@ public:
     [[nodiscard]] NotificationsController& notifications() noexcept { return *m_notifications; }
 
     // Start-up, in order: draw the status item, start the monitor, schedule the
-    // stored Dock preference, and open the control panel on the next
+    // stored taskbar preference, and open the control panel on the next
     // event-loop turn (unless started at login, into the tray).
     void bootstrap(bool openControlPanel = true);
 

@@ -11,7 +11,7 @@ class CoalescedUpdate;
 class StyledLabel;
 class ToggleSwitch;
 
-// "Launch at login" and "Show in Dock while running", each with its status
+// "Launch at login" and "Show in taskbar while running", each with its status
 // line and, after a failure, the failure text in red. The switches show what
 // the controllers publish, never just the click.
 class PreferencesControlsView : public QWidget {
