@@ -64,6 +64,7 @@ echo "== Monitor steady state ($(find /proc -maxdepth 1 -name '[0-9]*' | wc -l) 
 "$(dirname "$0")/steady-state.sh" 60 "$build/src/app/brenvik-status" --watch
 # ==== end monitor ============================================================
 
+
 # ==== app ====================================================================
 # The tray program at rest: brenvik for 60 s under Xvfb, with trayer as tray
 # host and openbox as window manager, on a private session bus and with private
@@ -96,7 +97,7 @@ app_steady_state() {
     [ -n "${panel:-}" ] && xdotool windowactivate --sync "$panel" key alt+F4
   ) &
   helpers+=($!)
-  WARMUP=8 "$steady" 60 "$build/src/app/brenvik"
+  WARMUP=8 "$steady" "${APP_SECONDS:-60}" "$build/src/app/brenvik"
   if xwininfo -root -tree | grep -q '"Brenvik": ("brenvik" "Brenvik")  420x480'; then
     xwininfo -root -tree | sed -n 's/^ *\(0x[0-9a-f]*\) "Brenvik": ("brenvik" "Brenvik")  420x480.*/\1/p' |
       while read -r id; do
@@ -108,3 +109,44 @@ echo
 echo "== Tray app steady state (control panel closed; goal < 40 MB, < 0.2 % of one core; $(find /proc -maxdepth 1 -name '[0-9]*' | wc -l) processes)"
 dbus-run-session -- bash -c "set -euo pipefail; $(declare -f app_steady_state); app_steady_state '$build' '$(dirname "$0")/steady-state.sh'" 2> >(grep -v 'fd limit' >&2)
 # ==== end app ================================================================
+
+# ==== scale ==================================================================
+# The same two programs at rest beside 200, 1,000 and 5,000 extra idle
+# processes of our own, and what one /bin/ps run of the same table costs.
+# Set SCALE_SIZES= to skip, or other sizes to change them.
+scale_sizes=${SCALE_SIZES-200 1000 5000}
+scale_seconds=${SCALE_SECONDS:-30}
+scale_sleepers=()
+scale_cleanup() { [ ${#scale_sleepers[@]} -eq 0 ] || kill "${scale_sleepers[@]}" 2>/dev/null || true; }
+# CPU of one ps run in ms, user + system, the median of five.
+ps_ms() {
+  local i t
+  for i in 1 2 3 4 5; do
+    t=$( { TIMEFORMAT='%3U %3S'; time /bin/ps -axww -o pid=,ppid=,state=,%cpu=,time=,command= >/dev/null; } 2>&1 )
+    echo "$t" | awk '{ printf "%.3f\n", 1000 * ($1 + $2) }'
+  done | sort -n | sed -n 3p
+}
+figure() { awk -v key="$1" -F': *' 'index($1, key) == 1 { print $2 }'; }
+for n in $scale_sizes; do
+  trap scale_cleanup EXIT
+  for ((i = 0; i < n; i++)); do
+    sleep 3600 &
+    scale_sleepers+=($!)
+  done
+  procs=$(find /proc -maxdepth 1 -name '[0-9]*' | wc -l)
+  ps_cost=$(ps_ms)
+  echo
+  echo "== At scale: $n extra idle processes ($procs in all); one /bin/ps run: $ps_cost ms CPU"
+  status_out=$(WARMUP=6 "$(dirname "$0")/steady-state.sh" "$scale_seconds" "$build/src/app/brenvik-status" --watch)
+  per_refresh=$(echo "$status_out" | figure "CPU time per refresh" | awk '{ print $1 }')
+  echo "brenvik-status --watch: $(echo "$status_out" | figure "CPU use"), $per_refresh ms per refresh, $(echo "$status_out" | figure "resident memory"); ps costs $(awk -v a="$ps_cost" -v b="$per_refresh" 'BEGIN { printf "%.0f", (b > 0 ? a / b : 0) }')x a refresh (goal >= 20x at 1,000)"
+  if [ -z "${SCALE_SKIP_APP:-}" ]; then
+    app_out=$(dbus-run-session -- bash -c "set -euo pipefail; $(declare -f app_steady_state); APP_SECONDS=$scale_seconds app_steady_state '$build' '$(dirname "$0")/steady-state.sh'" 2>/dev/null)
+    echo "tray app at rest:       $(echo "$app_out" | figure "CPU use"), $(echo "$app_out" | figure "CPU time per refresh"), $(echo "$app_out" | figure "resident memory")"
+  fi
+  scale_cleanup
+  scale_sleepers=()
+  trap - EXIT
+  sleep 1
+done
+# ==== end scale ==============================================================
