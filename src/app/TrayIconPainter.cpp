@@ -55,6 +55,8 @@ QColor trayDotColor(StateColor color) {
     switch (color) {
     case StateColor::yellow:
         return QColor(0xF5, 0xC2, 0x11);
+    case StateColor::violet:
+        return QColor(0x7B, 0x3F, 0xE4);
     case StateColor::red:
         return QColor(0xE0, 0x36, 0x2C);
     case StateColor::green:

@@ -19,6 +19,8 @@ NamedColor namedColor(StateColor color) {
         return NamedColor::green;
     case StateColor::yellow:
         return NamedColor::yellow;
+    case StateColor::violet:
+        return NamedColor::violet;
     case StateColor::red:
         return NamedColor::red;
     }

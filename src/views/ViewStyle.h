@@ -21,12 +21,15 @@ enum class FontWeight { regular, semibold, bold };
 // The named colours, resolved against a palette so that dark themes stay
 // readable: the signal colours brighten on dark backgrounds, "secondary" is
 // the palette's placeholder text colour and "primary" its window text.
+// "violet" is "waiting for you"; "onViolet" is text on a violet fill.
 enum class NamedColor {
     green,
     yellow,
+    violet,
     red,
     orange,
     black,
+    onViolet,
     primary,
     secondary,
     separator,
