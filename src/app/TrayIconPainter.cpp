@@ -1,5 +1,7 @@
 #include "app/TrayIconPainter.h"
 
+#include "views/StatusDotShape.h"
+
 #include <QFont>
 #include <QFontMetricsF>
 #include <QPainter>
@@ -80,20 +82,21 @@ QImage paintTrayIcon(StateColor color, QStringView badge, int pixels) {
     painter.setRenderHint(QPainter::TextAntialiasing);
 
     const double size = pixels;
-    const QPointF centre(size / 2.0, size / 2.0);
     // A thin darker rim keeps the dot apart from light and dark panels alike.
     const double rim = std::max(1.0, size / 22.0);
-    const double radius = size / 2.0 - rim / 2.0;
+    const StatusDotShape shape =
+        statusDotShape(color, QRectF(rim / 2.0, rim / 2.0, size - rim, size - rim));
     const QColor fill = trayDotColor(color);
-    painter.setPen(QPen(fill.darker(140), rim));
+    painter.setPen(QPen(fill.darker(140), rim, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
     painter.setBrush(fill);
-    painter.drawEllipse(centre, radius, radius);
+    painter.drawPath(shape.outline);
 
     if (badge.isEmpty())
         return image;
 
     const QString text = badge.toString();
-    const double inner = 2.0 * (radius - rim / 2.0);
+    const QPointF centre = shape.faceCentre;
+    const double inner = 2.0 * (shape.faceRadius - rim / 2.0);
     const auto [font, ink] = fittingFont(text, inner * widthShare(text.size()), inner * 0.6);
     // Centre the ink itself (not the line box), snapped to whole pixels so
     // the hinted stems stay sharp.

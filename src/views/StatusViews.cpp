@@ -1,6 +1,7 @@
 #include "views/StatusViews.h"
 
 #include "views/LastUpdatedText.h"
+#include "views/StatusDotShape.h"
 
 #include <QHBoxLayout>
 #include <QPainter>
@@ -27,18 +28,22 @@ NamedColor namedColor(StateColor color) {
     return NamedColor::green;
 }
 
-StatusDotShapeView::StatusDotShapeView(NamedColor color, QWidget* parent)
+StatusDotShapeView::StatusDotShapeView(StateColor color, QWidget* parent)
     : QWidget(parent)
     , m_color(color) {
     setMinimumSize(kDotMinimumWidth, int(kDotDiameter));
     setSizePolicy(QSizePolicy::Minimum, QSizePolicy::Fixed);
 }
 
-void StatusDotShapeView::setColor(NamedColor color) {
+void StatusDotShapeView::setColor(StateColor color) {
     if (color == m_color)
         return;
     m_color = color;
     update();
+}
+
+NamedColor StatusDotShapeView::color() const noexcept {
+    return namedColor(m_color);
 }
 
 void StatusDotShapeView::paintEvent(QPaintEvent*) {
@@ -46,21 +51,22 @@ void StatusDotShapeView::paintEvent(QPaintEvent*) {
     painter.setRenderHint(QPainter::Antialiasing);
     const QRectF dot((width() - kDotDiameter) / 2.0, (height() - kDotDiameter) / 2.0, kDotDiameter,
                      kDotDiameter);
+    const QPainterPath outline = statusDotShape(m_color, dot).outline;
     painter.setPen(Qt::NoPen);
-    painter.setBrush(brenvik::namedColor(m_color, palette()));
-    painter.drawEllipse(dot);
+    painter.setBrush(brenvik::namedColor(color(), palette()));
+    painter.drawPath(outline);
     QPen ring(withOpacity(brenvik::namedColor(NamedColor::primary, palette()), 0.25), 0.6);
     ring.setCapStyle(Qt::FlatCap);
-    ring.setJoinStyle(Qt::MiterJoin);
+    ring.setJoinStyle(Qt::RoundJoin);
     painter.setPen(ring);
     painter.setBrush(Qt::NoBrush);
-    painter.drawEllipse(dot);
+    painter.drawPath(outline);
 }
 
 StatusHeaderView::StatusHeaderView(const CodexRunState& state, const QString& summary,
                                    QWidget* parent)
     : QWidget(parent)
-    , m_dot(new StatusDotShapeView(NamedColor::green, this))
+    , m_dot(new StatusDotShapeView(StateColor::green, this))
     , m_summary(new StyledLabel(TextStyle::subheadline, NamedColor::secondary, this))
     , m_badge(new StyledLabel(TextStyle::title3, FontWeight::bold, NamedColor::green, this)) {
     auto* title = new StyledLabel(TextStyle::headline, NamedColor::primary, this);
@@ -89,8 +95,9 @@ StatusHeaderView::StatusHeaderView(const CodexRunState& state, const QString& su
 }
 
 void StatusHeaderView::setState(const CodexRunState& state, const QString& summary) {
-    const NamedColor color = namedColor(brenvik::stateColor(state));
-    m_dot->setColor(color);
+    const StateColor stateColor = brenvik::stateColor(state);
+    const NamedColor color = namedColor(stateColor);
+    m_dot->setColor(stateColor);
     m_summary->setText(summary);
     const QString badge = brenvik::badgeText(state);
     m_badge->setText(badge);

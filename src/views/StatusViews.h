@@ -11,22 +11,23 @@ class QLabel;
 
 namespace brenvik {
 
-// An 11-point dot in a named colour with a faint ring, centred in at least
+// An 11-point dot in the state's colour with a faint ring, shaped as the
+// tray's dot is (a speech bubble while a session waits), centred in at least
 // 14 points of width.
 class StatusDotShapeView : public QWidget {
     Q_OBJECT
 
 public:
-    explicit StatusDotShapeView(NamedColor color, QWidget* parent = nullptr);
+    explicit StatusDotShapeView(StateColor color, QWidget* parent = nullptr);
 
-    void setColor(NamedColor color);
-    [[nodiscard]] NamedColor color() const noexcept { return m_color; }
+    void setColor(StateColor color);
+    [[nodiscard]] NamedColor color() const noexcept;
 
 protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
-    NamedColor m_color;
+    StateColor m_color;
 };
 
 // The dot, "Codex CLI Status" over the summary, and the count badge at the
