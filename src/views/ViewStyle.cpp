@@ -163,6 +163,11 @@ void ElidingLabel::setFullText(const QString& text) {
     updateGeometry();
 }
 
+void ElidingLabel::setElideMode(Qt::TextElideMode mode) {
+    m_elideMode = mode;
+    elide();
+}
+
 QSize ElidingLabel::minimumSizeHint() const {
     return {0, QLabel::minimumSizeHint().height()};
 }
@@ -180,7 +185,7 @@ void ElidingLabel::resizeEvent(QResizeEvent* event) {
 void ElidingLabel::elide() {
     QString oneLine = m_fullText;
     oneLine.replace(u'\n', u' ');
-    setText(fontMetrics().elidedText(oneLine, Qt::ElideRight, contentsRect().width()));
+    setText(fontMetrics().elidedText(oneLine, m_elideMode, contentsRect().width()));
 }
 
 namespace {

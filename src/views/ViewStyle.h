@@ -78,6 +78,8 @@ public:
 
     void setFullText(const QString& text);
     [[nodiscard]] const QString& fullText() const noexcept { return m_fullText; }
+    // Where the "…" goes; at the end unless set.
+    void setElideMode(Qt::TextElideMode mode);
     [[nodiscard]] QSize minimumSizeHint() const override;
     [[nodiscard]] QSize sizeHint() const override;
 
@@ -88,6 +90,7 @@ private:
     void elide();
 
     QString m_fullText;
+    Qt::TextElideMode m_elideMode = Qt::ElideRight;
 };
 
 // A push button drawn from the palette: "bordered" for ordinary actions,
