@@ -68,6 +68,8 @@ StatusHeaderView::StatusHeaderView(const CodexRunState& state, const QString& su
     : QWidget(parent)
     , m_dot(new StatusDotShapeView(StateColor::green, this))
     , m_summary(new StyledLabel(TextStyle::subheadline, NamedColor::secondary, this))
+    , m_waiting(
+          new ElidingLabel(TextStyle::subheadline, FontWeight::semibold, NamedColor::violet, this))
     , m_badge(new StyledLabel(TextStyle::title3, FontWeight::bold, NamedColor::green, this)) {
     auto* title = new StyledLabel(TextStyle::headline, NamedColor::primary, this);
     title->setText(tr("Codex CLI Status"));
@@ -77,6 +79,7 @@ StatusHeaderView::StatusHeaderView(const CodexRunState& state, const QString& su
     texts->setContentsMargins(0, 0, 0, 0);
     texts->addWidget(title);
     texts->addWidget(m_summary);
+    texts->addWidget(m_waiting);
 
     // The UI fonts Brenvik meets (DejaVu, Cantarell, Noto) draw digits at one
     // width already, so the badge does not jump as the count changes; Qt 6.4
@@ -99,6 +102,9 @@ void StatusHeaderView::setState(const CodexRunState& state, const QString& summa
     const NamedColor color = namedColor(stateColor);
     m_dot->setColor(stateColor);
     m_summary->setText(summary);
+    const QString waiting = brenvik::waitingText(state);
+    m_waiting->setFullText(waiting);
+    m_waiting->setVisible(!waiting.isEmpty());
     const QString badge = brenvik::badgeText(state);
     m_badge->setText(badge);
     m_badge->setColor(color);
@@ -111,6 +117,10 @@ QString StatusHeaderView::summaryText() const {
 
 QString StatusHeaderView::badgeText() const {
     return m_badge->isHidden() ? QString() : m_badge->text();
+}
+
+QString StatusHeaderView::waitingText() const {
+    return m_waiting->isHidden() ? QString() : m_waiting->fullText();
 }
 
 LastUpdatedLabel::LastUpdatedLabel(const std::optional<QDateTime>& lastUpdated, QWidget* parent)

@@ -31,7 +31,8 @@ private:
 };
 
 // The dot, "Codex CLI Status" over the summary, and the count badge at the
-// trailing edge (absent while nothing is found).
+// trailing edge (absent while nothing is found). While sessions wait for the
+// user, a third line in violet names their projects.
 class StatusHeaderView : public QWidget {
     Q_OBJECT
 
@@ -44,10 +45,13 @@ public:
     [[nodiscard]] QString summaryText() const;
     // Empty while the badge is absent.
     [[nodiscard]] QString badgeText() const;
+    // "Waiting for you: brenvik" in full; empty while the line is absent.
+    [[nodiscard]] QString waitingText() const;
 
 private:
     StatusDotShapeView* m_dot;
     StyledLabel* m_summary;
+    ElidingLabel* m_waiting;
     StyledLabel* m_badge;
 };
 
