@@ -96,8 +96,13 @@ QImage paintTrayIcon(StateColor color, QStringView badge, int pixels) {
 
     const QString text = badge.toString();
     const QPointF centre = shape.faceCentre;
-    const double inner = 2.0 * (shape.faceRadius - rim / 2.0);
-    const auto [font, ink] = fittingFont(text, inner * widthShare(text.size()), inner * 0.6);
+    // The count keeps the size it has on the round dot wherever the
+    // bubble's smaller face leaves room, so every state reads alike.
+    const double roundInner = size - 2.0 * rim;
+    const double faceInner = 2.0 * (shape.faceRadius - rim / 2.0);
+    const auto [font, ink] =
+        fittingFont(text, std::min(roundInner * widthShare(text.size()), faceInner * 0.92),
+                    std::min(roundInner * 0.6, faceInner * 0.67));
     // Centre the ink itself (not the line box), snapped to whole pixels so
     // the hinted stems stay sharp.
     const double x = std::round(centre.x() - ink.width() / 2.0 - ink.left());
