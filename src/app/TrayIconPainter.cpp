@@ -1,5 +1,7 @@
 #include "app/TrayIconPainter.h"
 
+#include "views/StatusDotShape.h"
+
 #include <QFont>
 #include <QFontMetricsF>
 #include <QPainter>
@@ -55,6 +57,8 @@ QColor trayDotColor(StateColor color) {
     switch (color) {
     case StateColor::yellow:
         return QColor(0xF5, 0xC2, 0x11);
+    case StateColor::violet:
+        return QColor(0x7B, 0x3F, 0xE4);
     case StateColor::red:
         return QColor(0xE0, 0x36, 0x2C);
     case StateColor::green:
@@ -78,21 +82,27 @@ QImage paintTrayIcon(StateColor color, QStringView badge, int pixels) {
     painter.setRenderHint(QPainter::TextAntialiasing);
 
     const double size = pixels;
-    const QPointF centre(size / 2.0, size / 2.0);
     // A thin darker rim keeps the dot apart from light and dark panels alike.
     const double rim = std::max(1.0, size / 22.0);
-    const double radius = size / 2.0 - rim / 2.0;
+    const StatusDotShape shape =
+        statusDotShape(color, QRectF(rim / 2.0, rim / 2.0, size - rim, size - rim));
     const QColor fill = trayDotColor(color);
-    painter.setPen(QPen(fill.darker(140), rim));
+    painter.setPen(QPen(fill.darker(140), rim, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
     painter.setBrush(fill);
-    painter.drawEllipse(centre, radius, radius);
+    painter.drawPath(shape.outline);
 
     if (badge.isEmpty())
         return image;
 
     const QString text = badge.toString();
-    const double inner = 2.0 * (radius - rim / 2.0);
-    const auto [font, ink] = fittingFont(text, inner * widthShare(text.size()), inner * 0.6);
+    const QPointF centre = shape.faceCentre;
+    // The count keeps the size it has on the round dot wherever the
+    // bubble's smaller face leaves room, so every state reads alike.
+    const double roundInner = size - 2.0 * rim;
+    const double faceInner = 2.0 * (shape.faceRadius - rim / 2.0);
+    const auto [font, ink] =
+        fittingFont(text, std::min(roundInner * widthShare(text.size()), faceInner * 0.92),
+                    std::min(roundInner * 0.6, faceInner * 0.67));
     // Centre the ink itself (not the line box), snapped to whole pixels so
     // the hinted stems stay sharp.
     const double x = std::round(centre.x() - ink.width() / 2.0 - ink.left());

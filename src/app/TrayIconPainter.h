@@ -21,8 +21,9 @@ inline constexpr std::array<int, 9> trayIconPixelSizes{16, 22, 24, 32, 44, 48, 6
 // The colour of the count drawn on the dot, chosen for contrast with it.
 [[nodiscard]] QColor trayBadgeTextColor(StateColor color);
 
-// One square image `pixels` wide: the dot, with `badge` centred on it in bold.
-// An empty badge leaves the dot alone.
+// One square image `pixels` wide: the dot (a speech bubble while a session
+// waits), with `badge` centred on its face in bold. An empty badge leaves the
+// dot alone.
 [[nodiscard]] QImage paintTrayIcon(StateColor color, QStringView badge, int pixels);
 
 // The icon at every size in trayIconPixelSizes.

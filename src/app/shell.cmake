@@ -5,7 +5,7 @@
 # icon export.
 brenvik_app_library(brenvik_trayicon
   FILES TrayIconPainter.cpp TrayIconPainter.h
-  PUBLIC brenvik_presentation Qt6::Gui)
+  PUBLIC brenvik_presentation brenvik_statusshape Qt6::Gui)
 
 # Everything of the program but main(), so the tests drive the same code.
 brenvik_app_library(brenvik_shell X11

@@ -1,5 +1,7 @@
 #include "views/ProcessListPresentation.h"
 
+#include <QStringList>
+
 namespace brenvik {
 
 ProcessListForm processListForm(qsizetype matchCount) {
@@ -18,6 +20,60 @@ QString processListPlaceholder(const std::optional<QString>& lastError,
     if (!lastUpdated)
         return QStringLiteral("Checking the local process list\u2026");
     return QStringLiteral("No matching Codex CLI processes found.");
+}
+
+QString statusLabel(ProcessActivityStatus status) {
+    switch (status) {
+    case ProcessActivityStatus::running:
+        return QStringLiteral("Running");
+    case ProcessActivityStatus::waiting:
+        return QStringLiteral("Waiting for you");
+    case ProcessActivityStatus::idle:
+        break;
+    }
+    return QStringLiteral("Idle");
+}
+
+QString durationText(const QDateTime& since, const QDateTime& now) {
+    const qint64 seconds = std::max<qint64>(0, since.secsTo(now));
+    constexpr qint64 minute = 60, hour = 60 * minute, day = 24 * hour;
+    if (seconds < minute)
+        return QString::number(seconds) + u" s";
+    if (seconds < hour)
+        return QString::number(seconds / minute) + u" min";
+    if (seconds < day)
+        return QString::number(seconds / hour) + u" h";
+    return QString::number(seconds / day) + u" d";
+}
+
+QString statusCapsuleText(const ProcessMatch& match, const QDateTime& now) {
+    const QString label = statusLabel(match.status);
+    if (!match.since)
+        return label;
+    return label + u" \u00B7 " + durationText(*match.since, now);
+}
+
+QString processRowTitle(const ProcessMatch& match, const QString& home) {
+    if (match.cwd.isEmpty())
+        return QStringLiteral("PID ") + QString::number(match.pid);
+    return abbreviatedDirectory(match.cwd, home);
+}
+
+QString processRowToolTip(const ProcessMatch& match, const QString& home, const QLocale& locale) {
+    QStringList lines;
+    if (!match.cwd.isEmpty())
+        lines << abbreviatedDirectory(match.cwd, home);
+    const qint64 processes = std::max<qint64>(1, match.processCount);
+    lines << QStringLiteral("PID %1 \u00B7 %2 %3")
+                 .arg(match.pid)
+                 .arg(processes)
+                 .arg(processes == 1 ? QStringLiteral("process") : QStringLiteral("processes"));
+    if (match.startedAt)
+        lines << QStringLiteral("Started ") +
+                     locale.toString(match.startedAt->toLocalTime(), QLocale::ShortFormat);
+    lines << (match.source == StatusSource::log ? QStringLiteral("Status from its session log")
+                                                : QStringLiteral("Status from its CPU use"));
+    return lines.join(u'\n');
 }
 
 } // namespace brenvik

@@ -1,6 +1,10 @@
 #pragma once
 
+#include "monitor/ProcessMonitoring.h"
+
 #include <QDateTime>
+#include <QDir>
+#include <QLocale>
 #include <QString>
 #include <optional>
 
@@ -19,5 +23,27 @@ inline constexpr qsizetype kPlainStackMaximumRows = 3;
 // "nothing found".
 [[nodiscard]] QString processListPlaceholder(const std::optional<QString>& lastError,
                                              const std::optional<QDateTime>& lastUpdated);
+
+// "Running", "Waiting for you" or "Idle".
+[[nodiscard]] QString statusLabel(ProcessActivityStatus status);
+
+// How long a status has held, in its largest whole unit: "45 s", "2 min",
+// "3 h", "2 d". A `since` after `now` (the clock was set back) is "0 s".
+[[nodiscard]] QString durationText(const QDateTime& since, const QDateTime& now);
+
+// The status capsule: "Waiting for you · 2 min"; the status alone while it
+// is not known since when.
+[[nodiscard]] QString statusCapsuleText(const ProcessMatch& match, const QDateTime& now);
+
+// A row's first line: the project directory with "~" for the home folder, or
+// "PID n" where the directory is unknown.
+[[nodiscard]] QString processRowTitle(const ProcessMatch& match,
+                                      const QString& home = QDir::homePath());
+
+// A row's tool tip: the directory, the PID and process count, the start time,
+// and whether the session log or the CPU use decided the status.
+[[nodiscard]] QString processRowToolTip(const ProcessMatch& match,
+                                        const QString& home = QDir::homePath(),
+                                        const QLocale& locale = QLocale::system());
 
 } // namespace brenvik

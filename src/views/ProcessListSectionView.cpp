@@ -27,7 +27,7 @@ ProcessListSectionView::ProcessListSectionView(CodexProcessMonitor& monitor, QWi
     , m_placeholder(new StyledLabel(TextStyle::subheadline, NamedColor::secondary, this))
     , m_plainPage(new QWidget(this))
     , m_scroll(new QScrollArea(this))
-    , m_rows(new ProcessRowsView({}, m_plainPage)) {
+    , m_rows(new ProcessRowsView({}, {}, m_plainPage)) {
     auto* placeholderPage = new QWidget(this);
     auto* placeholderLayout = new QVBoxLayout(placeholderPage);
     placeholderLayout->setContentsMargins(0, 0, 0, 0);
@@ -95,8 +95,9 @@ ProcessListForm ProcessListSectionView::fittingForm() const {
 }
 
 void ProcessListSectionView::updateFromMonitor() {
-    const QList<ProcessMatch>& matches = m_monitor.matches();
-    m_rows->setMatches(matches);
+    // Durations count to the refresh that measured them.
+    m_rows->setMatches(m_monitor.matches(),
+                       m_monitor.lastUpdated().value_or(QDateTime::currentDateTimeUtc()));
     setForm(fittingForm());
     if (m_form == ProcessListForm::placeholder)
         m_placeholder->setText(

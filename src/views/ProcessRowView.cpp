@@ -1,6 +1,7 @@
 #include "views/ProcessRowView.h"
 
 #include "views/CommandText.h"
+#include "views/ProcessListPresentation.h"
 
 #include <QHBoxLayout>
 #include <QPainter>
@@ -13,14 +14,23 @@ StatusCapsule::StatusCapsule(QWidget* parent)
     setContentsMargins(6, 2, 6, 2);
     setAlignment(Qt::AlignCenter);
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
-    setStatus(ProcessActivityStatus::idle);
+    setStatus(ProcessActivityStatus::idle, statusLabel(ProcessActivityStatus::idle));
 }
 
-void StatusCapsule::setStatus(ProcessActivityStatus status) {
+void StatusCapsule::setStatus(ProcessActivityStatus status, const QString& text) {
     m_status = status;
-    const bool running = status == ProcessActivityStatus::running;
-    setText(running ? QStringLiteral("Running") : QStringLiteral("Idle"));
-    setColor(running ? NamedColor::black : NamedColor::secondary);
+    setText(text);
+    switch (status) {
+    case ProcessActivityStatus::running:
+        setColor(NamedColor::black);
+        break;
+    case ProcessActivityStatus::waiting:
+        setColor(NamedColor::onViolet);
+        break;
+    case ProcessActivityStatus::idle:
+        setColor(NamedColor::secondary);
+        break;
+    }
     update();
 }
 
@@ -28,9 +38,19 @@ void StatusCapsule::paintEvent(QPaintEvent* event) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     const QPalette inherited = inheritedPalette(*this);
-    const QColor fill = m_status == ProcessActivityStatus::running
-                            ? withOpacity(namedColor(NamedColor::yellow, inherited), 0.9)
-                            : withOpacity(namedColor(NamedColor::secondary, inherited), 0.16);
+    QColor fill;
+    switch (m_status) {
+    case ProcessActivityStatus::running:
+        fill = withOpacity(namedColor(NamedColor::yellow, inherited), 0.9);
+        break;
+    case ProcessActivityStatus::waiting:
+        // Opaque, so the text on it keeps its contrast.
+        fill = namedColor(NamedColor::violet, inherited);
+        break;
+    case ProcessActivityStatus::idle:
+        fill = withOpacity(namedColor(NamedColor::secondary, inherited), 0.16);
+        break;
+    }
     const QRectF pill = QRectF(rect());
     painter.setPen(Qt::NoPen);
     painter.setBrush(fill);
@@ -60,9 +80,9 @@ void CommandLabel::paintEvent(QPaintEvent* event) {
     painter.fillRect(QRect(width() - kFade, 0, kFade, height()), fade);
 }
 
-ProcessRowView::ProcessRowView(const ProcessMatch& match, QWidget* parent)
+ProcessRowView::ProcessRowView(const ProcessMatch& match, const QDateTime& now, QWidget* parent)
     : QWidget(parent)
-    , m_pid(new StyledLabel(TextStyle::caption, FontWeight::semibold, NamedColor::primary, this))
+    , m_title(new ElidingLabel(TextStyle::caption, FontWeight::semibold, NamedColor::primary, this))
     , m_capsule(new StatusCapsule(this))
     , m_command(new CommandLabel(this)) {
     setFixedHeight(kHeight);
@@ -71,8 +91,9 @@ ProcessRowView::ProcessRowView(const ProcessMatch& match, QWidget* parent)
     auto* top = new QHBoxLayout;
     top->setContentsMargins(0, 0, 0, 0);
     top->setSpacing(8);
-    top->addWidget(m_pid, 0, Qt::AlignVCenter);
-    top->addStretch(1);
+    // A long path keeps its start and the project's own name.
+    m_title->setElideMode(Qt::ElideMiddle);
+    top->addWidget(m_title, 1, Qt::AlignVCenter);
     top->addWidget(m_capsule, 0, Qt::AlignVCenter);
 
     auto* column = new QVBoxLayout(this);
@@ -83,14 +104,16 @@ ProcessRowView::ProcessRowView(const ProcessMatch& match, QWidget* parent)
     column->addStretch(1);
 
     m_match.pid = -1; // so that the first setMatch fills every field
-    setMatch(match);
+    setMatch(match, now);
 }
 
-void ProcessRowView::setMatch(const ProcessMatch& match) {
-    if (match.pid != m_match.pid)
-        m_pid->setText(tr("PID ") + QString::asprintf("%lld", static_cast<long long>(match.pid)));
-    if (match.status != m_match.status || m_match.pid == -1)
-        m_capsule->setStatus(match.status);
+void ProcessRowView::setMatch(const ProcessMatch& match, const QDateTime& now) {
+    m_title->setFullText(processRowTitle(match));
+    const QString toolTip = processRowToolTip(match);
+    setToolTip(toolTip);
+    m_title->setToolTip(toolTip);
+    // "How long" moves on with every refresh.
+    m_capsule->setStatus(match.status, statusCapsuleText(match, now));
     // Same text: leave the label alone, which keeps the user's selection.
     if (match.command != m_match.command || m_match.pid == -1) {
         const QString shown = shownCommand(match.command);

@@ -7,14 +7,15 @@
 
 namespace brenvik {
 
-// A rounded pill behind a short label: "Running" or "Idle".
+// A rounded pill behind a short label, "Waiting for you · 2 min": yellow
+// while running, violet while waiting, grey while idle.
 class StatusCapsule : public StyledLabel {
     Q_OBJECT
 
 public:
     explicit StatusCapsule(QWidget* parent = nullptr);
 
-    void setStatus(ProcessActivityStatus status);
+    void setStatus(ProcessActivityStatus status, const QString& text);
 
 protected:
     void paintEvent(QPaintEvent* event) override;
@@ -35,22 +36,24 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 };
 
-// One process group: "PID n" with its status capsule, and the shown command,
-// which the user can select and copy. 38 points high.
+// One session: its project directory with its status capsule, and the shown
+// command, which the user can select and copy. 38 points high. The tool tip
+// tells the PID, the start time and what decided the status.
 class ProcessRowView : public QWidget {
     Q_OBJECT
 
 public:
-    explicit ProcessRowView(const ProcessMatch& match, QWidget* parent = nullptr);
+    // `now` is what the capsule's "how long" counts to.
+    ProcessRowView(const ProcessMatch& match, const QDateTime& now, QWidget* parent = nullptr);
 
-    void setMatch(const ProcessMatch& match);
+    void setMatch(const ProcessMatch& match, const QDateTime& now);
     [[nodiscard]] const ProcessMatch& match() const noexcept { return m_match; }
 
     static constexpr int kHeight = 38;
 
 private:
     ProcessMatch m_match;
-    StyledLabel* m_pid;
+    ElidingLabel* m_title;
     StatusCapsule* m_capsule;
     CommandLabel* m_command;
 };

@@ -6,28 +6,29 @@
 
 namespace brenvik {
 
-ProcessRowsView::ProcessRowsView(const QList<ProcessMatch>& matches, QWidget* parent)
+ProcessRowsView::ProcessRowsView(const QList<ProcessMatch>& matches, const QDateTime& now,
+                                 QWidget* parent)
     : QWidget(parent)
     , m_layout(new QVBoxLayout(this)) {
     m_layout->setContentsMargins(0, 0, 0, 0);
     m_layout->setSpacing(6);
     m_layout->addStretch(1);
-    setMatches(matches);
+    setMatches(matches, now);
 }
 
-void ProcessRowsView::setMatches(const QList<ProcessMatch>& matches) {
+void ProcessRowsView::setMatches(const QList<ProcessMatch>& matches, const QDateTime& now) {
     bool samePIDs = matches.size() == m_rows.size();
     for (qsizetype i = 0; samePIDs && i < matches.size(); ++i)
         samePIDs = matches[i].pid == m_rows[i]->match().pid;
     if (samePIDs) {
         for (qsizetype i = 0; i < matches.size(); ++i)
-            m_rows[i]->setMatch(matches[i]);
+            m_rows[i]->setMatch(matches[i], now);
         return;
     }
     qDeleteAll(m_rows);
     m_rows.clear();
     for (const ProcessMatch& match : matches) {
-        auto* row = new ProcessRowView(match, this);
+        auto* row = new ProcessRowView(match, now, this);
         m_layout->insertWidget(m_layout->count() - 1, row);
         m_rows.append(row);
     }

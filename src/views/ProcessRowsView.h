@@ -18,9 +18,11 @@ class ProcessRowsView : public QWidget {
     Q_OBJECT
 
 public:
-    explicit ProcessRowsView(const QList<ProcessMatch>& matches, QWidget* parent = nullptr);
+    ProcessRowsView(const QList<ProcessMatch>& matches, const QDateTime& now,
+                    QWidget* parent = nullptr);
 
-    void setMatches(const QList<ProcessMatch>& matches);
+    // `now` is what the rows' "how long" counts to.
+    void setMatches(const QList<ProcessMatch>& matches, const QDateTime& now);
     [[nodiscard]] const QList<ProcessRowView*>& rows() const noexcept { return m_rows; }
 
 private:

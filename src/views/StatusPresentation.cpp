@@ -5,6 +5,8 @@ namespace brenvik {
 StateColor stateColor(const CodexRunState& state) {
     return state.visit(
         [](const CodexRunState::Observed& o) {
+            if (o.waiting > 0)
+                return StateColor::violet;
             return o.running > 0 ? StateColor::yellow : StateColor::green;
         },
         [](const CodexRunState::Error&) { return StateColor::red; },
@@ -18,6 +20,13 @@ QString badgeText(const CodexRunState& state) {
         },
         [](const CodexRunState::Error&) { return QStringLiteral("!"); },
         [](const CodexRunState::Idle&) { return QString(); });
+}
+
+QString waitingText(const CodexRunState& state) {
+    const auto* observed = state.asObserved();
+    if (!observed || observed->waitingProjects.isEmpty())
+        return {};
+    return QStringLiteral("Waiting for you: ") + observed->waitingProjects.join(u", ");
 }
 
 } // namespace brenvik

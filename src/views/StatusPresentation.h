@@ -6,13 +6,20 @@
 
 namespace brenvik {
 
-// The one colour rule of the tray icon and the status header.
-enum class StateColor { green, yellow, red };
+// The one colour rule of the tray icon and the status header. Violet is
+// "waiting for you": apart from yellow and green for red-green colour
+// blindness too, and drawn with a mark of its own where it is a shape.
+enum class StateColor { green, yellow, violet, red };
 
-// Red on error, yellow while any group runs, green otherwise.
+// Red on error, then violet while any session waits for the user, then
+// yellow while any runs, green otherwise.
 [[nodiscard]] StateColor stateColor(const CodexRunState& state);
 
-// The group count ("99+" above 99), "!" on error, empty when nothing is found.
+// The session count ("99+" above 99), "!" on error, empty when nothing is found.
 [[nodiscard]] QString badgeText(const CodexRunState& state);
+
+// "Waiting for you: brenvik, parser" naming the projects that wait; empty
+// while none does.
+[[nodiscard]] QString waitingText(const CodexRunState& state);
 
 } // namespace brenvik

@@ -1,6 +1,7 @@
 #include "views/StatusViews.h"
 
 #include "views/LastUpdatedText.h"
+#include "views/StatusDotShape.h"
 
 #include <QHBoxLayout>
 #include <QPainter>
@@ -19,24 +20,30 @@ NamedColor namedColor(StateColor color) {
         return NamedColor::green;
     case StateColor::yellow:
         return NamedColor::yellow;
+    case StateColor::violet:
+        return NamedColor::violet;
     case StateColor::red:
         return NamedColor::red;
     }
     return NamedColor::green;
 }
 
-StatusDotShapeView::StatusDotShapeView(NamedColor color, QWidget* parent)
+StatusDotShapeView::StatusDotShapeView(StateColor color, QWidget* parent)
     : QWidget(parent)
     , m_color(color) {
     setMinimumSize(kDotMinimumWidth, int(kDotDiameter));
     setSizePolicy(QSizePolicy::Minimum, QSizePolicy::Fixed);
 }
 
-void StatusDotShapeView::setColor(NamedColor color) {
+void StatusDotShapeView::setColor(StateColor color) {
     if (color == m_color)
         return;
     m_color = color;
     update();
+}
+
+NamedColor StatusDotShapeView::color() const noexcept {
+    return namedColor(m_color);
 }
 
 void StatusDotShapeView::paintEvent(QPaintEvent*) {
@@ -44,22 +51,25 @@ void StatusDotShapeView::paintEvent(QPaintEvent*) {
     painter.setRenderHint(QPainter::Antialiasing);
     const QRectF dot((width() - kDotDiameter) / 2.0, (height() - kDotDiameter) / 2.0, kDotDiameter,
                      kDotDiameter);
+    const QPainterPath outline = statusDotShape(m_color, dot).outline;
     painter.setPen(Qt::NoPen);
-    painter.setBrush(brenvik::namedColor(m_color, palette()));
-    painter.drawEllipse(dot);
+    painter.setBrush(brenvik::namedColor(color(), palette()));
+    painter.drawPath(outline);
     QPen ring(withOpacity(brenvik::namedColor(NamedColor::primary, palette()), 0.25), 0.6);
     ring.setCapStyle(Qt::FlatCap);
-    ring.setJoinStyle(Qt::MiterJoin);
+    ring.setJoinStyle(Qt::RoundJoin);
     painter.setPen(ring);
     painter.setBrush(Qt::NoBrush);
-    painter.drawEllipse(dot);
+    painter.drawPath(outline);
 }
 
 StatusHeaderView::StatusHeaderView(const CodexRunState& state, const QString& summary,
                                    QWidget* parent)
     : QWidget(parent)
-    , m_dot(new StatusDotShapeView(NamedColor::green, this))
+    , m_dot(new StatusDotShapeView(StateColor::green, this))
     , m_summary(new StyledLabel(TextStyle::subheadline, NamedColor::secondary, this))
+    , m_waiting(
+          new ElidingLabel(TextStyle::subheadline, FontWeight::semibold, NamedColor::violet, this))
     , m_badge(new StyledLabel(TextStyle::title3, FontWeight::bold, NamedColor::green, this)) {
     auto* title = new StyledLabel(TextStyle::headline, NamedColor::primary, this);
     title->setText(tr("Codex CLI Status"));
@@ -69,6 +79,7 @@ StatusHeaderView::StatusHeaderView(const CodexRunState& state, const QString& su
     texts->setContentsMargins(0, 0, 0, 0);
     texts->addWidget(title);
     texts->addWidget(m_summary);
+    texts->addWidget(m_waiting);
 
     // The UI fonts Brenvik meets (DejaVu, Cantarell, Noto) draw digits at one
     // width already, so the badge does not jump as the count changes; Qt 6.4
@@ -87,9 +98,13 @@ StatusHeaderView::StatusHeaderView(const CodexRunState& state, const QString& su
 }
 
 void StatusHeaderView::setState(const CodexRunState& state, const QString& summary) {
-    const NamedColor color = namedColor(brenvik::stateColor(state));
-    m_dot->setColor(color);
+    const StateColor stateColor = brenvik::stateColor(state);
+    const NamedColor color = namedColor(stateColor);
+    m_dot->setColor(stateColor);
     m_summary->setText(summary);
+    const QString waiting = brenvik::waitingText(state);
+    m_waiting->setFullText(waiting);
+    m_waiting->setVisible(!waiting.isEmpty());
     const QString badge = brenvik::badgeText(state);
     m_badge->setText(badge);
     m_badge->setColor(color);
@@ -102,6 +117,10 @@ QString StatusHeaderView::summaryText() const {
 
 QString StatusHeaderView::badgeText() const {
     return m_badge->isHidden() ? QString() : m_badge->text();
+}
+
+QString StatusHeaderView::waitingText() const {
+    return m_waiting->isHidden() ? QString() : m_waiting->fullText();
 }
 
 LastUpdatedLabel::LastUpdatedLabel(const std::optional<QDateTime>& lastUpdated, QWidget* parent)

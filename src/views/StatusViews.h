@@ -11,26 +11,28 @@ class QLabel;
 
 namespace brenvik {
 
-// An 11-point dot in a named colour with a faint ring, centred in at least
+// An 11-point dot in the state's colour with a faint ring, shaped as the
+// tray's dot is (a speech bubble while a session waits), centred in at least
 // 14 points of width.
 class StatusDotShapeView : public QWidget {
     Q_OBJECT
 
 public:
-    explicit StatusDotShapeView(NamedColor color, QWidget* parent = nullptr);
+    explicit StatusDotShapeView(StateColor color, QWidget* parent = nullptr);
 
-    void setColor(NamedColor color);
-    [[nodiscard]] NamedColor color() const noexcept { return m_color; }
+    void setColor(StateColor color);
+    [[nodiscard]] NamedColor color() const noexcept;
 
 protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
-    NamedColor m_color;
+    StateColor m_color;
 };
 
 // The dot, "Codex CLI Status" over the summary, and the count badge at the
-// trailing edge (absent while nothing is found).
+// trailing edge (absent while nothing is found). While sessions wait for the
+// user, a third line in violet names their projects.
 class StatusHeaderView : public QWidget {
     Q_OBJECT
 
@@ -43,10 +45,13 @@ public:
     [[nodiscard]] QString summaryText() const;
     // Empty while the badge is absent.
     [[nodiscard]] QString badgeText() const;
+    // "Waiting for you: brenvik" in full; empty while the line is absent.
+    [[nodiscard]] QString waitingText() const;
 
 private:
     StatusDotShapeView* m_dot;
     StyledLabel* m_summary;
+    ElidingLabel* m_waiting;
     StyledLabel* m_badge;
 };
 

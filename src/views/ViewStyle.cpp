@@ -82,12 +82,18 @@ QColor namedColor(NamedColor color, const QPalette& palette) {
         return dark ? QColor(48, 209, 88) : QColor(40, 180, 75);
     case NamedColor::yellow:
         return dark ? QColor(255, 214, 10) : QColor(246, 190, 0);
+    case NamedColor::violet:
+        // The tray's violet on light windows (5:1 on their grey); lighter on
+        // dark ones (5.6:1), where dark text goes on it.
+        return dark ? QColor(0xAE, 0x8B, 0xFF) : QColor(0x7B, 0x3F, 0xE4);
     case NamedColor::red:
         return dark ? QColor(255, 84, 74) : QColor(215, 40, 30);
     case NamedColor::orange:
         return dark ? QColor(255, 159, 10) : QColor(215, 110, 0);
     case NamedColor::black:
         return Qt::black;
+    case NamedColor::onViolet:
+        return dark ? QColor(0x1C, 0x1C, 0x1E) : QColor(Qt::white);
     case NamedColor::primary:
         return palette.color(QPalette::WindowText);
     case NamedColor::secondary: {
@@ -157,6 +163,11 @@ void ElidingLabel::setFullText(const QString& text) {
     updateGeometry();
 }
 
+void ElidingLabel::setElideMode(Qt::TextElideMode mode) {
+    m_elideMode = mode;
+    elide();
+}
+
 QSize ElidingLabel::minimumSizeHint() const {
     return {0, QLabel::minimumSizeHint().height()};
 }
@@ -174,7 +185,7 @@ void ElidingLabel::resizeEvent(QResizeEvent* event) {
 void ElidingLabel::elide() {
     QString oneLine = m_fullText;
     oneLine.replace(u'\n', u' ');
-    setText(fontMetrics().elidedText(oneLine, Qt::ElideRight, contentsRect().width()));
+    setText(fontMetrics().elidedText(oneLine, m_elideMode, contentsRect().width()));
 }
 
 namespace {

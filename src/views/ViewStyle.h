@@ -21,12 +21,15 @@ enum class FontWeight { regular, semibold, bold };
 // The named colours, resolved against a palette so that dark themes stay
 // readable: the signal colours brighten on dark backgrounds, "secondary" is
 // the palette's placeholder text colour and "primary" its window text.
+// "violet" is "waiting for you"; "onViolet" is text on a violet fill.
 enum class NamedColor {
     green,
     yellow,
+    violet,
     red,
     orange,
     black,
+    onViolet,
     primary,
     secondary,
     separator,
@@ -75,6 +78,8 @@ public:
 
     void setFullText(const QString& text);
     [[nodiscard]] const QString& fullText() const noexcept { return m_fullText; }
+    // Where the "…" goes; at the end unless set.
+    void setElideMode(Qt::TextElideMode mode);
     [[nodiscard]] QSize minimumSizeHint() const override;
     [[nodiscard]] QSize sizeHint() const override;
 
@@ -85,6 +90,7 @@ private:
     void elide();
 
     QString m_fullText;
+    Qt::TextElideMode m_elideMode = Qt::ElideRight;
 };
 
 // A push button drawn from the palette: "bordered" for ordinary actions,

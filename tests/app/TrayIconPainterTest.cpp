@@ -2,8 +2,11 @@
 
 #include <QIcon>
 #include <QImage>
+#include <algorithm>
 #include <cmath>
 #include <gtest/gtest.h>
+#include <map>
+#include <string>
 
 namespace brenvik {
 namespace {
@@ -17,39 +20,62 @@ const char* hueOf(QColor color) {
         return "green";
     if (h >= 40 && h <= 60)
         return "yellow";
+    if (h >= 250 && h <= 290)
+        return "violet";
     return h <= 12 || h >= 345 ? "red" : "other";
 }
 
-// A point on the dot above any badge text.
-QColor dotPixel(const QImage& image) {
-    const int size = image.width();
-    return image.pixelColor(size / 2, static_cast<int>(std::lround(size * 0.16)));
+// The colour most of the icon's opaque pixels are, as a person would name it.
+std::string dominantHue(const QImage& image) {
+    std::map<std::string, int> counts;
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); ++x) {
+            const QColor pixel = image.pixelColor(x, y);
+            if (pixel.alpha() == 255)
+                ++counts[hueOf(pixel)];
+        }
+    }
+    counts.erase("other");
+    const auto most = std::max_element(counts.begin(), counts.end(),
+                                       [](auto& a, auto& b) { return a.second < b.second; });
+    return most == counts.end() ? "other" : most->first;
 }
 
-TEST(TrayIconPainter, DotCarriesTheStateColourAtPanelAndLargeSizes) {
+// A point near the bottom-left corner, outside a round dot: the waiting
+// bubble's tail, which tells it apart without colour.
+QColor tailPixel(const QImage& image) {
+    const int size = image.width();
+    return image.pixelColor(static_cast<int>(std::lround(size * 0.1)),
+                            static_cast<int>(std::lround(size * 0.9)));
+}
+
+TEST(TrayIconPainter, DotCarriesTheStateColourAndWaitingItsTailAtPanelAndLargeSizes) {
     const std::tuple<const char*, CodexRunState, const char*> cases[] = {
         {"nothing found", CodexRunState::idle(), "green"},
         {"one idle group", CodexRunState::observed(1, 0, 1), "green"},
         {"one of three running", CodexRunState::observed(3, 1, 2), "yellow"},
         {"over 99 running", CodexRunState::observed(120, 5, 115), "yellow"},
+        {"one of three waiting", CodexRunState::observed(3, 1, 1, 1, {QStringLiteral("a")}),
+         "violet"},
         {"detection failed", CodexRunState::error(QStringLiteral("ps failed")), "red"},
     };
     for (const auto& [name, state, hue] : cases) {
         for (int size : {22, 64}) {
             const QImage image = paintTrayIcon(stateColor(state), badgeText(state), size);
             ASSERT_EQ(image.size(), QSize(size, size)) << name;
-            EXPECT_STREQ(hueOf(dotPixel(image)), hue) << name << " at " << size << " px";
+            EXPECT_EQ(dominantHue(image), hue) << name << " at " << size << " px";
             EXPECT_EQ(image.pixelColor(0, 0).alpha(), 0) << name << ": corner not see-through";
+            const bool waiting = std::string_view(hue) == "violet";
+            EXPECT_EQ(tailPixel(image).alpha() > 160, waiting)
+                << name << " at " << size << " px: tail " << tailPixel(image).alpha();
         }
     }
 }
 
 TEST(TrayIconPainter, BadgeTextIsDrawnOnTheDotAndIdleIsTheDotAlone) {
-    const std::pair<StateColor, const char*> cases[] = {{StateColor::green, ""},
-                                                        {StateColor::green, "1"},
-                                                        {StateColor::green, "42"},
-                                                        {StateColor::yellow, "99+"},
-                                                        {StateColor::red, "!"}};
+    const std::pair<StateColor, const char*> cases[] = {
+        {StateColor::green, ""},     {StateColor::green, "1"},  {StateColor::green, "42"},
+        {StateColor::yellow, "99+"}, {StateColor::violet, "7"}, {StateColor::red, "!"}};
     for (const auto& [color, badge] : cases) {
         for (int size : {22, 64}) {
             const QImage image = paintTrayIcon(color, QString::fromUtf8(badge), size);

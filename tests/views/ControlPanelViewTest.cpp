@@ -94,6 +94,12 @@ TEST_F(ControlPanel, ThreeRowsStackAndAFourthScrolls) {
             texts.append(label->text());
         return texts;
     };
+    // Row 1 runs, row 2 has waited for two minutes, row 3 has no known
+    // directory; each row shows its directory (or PID) and status.
+    const QString titles[] = {u"~/projects/p1"_s, u"~/projects/p2"_s, u"PID 1003"_s,
+                              u"~/projects/p4"_s};
+    const QString capsules[] = {u"Running \u00B7 0 s"_s, u"Waiting for you \u00B7 2 min"_s,
+                                u"Idle \u00B7 0 s"_s, u"Idle \u00B7 0 s"_s};
     const std::tuple<int, ProcessListForm, bool> cases[] = {
         {3, ProcessListForm::plainStack, false},
         {4, ProcessListForm::scrollingList, true},
@@ -101,10 +107,15 @@ TEST_F(ControlPanel, ThreeRowsStackAndAFourthScrolls) {
     };
     for (const auto& [count, form, scrollBar] : cases) {
         QList<DetectedProcessSample> groups;
-        for (int i = 1; i <= count; ++i)
+        QList<CodexProcessMonitor::LogState> logs;
+        for (int i = 1; i <= count; ++i) {
             groups.append(group(1000 + i, u"  codex --session %1 "_s.arg(i) + QString(120, u'x'),
                                 i == 1 ? 50.0 : 0.0));
-        ASSERT_TRUE(m_scripted.refreshWith(groups));
+            if (i != 3)
+                groups.last().cwd = QDir::homePath() + u"/projects/p%1"_s.arg(i);
+            logs.append(i == 2 ? waitingLog(test::at(-120'000)) : std::nullopt);
+        }
+        ASSERT_TRUE(m_scripted.refreshWith(groups, logs));
         settle();
         ProcessListSectionView* list = m_panel.processList();
         EXPECT_EQ(list->form(), form) << count;
@@ -118,8 +129,9 @@ TEST_F(ControlPanel, ThreeRowsStackAndAFourthScrolls) {
             EXPECT_TRUE(rows[i]->isVisible()) << count << " matches, row " << i;
             EXPECT_EQ(rows[i]->height(), 38) << count << " matches, row " << i;
             EXPECT_EQ(texts(rows[i]),
-                      (QStringList{u"PID %1"_s.arg(1001 + i), i == 0 ? u"Running"_s : u"Idle"_s,
-                                   shownCommand(groups[i].command)}))
+                      (QStringList{titles[i], capsules[i], shownCommand(groups[i].command)}))
+                << count << " matches, row " << i;
+            EXPECT_TRUE(rows[i]->toolTip().contains(u"PID %1"_s.arg(1001 + i)))
                 << count << " matches, row " << i;
         }
         const QLabel* command = rows[0]->findChildren<QLabel*>().last();

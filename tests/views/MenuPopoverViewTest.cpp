@@ -19,19 +19,32 @@ TEST(MenuPopoverView, HeaderFollowsTheMonitorAndTheButtonOpensThePanel) {
     popover.show();
     EXPECT_EQ(popover.width(), 300);
 
-    const std::tuple<const char*, std::function<bool()>, NamedColor, QString> cases[] = {
-        {"before the first refresh", [] { return true; }, NamedColor::green, QString()},
+    // The waiting line names the project; nothing else changes while none waits.
+    auto waits = group(8, u"codex"_s);
+    waits.cwd = QDir::homePath() + u"/projects/brenvik"_s;
+    const QString none;
+    const std::tuple<const char*, std::function<bool()>, NamedColor, QString, QString> cases[] = {
+        {"before the first refresh", [] { return true; }, NamedColor::green, QString(), none},
         {"one running", [&] { return scripted.refreshWith({group(7, u"codex"_s, 30.0)}); },
-         NamedColor::yellow, u"1"_s},
-        {"failure", [&] { return scripted.failWith(u"ps: not found"_s); }, NamedColor::red, u"!"_s},
-        {"nothing found", [&] { return scripted.refreshWith({}); }, NamedColor::green, QString()},
+         NamedColor::yellow, u"1"_s, none},
+        {"one running, one waiting",
+         [&] {
+             return scripted.refreshWith({group(7, u"codex"_s, 30.0), waits},
+                                         {std::nullopt, waitingLog(at(0))});
+         },
+         NamedColor::violet, u"2"_s, u"Waiting for you: brenvik"_s},
+        {"failure", [&] { return scripted.failWith(u"ps: not found"_s); }, NamedColor::red, u"!"_s,
+         none},
+        {"nothing found", [&] { return scripted.refreshWith({}); }, NamedColor::green, QString(),
+         none},
     };
-    for (const auto& [name, reach, color, badge] : cases) {
+    for (const auto& [name, reach, color, badge, waiting] : cases) {
         ASSERT_TRUE(reach()) << name;
         settle();
         EXPECT_EQ(popover.header()->stateColor(), color) << name;
         EXPECT_EQ(popover.header()->badgeText(), badge) << name;
         EXPECT_EQ(popover.header()->summaryText(), scripted.monitor.summary()) << name;
+        EXPECT_EQ(popover.header()->waitingText(), waiting) << name;
     }
     QTest::mouseClick(popover.openControlPanelButton(), Qt::LeftButton);
     EXPECT_EQ(actions.openControlPanelCalls, 1);

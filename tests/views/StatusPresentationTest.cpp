@@ -6,21 +6,27 @@ namespace brenvik {
 namespace {
 using namespace Qt::StringLiterals;
 
-TEST(StatusPresentation, ColourAndBadgeFollowTheRunState) {
+TEST(StatusPresentation, ColourBadgeAndWaitingLineFollowTheRunState) {
     using enum StateColor;
-    const std::tuple<const char*, CodexRunState, StateColor, QString> cases[] = {
-        {"three idle", CodexRunState::observed(3, 0, 3), green, u"3"_s},
-        {"one of three running", CodexRunState::observed(3, 1, 2), yellow, u"3"_s},
-        {"negative running counts as none", CodexRunState::observed(2, -1, 3), green, u"2"_s},
-        {"99 groups", CodexRunState::observed(99, 0, 99), green, u"99"_s},
-        {"100 groups", CodexRunState::observed(100, 5, 95), yellow, u"99+"_s},
-        {"thousands, no separators", CodexRunState::observed(12345, 0, 0), green, u"99+"_s},
-        {"error", CodexRunState::error(u"ps failed"_s), red, u"!"_s},
-        {"nothing found", CodexRunState::idle(), green, QString()},
+    const QString none;
+    const std::tuple<const char*, CodexRunState, StateColor, QString, QString> cases[] = {
+        {"three idle", CodexRunState::observed(3, 0, 3), green, u"3"_s, none},
+        {"one of three running", CodexRunState::observed(3, 1, 2), yellow, u"3"_s, none},
+        {"negative running counts as none", CodexRunState::observed(2, -1, 3), green, u"2"_s, none},
+        {"99 groups", CodexRunState::observed(99, 0, 99), green, u"99"_s, none},
+        {"100 groups", CodexRunState::observed(100, 5, 95), yellow, u"99+"_s, none},
+        {"thousands, no separators", CodexRunState::observed(12345, 0, 0), green, u"99+"_s, none},
+        {"one waits alone", CodexRunState::observed(1, 0, 0, 1, {u"brenvik"_s}), violet, u"1"_s,
+         u"Waiting for you: brenvik"_s},
+        {"waiting wins over running", CodexRunState::observed(4, 2, 0, 2, {u"a"_s, u"~"_s}), violet,
+         u"4"_s, u"Waiting for you: a, ~"_s},
+        {"error", CodexRunState::error(u"ps failed"_s), red, u"!"_s, none},
+        {"nothing found", CodexRunState::idle(), green, QString(), none},
     };
-    for (const auto& [name, state, color, badge] : cases) {
+    for (const auto& [name, state, color, badge, waiting] : cases) {
         EXPECT_EQ(stateColor(state), color) << name;
         EXPECT_EQ(badgeText(state), badge) << name;
+        EXPECT_EQ(waitingText(state), waiting) << name;
     }
 }
 

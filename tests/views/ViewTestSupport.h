@@ -47,15 +47,35 @@ inline DetectedProcessSample group(qint64 pid, QString command, double cpuPercen
     return sample(pid, cpuPercent, 1.0, false, std::move(command));
 }
 
-// A monitor on a scripted scan, brought into a state by one refresh; true once
-// the refresh has ended.
+// What a session log says while the agent waits for the user since `since`.
+inline CodexProcessMonitor::LogState waitingLog(const QDateTime& since) {
+    SessionLogState log;
+    log.phase = TurnPhase::awaitingToolOutput;
+    log.phaseSince = since;
+    return log;
+}
+
+// A monitor on a scripted scan (and session logs), brought into a state by
+// one refresh; true once the refresh has ended.
 struct ScriptedMonitor {
     ScriptedScan scan;
     ManualClock clock;
-    CodexProcessMonitor monitor{scan.function(), clock.function()};
+    std::mutex logsMutex; // the logs are read on the scan's thread
+    QList<CodexProcessMonitor::LogState> logs;
+    CodexProcessMonitor monitor{scan.function(), clock.function(), nullptr,
+                                [this](const QList<DetectedProcessSample>&) {
+                                    std::lock_guard lock(logsMutex);
+                                    return logs;
+                                }};
 
-    [[nodiscard]] bool refreshWith(QList<DetectedProcessSample> samples) {
+    // `logs` line up with `samples`; samples without one are judged by CPU.
+    [[nodiscard]] bool refreshWith(QList<DetectedProcessSample> samples,
+                                   QList<CodexProcessMonitor::LogState> sessionLogs = {}) {
         scan.returns(std::move(samples));
+        {
+            std::lock_guard lock(logsMutex);
+            logs = std::move(sessionLogs);
+        }
         return refreshAt(monitor, clock, 0);
     }
     [[nodiscard]] bool failWith(QString message) {

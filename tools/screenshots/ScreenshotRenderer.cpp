@@ -1,7 +1,9 @@
-// Renders the popover and the control panel in their states to PNG files, on
-// the offscreen platform, for looking at them without a desktop.
+// Renders the popover and the control panel in their states, and the tray
+// icons on light and dark panels, to PNG files, on the offscreen platform, for
+// looking at them without a desktop.
 //   brenvik_screenshots <output folder>
 
+#include "app/TrayIconPainter.h"
 #include "views/ControlPanelView.h"
 #include "views/MenuPopoverView.h"
 
@@ -9,6 +11,7 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QPainter>
 #include <QSignalSpy>
 #include <QStyleFactory>
 #include <QTemporaryDir>
@@ -60,6 +63,18 @@ DetectedProcessSample group(qint64 pid, QString command, QString cwd, double cpu
 
 // What the monitor has seen: nothing yet, a failure text, or these matches.
 using Outcome = std::variant<std::monostate, QString, QList<DetectedProcessSample>>;
+using Logs = QList<CodexProcessMonitor::LogState>;
+
+// The time every picture is taken at.
+const QDateTime kNow(QDate(2026, 11, 23), QTime(14, 5, 30));
+
+// A session log in `phase` since that many seconds before the picture.
+CodexProcessMonitor::LogState logged(TurnPhase phase, qint64 secondsAgo) {
+    SessionLogState log;
+    log.phase = phase;
+    log.phaseSince = kNow.addSecs(-secondsAgo);
+    return log;
+}
 
 // The buttons do nothing in a picture.
 class NoActions : public ViewActions {
@@ -104,17 +119,19 @@ struct Scene {
     bool panel; // else the popover
     Outcome outcome;
     void (*preferences)(Preferences&) = nullptr;
+    Logs logs = {}; // one per session; the rest are judged by CPU
 };
 
 bool render(const Scene& scene, const QDir& out, const QString& suffix) {
     const Outcome outcome = scene.outcome;
+    const Logs logs = scene.logs;
     CodexProcessMonitor monitor(
         [outcome] {
             if (const auto* failure = std::get_if<QString>(&outcome))
                 throw ProcessSnapshotError(kProcessMonitorErrorDomain, 1, *failure);
             return std::get<QList<DetectedProcessSample>>(outcome);
         },
-        [] { return QDateTime(QDate(2026, 11, 23), QTime(14, 5, 30)); });
+        [] { return kNow; }, nullptr, [logs](const QList<DetectedProcessSample>&) { return logs; });
     if (!std::holds_alternative<std::monostate>(outcome)) {
         QSignalSpy ended(&monitor, &CodexProcessMonitor::lastUpdatedChanged);
         monitor.refresh();
@@ -139,6 +156,44 @@ bool render(const Scene& scene, const QDir& out, const QString& suffix) {
     const QString file =
         out.filePath(QString::fromUtf8(scene.name) + suffix + QStringLiteral(".png"));
     if (!view->grab().save(file)) {
+        std::fprintf(stderr, "cannot write %s\n", qPrintable(file));
+        return false;
+    }
+    std::printf("%s\n", qPrintable(file));
+    return true;
+}
+
+// The tray icons in every state, at panel size and at 64 pixels, on a light
+// and a dark panel side by side.
+bool renderTrayIcons(const QDir& out) {
+    struct Icon {
+        StateColor color;
+        const char* badge;
+    };
+    const Icon icons[] = {{StateColor::green, ""},     {StateColor::green, "2"},
+                          {StateColor::yellow, "3"},   {StateColor::violet, "3"},
+                          {StateColor::yellow, "99+"}, {StateColor::red, "!"}};
+    constexpr int kCell = 76, kPadding = 16, kSmall = 22, kLarge = 64;
+    const int panelWidth = kPadding * 2 + kCell * int(std::size(icons));
+    const int height = kPadding * 3 + kSmall + kLarge;
+    QImage image(panelWidth * 2, height, QImage::Format_ARGB32_Premultiplied);
+    QPainter painter(&image);
+    const QColor panels[] = {QColor(0xED, 0xED, 0xEF), QColor(0x2B, 0x2B, 0x2E)};
+    for (int p = 0; p < 2; ++p) {
+        const int left = p * panelWidth + kPadding;
+        painter.fillRect(p * panelWidth, 0, panelWidth, height, panels[p]);
+        for (int i = 0; i < int(std::size(icons)); ++i) {
+            const QString badge = QString::fromLatin1(icons[i].badge);
+            const int x = left + i * kCell;
+            painter.drawImage(x + (kCell - kSmall) / 2, kPadding,
+                              paintTrayIcon(icons[i].color, badge, kSmall));
+            painter.drawImage(x + (kCell - kLarge) / 2, kPadding * 2 + kSmall,
+                              paintTrayIcon(icons[i].color, badge, kLarge));
+        }
+    }
+    painter.end();
+    const QString file = out.filePath(QStringLiteral("tray-icons.png"));
+    if (!image.save(file)) {
         std::fprintf(stderr, "cannot write %s\n", qPrintable(file));
         return false;
     }
@@ -200,6 +255,20 @@ int main(int argc, char** argv) {
         group(51873, QStringLiteral("codex exec"), project("release-notes"))};
     const Outcome one =
         QList<DetectedProcessSample>{group(4242, QStringLiteral("codex"), project("brenvik"))};
+    // One session of each kind, as their logs tell: running for 45 s, waiting
+    // for an approval for 2 min, idle for 25 min.
+    const Outcome threeStates = QList<DetectedProcessSample>{
+        group(4242,
+              QStringLiteral("node /usr/local/lib/node_modules/@openai/codex/bin/codex.js "
+                             "--model gpt-5-codex"),
+              project("brenvik"), 14.5),
+        group(51873, QStringLiteral("codex exec --full-auto \"migrate the build to presets\""),
+              project("release-notes")),
+        group(8810, QStringLiteral("npm exec @zed-industries/codex-acp"), project("website")),
+    };
+    const Logs threeStateLogs{logged(TurnPhase::running, 45),
+                              logged(TurnPhase::awaitingToolOutput, 130),
+                              logged(TurnPhase::idle, 25 * 60)};
     const auto loginOn = [](Preferences& p) { p.launchAtLogin.setEnabled(true); };
     const auto dockRefused = [](Preferences& p) { p.appVisibility.setShowDockIcon(false); };
     // Both failure texts crowd the list: its three rows scroll.
@@ -220,13 +289,17 @@ int main(int argc, char** argv) {
         {"control-panel-five-matches", true, five, dockRefused},
         {"control-panel-waiting-for-approval", true, one, approval},
         {"control-panel-preference-failures", true, three, bothFail},
+        {"control-panel-three-states", true, threeStates, loginOn, threeStateLogs},
         {"popover-checking", false, checking},
         {"popover-nothing-found", false, noMatch},
         {"popover-idle", false, idle},
         {"popover-running", false, two},
         {"popover-error", false, error},
+        {"popover-waiting", false, threeStates, nullptr, threeStateLogs},
     };
     const Scene dark[] = {
+        {"control-panel-three-states", true, threeStates, loginOn, threeStateLogs},
+        {"popover-waiting", false, threeStates, nullptr, threeStateLogs},
         {"control-panel-two-matches", true, two, loginOn},
         {"control-panel-five-matches", true, five, dockRefused},
         {"control-panel-error", true, error},
@@ -234,7 +307,7 @@ int main(int argc, char** argv) {
         {"popover-error", false, error},
     };
 
-    bool ok = true;
+    bool ok = renderTrayIcons(out);
     for (const Scene& scene : light)
         ok = render(scene, out, QString()) && ok;
     QApplication::setPalette(darkPalette());
