@@ -56,12 +56,12 @@ AppModel::AppModel(Parts parts, QObject* parent)
     , m_monitor(makeMonitor(parts))
     , m_launchAtLogin(std::make_unique<LaunchAtLoginController>())
     , m_appVisibility(makeAppVisibility(parts))
-    , m_controlPanel(std::make_unique<ControlPanelController>(*m_monitor, *m_launchAtLogin,
-                                                              *m_appVisibility, *this))
+    , m_notifications(std::make_unique<NotificationsController>(parts.settingsFile))
+    , m_controlPanel(std::make_unique<ControlPanelController>(
+          *m_monitor, *m_launchAtLogin, *m_appVisibility, *this, m_notifications.get()))
     , m_statusItem(parts.traySurface
                        ? std::make_unique<StatusItemController>(*this, *parts.traySurface)
                        : std::make_unique<StatusItemController>(*this))
-    , m_notifications(std::make_unique<NotificationsController>(parts.settingsFile))
     , m_notificationPolicy(std::make_unique<NotificationPolicy>()) {
     NotificationBus* bus = parts.notificationBus;
     if (!bus) {

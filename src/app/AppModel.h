@@ -75,9 +75,9 @@ private:
     std::unique_ptr<CodexProcessMonitor> m_monitor;
     std::unique_ptr<LaunchAtLoginController> m_launchAtLogin;
     std::unique_ptr<AppVisibilityController> m_appVisibility;
+    std::unique_ptr<NotificationsController> m_notifications;
     std::unique_ptr<ControlPanelController> m_controlPanel;
     std::unique_ptr<StatusItemController> m_statusItem;
-    std::unique_ptr<NotificationsController> m_notifications;
     std::unique_ptr<NotificationBus> m_ownNotificationBus;
     std::unique_ptr<DesktopNotifier> m_notifier;
     std::unique_ptr<NotificationPolicy> m_notificationPolicy;

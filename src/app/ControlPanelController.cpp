@@ -11,11 +11,13 @@ namespace brenvik {
 ControlPanelController::ControlPanelController(CodexProcessMonitor& monitor,
                                                LaunchAtLoginController& launchAtLogin,
                                                AppVisibilityController& appVisibility,
-                                               ViewActions& actions)
+                                               ViewActions& actions,
+                                               NotificationsController* notifications)
     : m_monitor(monitor)
     , m_launchAtLogin(launchAtLogin)
     , m_appVisibility(appVisibility)
-    , m_actions(actions) {}
+    , m_actions(actions)
+    , m_notifications(notifications) {}
 
 ControlPanelController::~ControlPanelController() = default;
 
@@ -39,13 +41,23 @@ void ControlPanelController::buildWindow() {
     m_window->setWindowTitle(QStringLiteral("Brenvik"));
     auto* layout = new QVBoxLayout(m_window.get());
     layout->setContentsMargins(0, 0, 0, 0);
-    layout->addWidget(new ControlPanelView(m_monitor, m_launchAtLogin, m_appVisibility, m_actions));
+    auto* view = new ControlPanelView(m_monitor, m_launchAtLogin, m_appVisibility, m_actions,
+                                      nullptr, m_notifications);
+    layout->addWidget(view);
     // Not resizable; closing hides the window, which stays for the next show().
-    m_window->setFixedSize(windowSize);
+    // Its natural size, but never beyond the screen: then the list gives way.
+    view->ensurePolished(); // fonts and styles decide the sizes
+    QSize size = view->naturalSize();
     if (const QScreen* screen = QGuiApplication::primaryScreen()) {
-        QRect frame(QPoint(), windowSize);
+        constexpr QSize kFrame(16, 48); // title bar and borders, about
+        size = size.boundedTo(screen->availableGeometry().size() - kFrame)
+                   .expandedTo(view->minimumSize());
+        QRect frame(QPoint(), size);
         frame.moveCenter(screen->availableGeometry().center());
+        m_window->setFixedSize(size);
         m_window->move(frame.topLeft());
+    } else {
+        m_window->setFixedSize(size);
     }
 }
 

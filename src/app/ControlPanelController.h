@@ -9,6 +9,7 @@ namespace brenvik {
 class AppVisibilityController;
 class CodexProcessMonitor;
 class LaunchAtLoginController;
+class NotificationsController;
 class ViewActions;
 
 // The control panel window "Brenvik": built on first use, kept for the life of
@@ -18,7 +19,8 @@ public:
     static constexpr QSize windowSize{420, 480};
 
     ControlPanelController(CodexProcessMonitor& monitor, LaunchAtLoginController& launchAtLogin,
-                           AppVisibilityController& appVisibility, ViewActions& actions);
+                           AppVisibilityController& appVisibility, ViewActions& actions,
+                           NotificationsController* notifications = nullptr);
     ~ControlPanelController();
     ControlPanelController(const ControlPanelController&) = delete;
     ControlPanelController& operator=(const ControlPanelController&) = delete;
@@ -37,6 +39,7 @@ private:
     LaunchAtLoginController& m_launchAtLogin;
     AppVisibilityController& m_appVisibility;
     ViewActions& m_actions;
+    NotificationsController* m_notifications;
     std::unique_ptr<QWidget> m_window;
 };
 

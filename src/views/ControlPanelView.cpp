@@ -30,15 +30,14 @@ QVBoxLayout* stack(int spacing, QWidget* owner = nullptr) {
 ControlPanelView::ControlPanelView(CodexProcessMonitor& monitor,
                                    LaunchAtLoginController& launchAtLogin,
                                    AppVisibilityController& appVisibility, ViewActions& actions,
-                                   QWidget* parent)
+                                   QWidget* parent, NotificationsController* notifications)
     : MonitorStatusView(monitor, actions, parent)
     , m_errorLine(new ElidingLabel(TextStyle::footnote, NamedColor::red, this))
-    , m_preferences(new PreferencesControlsView(launchAtLogin, appVisibility, this))
+    , m_preferences(new PreferencesControlsView(launchAtLogin, appVisibility, this, notifications))
     , m_processList(new ProcessListSectionView(monitor, this))
     , m_lastUpdated(new LastUpdatedLabel(monitor.lastUpdated(), this))
     , m_refreshButton(new StyledButton(tr("Refresh Now"), StyledButton::bordered, this))
     , m_quitButton(new StyledButton(tr("Quit"), StyledButton::bordered, this)) {
-    setFixedSize(kWidth, kHeight);
     setAutoFillBackground(true);
     setBackgroundRole(QPalette::Window);
 
@@ -95,6 +94,20 @@ ControlPanelView::ControlPanelView(CodexProcessMonitor& monitor,
     connect(refreshKey, &QShortcut::activated, m_refreshButton, &StyledButton::animateClick);
 
     updateFromMonitor();
+    // Never smaller than it needs: what a larger font or scale asks for.
+    setMinimumSize(layout()->minimumSize());
+    resize(naturalSize());
+}
+
+QSize ControlPanelView::naturalSize() const {
+    // The list at its full three rows, everything else as it wants to be at
+    // this width (a larger font wraps the preferences' texts).
+    const int width = std::max(kWidth, layout()->minimumSize().width());
+    m_processList->setMinimumHeight(kProcessListHeight);
+    const int height = layout()->hasHeightForWidth() ? layout()->totalHeightForWidth(width)
+                                                     : layout()->totalSizeHint().height();
+    m_processList->setMinimumHeight(kProcessListMinimumHeight);
+    return {width, std::max(kHeight, height)};
 }
 
 void ControlPanelView::updateFromMonitor() {

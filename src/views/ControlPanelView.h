@@ -8,6 +8,7 @@ namespace brenvik {
 
 class ElidingLabel;
 class LastUpdatedLabel;
+class NotificationsController;
 class PreferencesControlsView;
 class ProcessListSectionView;
 class StyledButton;
@@ -21,10 +22,14 @@ class ControlPanelView : public MonitorStatusView {
 public:
     ControlPanelView(CodexProcessMonitor& monitor, LaunchAtLoginController& launchAtLogin,
                      AppVisibilityController& appVisibility, ViewActions& actions,
-                     QWidget* parent = nullptr);
+                     QWidget* parent = nullptr, NotificationsController* notifications = nullptr);
 
     static constexpr int kWidth = 420;
     static constexpr int kHeight = 480;
+
+    // 420 × 480 where that holds everything, larger where a font, a scale or
+    // more preferences need it.
+    [[nodiscard]] QSize naturalSize() const;
 
     [[nodiscard]] ElidingLabel* errorLine() const noexcept { return m_errorLine; }
     [[nodiscard]] PreferencesControlsView* preferences() const noexcept { return m_preferences; }

@@ -29,7 +29,8 @@ void showError(StyledLabel* label, const std::optional<QString>& error) {
 
 PreferencesControlsView::PreferencesControlsView(LaunchAtLoginController& launchAtLogin,
                                                  AppVisibilityController& appVisibility,
-                                                 QWidget* parent)
+                                                 QWidget* parent,
+                                                 NotificationsController* notifications)
     : QWidget(parent)
     , m_launchAtLogin(launchAtLogin)
     , m_appVisibility(appVisibility)
@@ -39,7 +40,8 @@ PreferencesControlsView::PreferencesControlsView(LaunchAtLoginController& launch
     , m_launchError(explanation(NamedColor::red, this))
     , m_dockSwitch(new ToggleSwitch(tr("Show in taskbar while running"), this))
     , m_dockDescription(explanation(NamedColor::secondary, this))
-    , m_dockError(explanation(NamedColor::red, this)) {
+    , m_dockError(explanation(NamedColor::red, this))
+    , m_notifications(notifications) {
     auto* column = new QVBoxLayout(this);
     column->setContentsMargins(0, 0, 0, 0);
     column->setSpacing(10);
@@ -48,6 +50,18 @@ PreferencesControlsView::PreferencesControlsView(LaunchAtLoginController& launch
           static_cast<QWidget*>(m_launchError), static_cast<QWidget*>(m_dockSwitch),
           static_cast<QWidget*>(m_dockDescription), static_cast<QWidget*>(m_dockError)})
         column->addWidget(child);
+    if (m_notifications) {
+        m_notifySwitch = new ToggleSwitch(tr("Notify when a session finishes or needs you"), this);
+        StyledLabel* description = explanation(NamedColor::secondary, this);
+        description->setText(tr("A desktop notification when a session is done or asks you"));
+        m_notifyError = explanation(NamedColor::red, this);
+        column->addWidget(m_notifySwitch);
+        column->addWidget(description);
+        column->addWidget(m_notifyError);
+        connect(m_notifySwitch, &ToggleSwitch::toggleRequested, this,
+                [this](bool on) { m_notifications->setEnabled(on); });
+        m_updates->observe(m_notifications);
+    }
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
 
     connect(m_launchSwitch, &ToggleSwitch::toggleRequested, this,
@@ -76,6 +90,11 @@ void PreferencesControlsView::updateFromControllers() {
     m_dockSwitch->setChecked(m_appVisibility.showDockIcon());
     m_dockDescription->setText(dockVisibilityDescription(m_appVisibility.showDockIcon()));
     showError(m_dockError, m_appVisibility.lastError());
+
+    if (m_notifications) {
+        m_notifySwitch->setChecked(m_notifications->enabled());
+        showError(m_notifyError, m_notifications->lastError());
+    }
 }
 
 } // namespace brenvik

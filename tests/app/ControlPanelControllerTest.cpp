@@ -2,6 +2,8 @@
 
 #include "tests/app/ShellTestSupport.h"
 #include "views/ControlPanelView.h"
+#include "views/ProcessListSectionView.h"
+#include "views/ProcessRowView.h"
 
 #include <QApplication>
 #include <QScreen>
@@ -52,6 +54,37 @@ TEST(ControlPanelController, BuildsOneFixedSizeWindowCentredOnce) {
     EXPECT_FALSE(window->isMinimized()) << "restored, not only raised";
     EXPECT_EQ(QApplication::topLevelWidgets().count(window), 1);
     window->close();
+}
+
+// A 16 pt font: the panel grows until nothing in it is cut, within the screen.
+TEST(ControlPanelController, GrowsForALargerFontWithinTheScreen) {
+    const QFont before = QApplication::font();
+    QFont large = before;
+    large.setPointSize(16);
+    QApplication::setFont(large);
+    {
+        test::ScriptedMonitor scripted;
+        test::PrivatePreferences preferences;
+        test::RecordingActions actions;
+        ControlPanelController controller(scripted.monitor, preferences.launchAtLogin,
+                                          preferences.appVisibility, actions);
+        controller.show();
+        QWidget* window = controller.window();
+        const auto* view = window->findChild<ControlPanelView*>();
+        EXPECT_GE(window->width(), 420);
+        EXPECT_GE(window->height(), 480);
+        EXPECT_GE(view->processList()->height(), 3 * ProcessRowView::kHeight) << "three rows";
+        EXPECT_TRUE(QGuiApplication::primaryScreen()->availableGeometry().size().expandedTo(
+                        window->size()) ==
+                    QGuiApplication::primaryScreen()->availableGeometry().size());
+        for (const QWidget* button : {static_cast<const QWidget*>(view->refreshButton()),
+                                      static_cast<const QWidget*>(view->quitButton())})
+            EXPECT_GE(button->width(), button->sizeHint().width()) << "a button cut short";
+        EXPECT_GE(view->lastUpdatedLabel()->width(),
+                  view->lastUpdatedLabel()->minimumSizeHint().width());
+        window->close();
+    }
+    QApplication::setFont(before);
 }
 
 } // namespace

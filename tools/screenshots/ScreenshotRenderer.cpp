@@ -4,6 +4,7 @@
 //   brenvik_screenshots <output folder>
 
 #include "app/TrayIconPainter.h"
+#include "preferences/NotificationsController.h"
 #include "views/ControlPanelView.h"
 #include "views/MenuPopoverView.h"
 
@@ -96,7 +97,8 @@ class Preferences {
 public:
     Preferences()
         : launchAtLogin(entry())
-        , appVisibility(m_policy, m_dir.filePath(QStringLiteral("Brenvik.conf"))) {}
+        , appVisibility(m_policy, m_dir.filePath(QStringLiteral("Brenvik.conf")))
+        , notifications(m_dir.filePath(QStringLiteral("Brenvik.conf"))) {}
 
 private:
     // A program file that exists, so the entry can be registered.
@@ -112,6 +114,7 @@ private:
 public:
     LaunchAtLoginController launchAtLogin;
     AppVisibilityController appVisibility;
+    NotificationsController notifications;
 };
 
 struct Scene {
@@ -147,7 +150,8 @@ bool render(const Scene& scene, const QDir& out, const QString& suffix) {
     std::unique_ptr<QWidget> view;
     if (scene.panel)
         view = std::make_unique<ControlPanelView>(monitor, preferences.launchAtLogin,
-                                                  preferences.appVisibility, actions);
+                                                  preferences.appVisibility, actions, nullptr,
+                                                  &preferences.notifications);
     else
         view = std::make_unique<MenuPopoverView>(monitor, actions);
     view->show();
@@ -262,7 +266,7 @@ int main(int argc, char** argv) {
               QStringLiteral("node /usr/local/lib/node_modules/@openai/codex/bin/codex.js "
                              "--model gpt-5-codex"),
               project("brenvik"), 14.5),
-        group(51873, QStringLiteral("codex exec --full-auto \"migrate the build to presets\""),
+        group(51873, QStringLiteral("codex \"migrate the build to presets\""),
               project("release-notes")),
         group(8810, QStringLiteral("npm exec @zed-industries/codex-acp"), project("website")),
     };
