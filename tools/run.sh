@@ -6,7 +6,7 @@ set -euo pipefail
 build=${1:-build/release}
 cd "$(dirname "$0")/.."
 
-if [[ ! -x $build/src/app/brenvik || ! -x $build/src/app/brenvik-status ]]; then
+if [[ ! -x $build/src/app/brenvik || ! -x $build/src/cli/brenvik-status ]]; then
   cmake --preset release -B "$build" >/dev/null
   cmake --build "$build" --target brenvik brenvik-status
 fi
@@ -16,7 +16,7 @@ if [[ -z ${DISPLAY:-} && -z ${WAYLAND_DISPLAY:-} ]]; then
 Brenvik is a tray program and needs a graphical session: neither DISPLAY nor
 WAYLAND_DISPLAY is set here. To watch Codex CLI processes from this terminal:
 
-  $build/src/app/brenvik-status --watch
+  $build/src/cli/brenvik-status --watch
 MSG
   exit 0
 fi

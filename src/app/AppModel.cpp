@@ -1,10 +1,10 @@
 #include "app/AppModel.h"
 
-#include "app/AppVisibilityController.h"
 #include "app/ControlPanelController.h"
-#include "app/LaunchAtLoginController.h"
 #include "app/StatusItemController.h"
 #include "notify/DesktopNotifier.h"
+#include "preferences/AppVisibilityController.h"
+#include "preferences/LaunchAtLoginController.h"
 #include "preferences/NotificationsController.h"
 
 #include <QCoreApplication>

@@ -1,10 +1,10 @@
 // The tray program: one instance per session, no window of its own at start;
 // the root model makes the tray icon and the control panel.
 #include "app/AppModel.h"
-#include "app/AutostartEntry.h"
 #include "app/ControlPanelController.h"
 #include "app/SingleInstance.h"
 #include "app/TrayIconPainter.h"
+#include "preferences/AutostartEntry.h"
 
 #include <QApplication>
 #include <QIcon>

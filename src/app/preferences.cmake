@@ -1,9 +1,3 @@
-# The two preference controllers: the login item (an XDG autostart entry) and
-# taskbar visibility (taskbar hints on X11). QtGui for the windows they touch,
-# no widgets.
-find_package(PkgConfig REQUIRED)
-pkg_check_modules(XCB REQUIRED IMPORTED_TARGET xcb)
-
 # brenvik_app_library(<name> [X11] FILES <files in src/app...> PUBLIC <targets...>)
 # A static library of this folder's files; X11 when it talks to the X server
 # itself. shell.cmake builds its libraries with it too.
@@ -18,8 +12,3 @@ function(brenvik_app_library name)
   endif()
 endfunction()
 
-brenvik_app_library(brenvik_preferences X11
-  FILES ActivationPolicy.cpp AppVisibilityController.cpp AutostartEntry.cpp
-        LaunchAtLoginController.cpp ActivationPolicy.h AppVisibilityController.h
-        LaunchAtLoginController.h
-  PUBLIC Qt6::Core Qt6::Gui)

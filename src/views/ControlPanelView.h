@@ -1,7 +1,7 @@
 #pragma once
 
-#include "app/AppVisibilityController.h"
-#include "app/LaunchAtLoginController.h"
+#include "preferences/AppVisibilityController.h"
+#include "preferences/LaunchAtLoginController.h"
 #include "views/MonitorStatusView.h"
 
 namespace brenvik {

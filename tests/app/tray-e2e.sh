@@ -136,7 +136,17 @@ find_window() {
 geometry_of() { # "W H X Y" of a window
     our_windows | awk -F'|' -v id="$1" '$1 == id { print $3, $4, $5, $6 }'
 }
-panel_window() { find_window Brenvik 420x480; }
+# The control panel: at least 420 × 480, larger where its content needs it.
+panel_window() {
+    local id n w h
+    while IFS='|' read -r id n w h _ _; do
+        [[ $n == Brenvik ]] && ((w >= 420 && h >= 480)) && viewable "$id" && {
+            echo "$id"
+            return 0
+        }
+    done < <(our_windows)
+    return 1
+}
 # The tray icon: our small window inside the tray host.
 icon_window() {
     local id n w h

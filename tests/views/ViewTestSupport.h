@@ -2,8 +2,8 @@
 
 // Stand-ins shared by the view tests and the tray shell's tests.
 
-#include "app/AppVisibilityController.h"
-#include "app/LaunchAtLoginController.h"
+#include "preferences/AppVisibilityController.h"
+#include "preferences/LaunchAtLoginController.h"
 #include "tests/monitor/MonitorTestSupport.h"
 #include "views/ViewActions.h"
 

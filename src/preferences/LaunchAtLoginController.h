@@ -1,7 +1,7 @@
 #pragma once
 
-#include "app/AutostartEntry.h"
-#include "app/LaunchAtLoginStatus.h"
+#include "preferences/AutostartEntry.h"
+#include "preferences/LaunchAtLoginStatus.h"
 
 #include <QObject>
 #include <QString>

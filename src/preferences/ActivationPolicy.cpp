@@ -1,4 +1,4 @@
-#include "app/ActivationPolicy.h"
+#include "preferences/ActivationPolicy.h"
 
 #include <QGuiApplication>
 #include <QPlatformSurfaceEvent>

@@ -1,6 +1,6 @@
-#include "app/AutostartEntry.h"
+#include "preferences/AutostartEntry.h"
 
-#include "app/LaunchAtLoginController.h"
+#include "preferences/LaunchAtLoginController.h"
 
 #include <QDir>
 #include <QFile>

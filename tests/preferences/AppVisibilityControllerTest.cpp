@@ -1,4 +1,4 @@
-#include "app/AppVisibilityController.h"
+#include "preferences/AppVisibilityController.h"
 
 #include "tests/views/ViewTestSupport.h"
 

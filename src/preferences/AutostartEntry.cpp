@@ -1,4 +1,4 @@
-#include "app/AutostartEntry.h"
+#include "preferences/AutostartEntry.h"
 
 #include <QCoreApplication>
 #include <QDir>

@@ -1,4 +1,4 @@
-#include "monitor/StatusReport.h"
+#include "cli/StatusReport.h"
 
 #include <cmath>
 #include <string_view>

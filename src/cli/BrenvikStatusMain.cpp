@@ -1,7 +1,7 @@
 // brenvik-status: reports the Codex CLI processes once or after every refresh.
 
+#include "cli/StatusReport.h"
 #include "monitor/ProcessMonitoring.h"
-#include "monitor/StatusReport.h"
 
 #include <QCoreApplication>
 #include <QSocketNotifier>

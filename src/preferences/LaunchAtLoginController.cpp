@@ -1,4 +1,4 @@
-#include "app/LaunchAtLoginController.h"
+#include "preferences/LaunchAtLoginController.h"
 
 #include "monitor/Published.h"
 

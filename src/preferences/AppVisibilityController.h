@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/ActivationPolicy.h"
+#include "preferences/ActivationPolicy.h"
 
 #include <QObject>
 #include <QSettings>

@@ -1,5 +1,5 @@
 // What brenvik-status prints: the text table and the JSON object.
-#include "monitor/StatusReport.h"
+#include "cli/StatusReport.h"
 
 #include <QJsonDocument>
 #include <gtest/gtest.h>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/LaunchAtLoginStatus.h"
+#include "preferences/LaunchAtLoginStatus.h"
 
 #include <QByteArray>
 #include <QString>
