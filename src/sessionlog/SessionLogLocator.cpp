@@ -59,7 +59,7 @@ QList<SessionLogLocator::OpenLog> SessionLogLocator::openLogs(qint64 pid) const 
     return logs;
 }
 
-std::optional<QString>
+std::optional<SessionLogLocator::Chosen>
 SessionLogLocator::chooseLog(const DetectedProcessSample& sample,
                              const QList<DetectedProcessSample>& samples,
                              const QHash<qint64, QList<OpenLog>>& logsByHolder) {
@@ -97,7 +97,7 @@ SessionLogLocator::chooseLog(const DetectedProcessSample& sample,
     }
     if (!chosen)
         return std::nullopt;
-    return chosen->path;
+    return Chosen{chosen->path, chosen->identity};
 }
 
 QList<std::optional<SessionLogState>>
@@ -113,13 +113,31 @@ SessionLogLocator::statesOf(const QList<DetectedProcessSample>& samples) noexcep
             }
         }
         QSet<QString> used;
+        QHash<qint64, HeldLog> heldLogs;
         for (qsizetype i = 0; i < samples.size(); ++i) {
-            const auto path = chooseLog(samples[i], samples, logsByHolder);
+            const DetectedProcessSample& sample = samples[i];
+            const qint64 startedMs = sample.startedAt ? sample.startedAt->toMSecsSinceEpoch() : 0;
+            std::optional<QString> path;
+            if (const auto chosen = chooseLog(sample, samples, logsByHolder)) {
+                path = chosen->path;
+                // A deleted log's descriptor link may name another file later.
+                if (chosen->path == chosen->identity)
+                    heldLogs.insert(sample.pid, HeldLog{startedMs, chosen->path});
+            } else if (const auto held = m_heldLogs.constFind(sample.pid);
+                       !sample.interactive && held != m_heldLogs.cend() &&
+                       held->startedMs == startedMs) {
+                // Closed, not replaced: what it last said still holds. (A TUI's
+                // logs stay open in the service; where it has none, nobody can
+                // tell which one is its own.)
+                path = held->path;
+                heldLogs.insert(sample.pid, *held);
+            }
             if (!path)
                 continue;
             used.insert(*path);
             states[i] = m_logs.stateOf(*path);
         }
+        m_heldLogs = std::move(heldLogs);
         // Logs a TUI matched against stay read, so the next refresh only reads
         // what they grew by.
         for (const QList<OpenLog>& logs : std::as_const(logsByHolder)) {

@@ -15,6 +15,9 @@ namespace brenvik {
 // keeps the logs of every TUI it served: the one for a TUI is the log written
 // in its project directory since it started; where two live TUIs share a
 // directory nobody can tell their logs apart, and neither gets one.
+// codex exec closes its log when its turn is over but may live on (writing
+// its answer to a slow reader); a session that holds no log any more keeps
+// the one it held, which tells that its turn is over.
 // Not thread-safe: one refresh at a time, as the scan runs.
 class SessionLogLocator {
 public:
@@ -33,12 +36,25 @@ private:
     };
 
     [[nodiscard]] QList<OpenLog> openLogs(qint64 pid) const;
-    [[nodiscard]] std::optional<QString>
+    // What chooseLog() found, with its identity, which differs from the path
+    // only for a deleted file read through its holder's descriptor.
+    struct Chosen {
+        QString path;
+        QString identity;
+    };
+    [[nodiscard]] std::optional<Chosen>
     chooseLog(const DetectedProcessSample& sample, const QList<DetectedProcessSample>& samples,
               const QHash<qint64, QList<OpenLog>>& logsByHolder);
 
+    // The log a session last held, by its root PID and start time.
+    struct HeldLog {
+        qint64 startedMs = 0;
+        QString path;
+    };
+
     QString m_procRoot;
     SessionLogCache m_logs;
+    QHash<qint64, HeldLog> m_heldLogs;
 };
 
 // The same over the live /proc, with one locator for the life of the process,

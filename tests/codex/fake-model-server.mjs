@@ -4,6 +4,7 @@
 //   [shell:CMD]     call the shell tool exec_command with {"cmd": CMD}
 //   [escalate]      ... asking to run it outside the sandbox (the TUI asks for approval)
 //   [say:TEXT]      answer TEXT
+//   [pad:K]         ... followed by K KiB of filler lines
 // Once the tool's output comes back, it answers with a final message. Requests for a
 // structured answer (the thread title Codex asks for beside a turn) get one at once.
 // It also serves as the HTTP(S) proxy of the run and refuses every tunnel, so that
@@ -11,7 +12,7 @@
 // Run alone (node fake-model-server.mjs) it prints its port and logs to stdout.
 import http from "node:http";
 
-const directivePattern = /\[(think|shell|escalate|say)(?::([^\]]*))?\]/g;
+const directivePattern = /\[(think|shell|escalate|say|pad)(?::([^\]]*))?\]/g;
 
 function parseDirectives(text) {
   const d = {};
@@ -23,12 +24,13 @@ function textOf(item) {
   return (item.content ?? []).map((c) => c.text ?? "").join("\n");
 }
 
-// What the model is asked to do: a tool's output to answer, or the newest prompt.
+// What the model is asked to do: a tool's output to answer, or the newest prompt
+// (`prompt`, the user's text, tells which turn a request belongs to).
 function requestKind(input) {
-  const last = input.at(-1);
-  if (last?.type === "function_call_output") return { followUp: true, directives: {} };
-  const prompt = input.findLast((i) => i.type === "message" && i.role === "user" && !textOf(i).startsWith("<"));
-  return { followUp: false, directives: parseDirectives(prompt ? textOf(prompt) : "") };
+  const message = input.findLast((i) => i.type === "message" && i.role === "user" && !textOf(i).startsWith("<"));
+  const prompt = message ? textOf(message) : "";
+  if (input.at(-1)?.type === "function_call_output") return { followUp: true, prompt, directives: {} };
+  return { followUp: false, prompt, directives: parseDirectives(prompt) };
 }
 
 function sse(res, type, body) {
@@ -45,7 +47,9 @@ function outputItem(n, { directives, followUp, title }) {
     }
     return { type: "function_call", id: `fc_${n}`, call_id: `call_${n}`, name: "exec_command", arguments: JSON.stringify(args) };
   }
-  return message(n, followUp ? "The command finished." : typeof directives.say === "string" ? directives.say : "Done.");
+  const text = followUp ? "The command finished." : typeof directives.say === "string" ? directives.say : "Done.";
+  const pad = Number(directives.pad ?? 0);
+  return message(n, pad > 0 ? `${text}\n${"filler: a long answer that fills a pipe, sixty-four bytes a line\n".repeat(pad * 16)}` : text);
 }
 
 function message(n, text) {
@@ -83,8 +87,11 @@ export function startFakeModel({ log = () => {} } = {}) {
       sse(res, "response.created", { response: { id: `resp_${n}` } });
       const answer = () => {
         timers.delete(timer);
+        const item = outputItem(n, entry);
         entry.answeredAt = Date.now();
-        sse(res, "response.output_item.done", { item: outputItem(n, entry) });
+        // A message that is no title ends the turn.
+        entry.final = item.type === "message" && !entry.title;
+        sse(res, "response.output_item.done", { item });
         sse(res, "response.completed", {
           response: { id: `resp_${n}`, usage: { input_tokens: 1, output_tokens: 1, total_tokens: 2 } },
         });

@@ -3,11 +3,12 @@
 // against our fake model on 127.0.0.1, watched by `brenvik-status --watch --json`.
 //
 // Usage: node real-codex-e2e.mjs --brenvik-status PATH [--codex-cache DIR]
-//                                [--record DIR] [--timeline] [--keep]
+//                                [--record DIR] [--timeline] [--keep] [--only ID,...]
 //   --codex-cache DIR  where tools/install-codex.sh keeps the pinned npm install
 //   --record DIR       also write the process table of each marked moment to DIR/<moment>.tsv
 //   --timeline         print the timeline on success too
 //   --keep             keep the temporary folder
+//   --only ID,...      run only these scenarios (exec-think, exec, tui, acpx)
 import { spawn, spawnSync } from "node:child_process";
 import fs from "node:fs";
 import os from "node:os";
@@ -17,62 +18,108 @@ import { fileURLToPath } from "node:url";
 import { startFakeModel } from "./fake-model-server.mjs";
 
 const REFRESH = 2000; // brenvik-status refreshes every 2 s
-const HARD_CAP_S = 240;
+const HARD_CAP_S = 270;
 const sourceDir = path.resolve(path.dirname(fileURLToPath(import.meta.url)), "../..");
 
 // A tool command that waits, then burns one core, writing when the burn starts and ends.
 const burn = (tag) =>
   `sleep 2; date +%s.%N > ${tag}.burn-start; timeout 5 sh -c 'while :; do :; done'; date +%s.%N > ${tag}.burn-end`;
 
-// One front-end each, in its own project directory. Steps run in order:
+// One front-end each (the TUI scenario opens a second one), each in its own project
+// directory. Steps run in order:
+//   open: start another front-end of the scenario (one of `also`)
+//   at: the front-end a step acts on (default: the scenario's own)
 //   type: text to type into the TUI (then Enter)   keys: tmux keys to send
+//   release: read the front-end's output again (see `holdOutput`)
 //   until: condition to wait for (see `conditions`)
 //   record: [moment, what Codex is doing] to record then (--record)
-//   hold: seconds to stay in this state; `window` names that span for the checks.
-// `expect` maps a window kind to the status Brenvik must show for the whole span.
+//   hold: seconds to stay in this state
+//   window: a name for the step's span, from its start to its end, for the checks.
+// Beside the named windows, each prompt gives its own: `thinking` while the model
+// thinks ([think:S]) and `turn end` from the model's final answer until the front-end's
+// next prompt or exit. `windowRules` says what Brenvik must show in each.
+// logSource: once its log exists, the session is judged by it (source "log").
+// holdOutput: the driver stops reading the front-end's standard output until a
+// `release` step; codex exec then blocks writing a long final answer, after its turn.
 const scenarios = [
   {
-    id: "exec", name: "codex exec", dir: "A", start: "exec",
+    id: "exec-think", name: "codex exec thinking", dir: "E", kind: "exec", logSource: true, holdOutput: true,
+    prompt: "[think:15][say:Thought it over][pad:256]",
+    steps: [
+      { until: "thinking", record: ["exec-thinking", "codex exec waits 15 s on the model's open stream, no tool"] },
+      { until: "turn done" },
+      { hold: 3 },
+      { hold: 3, record: ["exec-turn-over", "codex exec's turn is over; it blocks writing its answer to a full pipe"] },
+      { release: true, until: "exited" },
+    ],
+  },
+  {
+    id: "exec", name: "codex exec", dir: "A", kind: "exec", logSource: true,
     prompt: `[think:3][shell:${burn("exec")}]`,
     steps: [
-      { until: "thinking", record: ["exec-thinking", "codex exec waits on the model's open stream (3 s think), no tool yet"] },
       { until: "burning:exec", record: ["exec-tool-burning", "codex exec runs its tool command, which burns a core"] },
       { until: "exited" },
     ],
-    expect: { burn: "running" },
   },
   {
-    id: "tui", name: "TUI", dir: "B", start: "tui",
+    id: "tui", name: "TUI", dir: "B", kind: "tui", logSource: true,
+    also: [{ id: "tui2", name: "second TUI", dir: "D", kind: "tui", logSource: true }],
     steps: [
       { record: ["tui-fresh", "TUI just started, its daemon up, no turn yet"] },
       { type: "[say:Hello from the fake model]", until: "turn done" },
+      { hold: 5 },
       { type: `[shell:${burn("tui")}]`, until: "burning:tui", record: ["tui-tool-burning", "TUI turn: the daemon runs the tool command, which burns a core"] },
       { until: "turn done" },
-      { type: "[escalate][shell:touch approved]", until: "approval shown", hold: 6, window: "approval",
+      { hold: 5 },
+      { type: "[escalate][shell:sleep 8; touch approved]", until: "approval shown",
         record: ["tui-waiting-approval", "TUI asks the user to approve an escalated command"] },
-      { keys: ["y"], until: "file:approved" },
+      { hold: 6, window: "approval" },
+      { keys: ["y"], until: "file:approved", window: "approved",
+        record: ["tui-approved-command", "TUI: the approved command runs outside the sandbox"] },
       { until: "turn done" },
-      { hold: 20, window: "idle", record: ["tui-idle", "TUI idle after three turns"] },
+      { hold: 5 },
+      // A second TUI of the same CODEX_HOME, in another project: one daemon serves both.
+      { open: "tui2" },
+      { at: "tui2", type: "[say:Hello from the second TUI]", until: "turn done" },
+      { hold: 3 },
+      { type: "[think:6][say:The first TUI thought]", until: "turn done",
+        record: ["tui-thinking-other-idle", "two TUIs, one daemon: the first thinks, the second is idle"] },
+      { hold: 3 },
+      { at: "tui2", type: "[think:6][say:The second TUI thought]", until: "turn done" },
+      { hold: 5 },
+      { at: "tui2", type: "/quit", until: "exited" },
+      { hold: 20, window: "idle", record: ["tui-idle", "TUI idle after its turns"] },
       { type: "/quit", until: "exited" },
       { hold: 8, record: ["tui-after-quit-daemon-alive", "TUI quit; its shared daemon lives on"] },
     ],
-    expect: { burn: "running", idle: "not running" },
   },
   {
-    id: "acpx", name: "acpx + codex-acp", dir: "C", start: "acpx",
+    id: "acpx", name: "acpx + codex-acp", dir: "C", kind: "acpx", logSource: true,
     prompt: `[shell:${burn("acpx")}]`,
     steps: [
       { until: "burning:acpx", record: ["acpx-tool-burning", "acpx drives codex-acp, whose tool command burns a core"] },
       { until: "exited" },
     ],
-    expect: { burn: "running" },
   },
 ];
+const frontEndDefinitions = scenarios.flatMap((s) => [s, ...(s.also ?? [])]);
 
-// Where each window's checked span starts and ends, relative to the window (ms):
-// a burn counts from one refresh after it began; an idle TUI gets 10 s to settle.
-const windowSlack = { burn: [REFRESH + 500, 0], idle: [10_000, 0], approval: [REFRESH + 500, 0], thinking: [REFRESH + 500, 0] };
-const statusMatches = { running: (s) => s === "running", "not running": (s) => s !== "running", waiting: (s) => s === "waiting" };
+// What Brenvik must show in each kind of window, from `from` ms after its start to its
+// end. A burn counts from one refresh after it began; thinking from one refresh after
+// the model got the request (the turn started before); a turn's end, an approval
+// question and an approved command within one or two refreshes; an idle TUI gets 10 s.
+// A span shorter than a refresh (codex exec exits as its turn ends) may hold no refresh.
+const windowRules = {
+  burn: { status: "running", from: REFRESH + 500 },
+  thinking: { status: "running", from: REFRESH },
+  "turn end": { status: "idle", from: REFRESH + 500 },
+  approval: { status: "waiting", from: 2 * REFRESH },
+  approved: { status: "running", from: 2 * REFRESH },
+  idle: { status: "not running", from: 10_000 },
+};
+const statusMatches = {
+  running: (s) => s === "running", "not running": (s) => s !== "running", waiting: (s) => s === "waiting", idle: (s) => s === "idle",
+};
 
 // ---------------------------------------------------------------------------------------
 
@@ -122,6 +169,7 @@ function parseArgs(argv) {
     if (names[argv[i]]) o[names[argv[i]]] = argv[++i];
     else if (argv[i] === "--timeline") o.timeline = true;
     else if (argv[i] === "--keep") o.keep = true;
+    else if (argv[i] === "--only") o.only = argv[++i]?.split(",");
     else fatal(`unknown argument ${argv[i]}`);
   }
   if (!o.brenvikStatus) fatal("give the brenvik-status to test with --brenvik-status PATH");
@@ -142,7 +190,7 @@ function installCodex() {
 }
 
 async function setUp() {
-  for (const d of [home, env.TMPDIR, codexHome, ...scenarios.map((s) => path.join(home, s.dir))]) fs.mkdirSync(d, { recursive: true });
+  for (const d of [home, env.TMPDIR, codexHome, ...frontEndDefinitions.map((s) => path.join(home, s.dir))]) fs.mkdirSync(d, { recursive: true });
   model = await startFakeModel({
     log: (r) => note("model", r.followUp ? `#${r.n} tool output back: final answer`
       : r.n ? `#${r.n} ${r.title ? "title request" : JSON.stringify(r.directives)}`
@@ -153,7 +201,7 @@ async function setUp() {
   Object.assign(env, { HTTPS_PROXY: proxy, https_proxy: proxy, HTTP_PROXY: proxy, http_proxy: proxy, ALL_PROXY: proxy,
     NO_PROXY: "127.0.0.1,localhost", no_proxy: "127.0.0.1,localhost" });
   // Every outside service off: the update check, plugin sync, apps, analytics, tips.
-  const projects = scenarios.map((s) => `[projects.${JSON.stringify(path.join(home, s.dir))}]\ntrust_level = "trusted"\n`);
+  const projects = frontEndDefinitions.map((s) => `[projects.${JSON.stringify(path.join(home, s.dir))}]\ntrust_level = "trusted"\n`);
   fs.writeFileSync(path.join(codexHome, "config.toml"), `model = "mock-model"
 model_provider = "mock"
 check_for_update_on_startup = false
@@ -198,59 +246,93 @@ ${projects.join("")}`);
 }
 
 async function runScenario(s) {
-  const dir = path.join(home, s.dir);
-  const fe = { scenario: s, dir, start: Date.now(), windows: [], turnsBefore: 0 };
-  frontEnds.set(s.id, fe);
-  note(s.id, `start in ${dir}`);
-  if (s.start === "tui") await startTui(fe);
-  else startChild(fe);
+  const own = openFrontEnd(s);
+  if (s.kind === "tui") await startTui(own);
+  else startChild(own);
   for (const step of s.steps) {
+    const from = Date.now();
+    if (step.open) {
+      const fe = openFrontEnd(s.also.find((a) => a.id === step.open));
+      await startTui(fe);
+    }
+    const fe = step.at ? frontEnds.get(step.at) : own;
     if (step.type !== undefined) {
-      fe.turnsBefore = turnsDone(dir);
+      fe.turnsBefore = turnsDone(fe.dir);
       await typeInto(fe, step.type);
+      fe.prompts.push({ text: step.type, at: Date.now() });
     }
     if (step.keys) {
-      note(s.id, `keys ${step.keys.join(" ")}`);
+      note(fe.id, `keys ${step.keys.join(" ")}`);
       tmux(fe, "send-keys", "-t", "main", ...step.keys);
     }
+    if (step.release) {
+      note(fe.id, "its output read again");
+      fe.child.stdout.resume();
+    }
     if (step.until) {
-      await until(`${s.name}: ${step.until}`, () => conditions(fe, step.until), 60);
-      note(s.id, step.until);
+      await until(`${fe.name}: ${step.until}`, () => conditions(fe, step.until), 60);
+      note(fe.id, step.until);
     }
     if (step.record) record(...step.record);
     if (step.hold) {
-      const from = Date.now();
-      note(s.id, `hold ${step.hold} s${step.window ? ` (${step.window})` : ""}`);
+      note(fe.id, `hold ${step.hold} s${step.window ? ` (${step.window})` : ""}`);
       await sleep(step.hold * 1000); // the scenario's own duration, not a synchronisation
-      if (step.window) fe.windows.push({ kind: step.window, start: from, end: Date.now() });
     }
+    if (step.window) fe.windows.push({ kind: step.window, start: from, end: Date.now() });
   }
-  // The burn's own markers prove that the tool command really ran.
-  if (s.steps.some((st) => st.until === `burning:${s.id}`)) {
-    const read = (end) => Number(fs.readFileSync(path.join(dir, `${s.id}.burn-${end}`), "utf8")) * 1000;
-    try {
-      fe.windows.push({ kind: "burn", start: read("start"), end: read("end") });
-    } catch {
-      failures.push(`${s.name}: the tool command left no burn markers`);
+  for (const fe of frontEnds.values()) {
+    if (fe.scenario !== s) continue;
+    // The burn's own markers prove that the tool command really ran.
+    if (s.steps.some((st) => st.until === `burning:${fe.id}`)) {
+      const read = (end) => Number(fs.readFileSync(path.join(fe.dir, `${fe.id}.burn-${end}`), "utf8")) * 1000;
+      try {
+        fe.windows.push({ kind: "burn", start: read("start"), end: read("end") });
+      } catch {
+        failures.push(`${fe.name}: the tool command left no burn markers`);
+      }
     }
-  }
-  if (fe.tmux) tmux(fe, "kill-server");
-  for (const r of model.requests) {
-    if (r.directives?.think && r.t >= fe.start && r.answeredAt) fe.windows.push({ kind: "thinking", start: r.t, end: r.answeredAt });
+    if (fe.tmux) tmux(fe, "kill-server");
   }
 }
 
+// A front-end of scenario `s`, or of one of its `also`: def says which.
+function openFrontEnd(def) {
+  const scenario = scenarios.find((s) => s === def || s.also?.includes(def));
+  const fe = { ...def, scenario, dir: path.join(home, def.dir), start: Date.now(), windows: [], prompts: [], turnsBefore: 0 };
+  frontEnds.set(fe.id, fe);
+  note(fe.id, `start in ${fe.dir}`);
+  if (def.prompt) fe.prompts.push({ text: def.prompt, at: fe.start });
+  return fe;
+}
+
+// Each prompt's own windows, from what the model was asked and when it answered.
+function promptWindows(fe) {
+  const windows = [];
+  fe.prompts.forEach((p, i) => {
+    const asked = model.requests.filter((r) => r.prompt === p.text && !r.title && r.t >= p.at - 1000);
+    for (const r of asked) {
+      if (r.directives?.think && !r.followUp && r.answeredAt) windows.push({ kind: "thinking", start: r.t, end: r.answeredAt });
+    }
+    const final = asked.findLast((r) => r.final && r.answeredAt);
+    const next = fe.prompts[i + 1]?.at ?? fe.exit;
+    if (final && next) windows.push({ kind: "turn end", start: final.answeredAt, end: next });
+  });
+  return windows;
+}
+
 function startChild(fe) {
-  const { scenario: s, dir } = fe;
-  const args = s.start === "exec"
+  const { dir } = fe;
+  const s = fe;
+  const args = s.kind === "exec"
     ? [bin("codex"), ["exec", "--skip-git-repo-check", "-s", "workspace-write", s.prompt]]
     : [bin("acpx"), ["--agent", bin("codex-acp"), "--cwd", dir, "--approve-all", "--format", "quiet", "exec", s.prompt]];
   const child = spawn(...args, { cwd: dir, env: { ...env, BRENVIK_E2E_FRONTEND: s.id }, stdio: ["ignore", "pipe", "pipe"] });
   children.add(child);
   fe.child = child;
   let output = "";
-  child.stdout.on("data", (d) => (output += d));
-  child.stderr.on("data", (d) => (output += d));
+  child.stdout.on("data", (d) => (output = (output + d).slice(-100_000)));
+  child.stderr.on("data", (d) => (output = (output + d).slice(-100_000)));
+  if (s.holdOutput) child.stdout.pause();
   child.on("exit", (code, sig) => {
     children.delete(child);
     fe.exit = Date.now();
@@ -260,16 +342,16 @@ function startChild(fe) {
 }
 
 async function startTui(fe) {
-  fe.tmux = `codex-e2e-${fe.scenario.id}`;
+  fe.tmux = `codex-e2e-${fe.id}`;
   tmux(fe, "-f", "/dev/null", "new-session", "-d", "-s", "main", "-x", "220", "-y", "50", "-c", fe.dir, "bash", "--noprofile", "--norc");
   await until("a shell prompt in tmux", () => /[$#] *$/m.test(pane(fe)), 10);
   // The marker goes to the Codex process only: tmux and the shell belong to no front-end.
-  tmux(fe, "send-keys", "-t", "main", "-l", `BRENVIK_E2E_FRONTEND=${fe.scenario.id} codex -a on-request -s workspace-write`);
+  tmux(fe, "send-keys", "-t", "main", "-l", `BRENVIK_E2E_FRONTEND=${fe.id} codex -a on-request -s workspace-write`);
   tmux(fe, "send-keys", "-t", "main", "Enter");
   fe.start = Date.now();
   await until("the TUI's daemon pid file", daemonStarted, 60);
   await until("the TUI's prompt", () => pane(fe).includes("›"), 30);
-  note(fe.scenario.id, "TUI ready, daemon up");
+  note(fe.id, "TUI ready, daemon up");
 }
 
 function tmux(fe, ...args) {
@@ -284,7 +366,7 @@ async function typeInto(fe, text) {
   tmux(fe, "send-keys", "-t", "main", "-l", text);
   await until(`"${text}" typed`, () => pane(fe).includes(text.slice(-30)), 10);
   tmux(fe, "send-keys", "-t", "main", "Enter");
-  note(fe.scenario.id, `typed ${text}`);
+  note(fe.id, `typed ${text}`);
 }
 
 // Conditions a step waits for; each returns true once it holds.
@@ -309,18 +391,41 @@ function conditions(fe, what) {
   }
 }
 
+// The session logs of this run: { file, cwd } once their first line is written.
+const logCwds = new Map(); // file -> cwd
+function sessionLogs() {
+  const sessions = path.join(codexHome, "sessions");
+  if (!fs.existsSync(sessions)) return [];
+  for (const f of fs.readdirSync(sessions, { recursive: true })) {
+    if (!f.endsWith(".jsonl") || logCwds.has(f)) continue;
+    const text = readOr(path.join(sessions, f), "");
+    if (!text.includes("\n")) continue; // its first line is still being written
+    logCwds.set(f, JSON.parse(text.slice(0, text.indexOf("\n"))).payload?.cwd);
+  }
+  return [...logCwds].map(([f, cwd]) => ({ file: path.join(sessions, f), cwd }));
+}
+
 // Completed turns of the sessions in DIR, from their session logs.
 function turnsDone(dir) {
   let n = 0;
-  const sessions = path.join(codexHome, "sessions");
-  if (!fs.existsSync(sessions)) return 0;
-  for (const f of fs.readdirSync(sessions, { recursive: true })) {
-    if (!f.endsWith(".jsonl")) continue;
-    const text = fs.readFileSync(path.join(sessions, f), "utf8");
-    if (!text.includes("\n")) continue; // its first line is still being written
-    if (JSON.parse(text.slice(0, text.indexOf("\n"))).payload?.cwd === dir) n += text.split('"type":"task_complete"').length - 1;
+  for (const { file, cwd } of sessionLogs()) {
+    if (cwd === dir) n += readOr(file, "").split('"type":"task_complete"').length - 1;
   }
   return n;
+}
+
+// What the logs of this run say, for the timeline: turns and tool calls.
+function logEvents() {
+  const byDir = new Map([...frontEnds.values()].map((fe) => [fe.dir, fe.id]));
+  for (const { file, cwd } of sessionLogs()) {
+    for (const line of readOr(file, "").split("\n")) {
+      let entry;
+      try { entry = JSON.parse(line); } catch { continue; }
+      const type = entry.payload?.type;
+      if (!["task_started", "task_complete", "turn_aborted", "function_call", "function_call_output"].includes(type)) continue;
+      events.push({ t: Date.parse(entry.timestamp), who: "log", text: `${byDir.get(cwd) ?? cwd}: ${type}` });
+    }
+  }
 }
 
 async function until(what, test, seconds) {
@@ -393,7 +498,9 @@ function startScanner() {
     const procs = ownersNow();
     const byPid = new Map(procs.map((p) => [p.pid, p]));
     const underDaemon = (p) => { for (let q = p; q; q = byPid.get(q.ppid)) if (isDaemon(q)) return true; return false; };
+    const logged = new Set(sessionLogs().map((l) => l.cwd));
     for (const [id, fe] of frontEnds) {
+      if (fe.logSeen === undefined && logged.has(fe.dir)) fe.logSeen = Date.now();
       if (fe.child || fe.exit !== undefined) continue;
       const alive = procs.some((p) => p.env.BRENVIK_E2E_FRONTEND === id && !underDaemon(p));
       if (alive) fe.seen = true;
@@ -465,7 +572,7 @@ function check() {
 
   const summaries = [];
   for (const [id, fe] of frontEnds) {
-    const name = fe.scenario.name;
+    const name = fe.name;
     const alive = lines.filter((l) => l.t >= fe.start + REFRESH && l.t <= (fe.exit ?? Infinity) - 500);
     judge(`${name}: exactly one session while it runs`, alive, (l) => ofKind(l, id).length === 1,
       (l) => `${ofKind(l, id).length} groups ${describeGroups(ofKind(l, id))}`);
@@ -473,33 +580,41 @@ function check() {
       judge(`${name}: no session once it has exited`, lines.filter((l) => l.t >= fe.exit + 1500), (l) => ofKind(l, id).length === 0,
         (l) => describeGroups(ofKind(l, id)));
     }
-    let windows = 0;
-    for (const [kind, status] of Object.entries(fe.scenario.expect ?? {})) {
-      const [from, to] = windowSlack[kind];
-      for (const w of fe.windows.filter((w) => w.kind === kind)) {
-        windows++;
-        judge(`${name}: ${status} during ${kind} ${rel(w.start)}..${rel(w.end)}`,
-          lines.filter((l) => l.t >= w.start + from && l.t <= w.end - to),
-          (l) => statusMatches[status](sessionStatus(ofKind(l, id))),
-          (l) => `${sessionStatus(ofKind(l, id))} ${describeGroups(ofKind(l, id))}`);
-      }
+    const held = new Map();
+    for (const w of [...fe.windows, ...promptWindows(fe)].sort((a, b) => a.start - b.start)) {
+      const rule = windowRules[w.kind];
+      const selected = lines.filter((l) => l.t >= w.start + rule.from && l.t <= w.end);
+      if (selected.length === 0 && w.end - w.start - rule.from < REFRESH) continue;
+      judge(`${name}: ${rule.status} during ${w.kind} ${rel(w.start)}..${rel(w.end)}`, selected,
+        (l) => statusMatches[rule.status](sessionStatus(ofKind(l, id))),
+        (l) => `${sessionStatus(ofKind(l, id))} ${describeGroups(ofKind(l, id))}`);
+      held.set(w.kind, (held.get(w.kind) ?? 0) + 1);
     }
-    summaries.push(`ok  ${name}: one session at each of ${alive.length} refreshes while it ran, ${windows} status windows held`);
+    // Once the session's log exists, the log decides (source "log").
+    const logged = alive.filter((l) => fe.logSeen !== undefined && l.t >= fe.logSeen + REFRESH && ofKind(l, id).length === 1);
+    const fromLog = logged.filter((l) => ofKind(l, id)[0].source === "log").length;
+    if (fe.logSource) {
+      judge(`${name}: judged by its log once it exists`, logged, (l) => ofKind(l, id)[0].source === "log",
+        (l) => describeGroups(ofKind(l, id)));
+    }
+    const windows = [...held].map(([kind, n]) => `${n} ${kind}`).join(", ") || "none";
+    summaries.push(`ok  ${name}: one session at each of ${alive.length} refreshes while it ran; windows judged: ${windows}; ` +
+      `source "log" at ${fromLog} of ${logged.length} refreshes after its log appeared`);
   }
   return { problems, summaries };
 }
 
 const rel = (t) => `+${((t - t0) / 1000).toFixed(1)}s`;
 const describeGroups = (groups) =>
-  groups.map((g) => `[${attribute(g) ?? "other"} ${g.pid} ${g.status} ${"cwd" in g ? g.cwd : "-"} m${g.memberCount}]`).join(" ");
+  groups.map((g) => `[${attribute(g) ?? "other"} ${g.pid} ${g.status}/${g.source ?? "-"} ${"cwd" in g ? g.cwd : "-"} m${g.memberCount}]`).join(" ");
 
 function printTimeline() {
   const rows = [
     ...events.map((e) => ({ t: e.t, text: `${e.who.padEnd(7)} ${e.text}` })),
     ...lines.map((l) => {
       const ours = l.report.groups.filter((g) => attribute(g) !== null);
-      const others = l.report.groups.length - ours.length;
-      return { t: l.t, text: `brenvik ${describeGroups(ours) || "(none of ours)"}${others ? ` +${others} other` : ""}` };
+      const others = l.report.groups.filter((g) => attribute(g) === null).map((g) => `${g.pid} ${g.cwd ?? "-"}`);
+      return { t: l.t, text: `brenvik ${describeGroups(ours) || "(none of ours)"}${others.length ? ` + other: ${others.join(", ")}` : ""}` };
     }),
   ].sort((a, b) => a.t - b.t);
   console.log("timeline (time since start, who, what):");
@@ -512,6 +627,10 @@ async function finish(code) {
   if (cleaning) return cleaning;
   cleaning = (async () => {
     clearTimeout(watchdog);
+    try { logEvents(); } catch (err) { note("driver", `logs unreadable: ${err.message}`); }
+    for (const r of model?.requests ?? []) {
+      if (r.answeredAt && !r.title) events.push({ t: r.answeredAt, who: "model", text: `#${r.n} answered${r.final ? ": final answer" : ""}` });
+    }
     await cleanUp();
     const { problems, summaries } = check();
     problems.unshift(...failures);
@@ -571,7 +690,7 @@ const watchdog = setTimeout(() => {
 
 try {
   await setUp();
-  for (const s of scenarios) await runScenario(s);
+  for (const s of scenarios) if (!opts.only || opts.only.includes(s.id)) await runScenario(s);
   // Two more refreshes, so that the last front-end's exit is seen.
   const seen = lines.length;
   await until("two more refreshes", () => lines.length >= seen + 2, 3 * REFRESH / 1000 + 5);
