@@ -132,6 +132,18 @@ QString detailText(const CodexRunState& state) {
         });
 }
 
+QString durationText(qint64 seconds) {
+    seconds = std::max<qint64>(0, seconds);
+    constexpr qint64 minute = 60, hour = 60 * minute, day = 24 * hour;
+    if (seconds < minute)
+        return QString::number(seconds) + u" s";
+    if (seconds < hour)
+        return QString::number(seconds / minute) + u" min";
+    if (seconds < day)
+        return QString::number(seconds / hour) + u" h";
+    return QString::number(seconds / day) + u" d";
+}
+
 QString abbreviatedDirectory(const QString& directory, const QString& home) {
     if (home.isEmpty() || home == u"/")
         return directory;

@@ -106,6 +106,10 @@ private:
 // with waiting sessions, the projects they wait in.
 [[nodiscard]] QString detailText(const CodexRunState& state);
 
+// How long, in the one unit people read at a glance: "45 s", "2 min", "3 h",
+// "2 d". Negative counts as 0.
+[[nodiscard]] QString durationText(qint64 seconds);
+
 // A project directory as people read it: "~" for the home folder and below it.
 [[nodiscard]] QString abbreviatedDirectory(const QString& directory,
                                            const QString& home = QDir::homePath());

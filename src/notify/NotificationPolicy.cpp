@@ -13,22 +13,6 @@ QString names(const QList<const ProcessMatch*>& sessions) {
 
 } // namespace
 
-QString roughDuration(qint64 seconds) {
-    seconds = std::max<qint64>(seconds, 0);
-    if (seconds < 60)
-        return QString::number(seconds) + u" s";
-    const qint64 minutes = seconds / 60;
-    if (minutes < 60)
-        return QString::number(minutes) + u" min";
-    const qint64 hours = minutes / 60;
-    if (hours < 24) {
-        return QString::number(hours) + u" h" +
-               (minutes % 60 ? u' ' + QString::number(minutes % 60) + u" min" : QString());
-    }
-    return QString::number(hours / 24) + u" d" +
-           (hours % 24 ? u' ' + QString::number(hours % 24) + u" h" : QString());
-}
-
 NotificationPolicy::Decision NotificationPolicy::update(const QList<ProcessMatch>& matches,
                                                         bool detectionFailed, bool enabled,
                                                         const QDateTime& now) {
@@ -90,7 +74,7 @@ NotificationPolicy::Decision NotificationPolicy::update(const QList<ProcessMatch
         for (const ProcessMatch* match : std::as_const(finished))
             notice.pids.append(match->pid);
         if (finished.size() == 1) {
-            notice.body = u"Worked " + roughDuration(workedSeconds.front());
+            notice.body = u"Worked " + durationText(workedSeconds.front());
             if (const QString message = finished.front()->lastMessage.left(120); !message.isEmpty())
                 notice.body += u'\n' + message;
         } else {

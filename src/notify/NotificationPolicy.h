@@ -47,7 +47,4 @@ private:
     QHash<qint64, Seen> m_seen;
 };
 
-// "45 s", "3 min", "1 h 5 min", "2 d 3 h": how long, to the unit people read.
-[[nodiscard]] QString roughDuration(qint64 seconds);
-
 } // namespace brenvik

@@ -35,15 +35,7 @@ QString statusLabel(ProcessActivityStatus status) {
 }
 
 QString durationText(const QDateTime& since, const QDateTime& now) {
-    const qint64 seconds = std::max<qint64>(0, since.secsTo(now));
-    constexpr qint64 minute = 60, hour = 60 * minute, day = 24 * hour;
-    if (seconds < minute)
-        return QString::number(seconds) + u" s";
-    if (seconds < hour)
-        return QString::number(seconds / minute) + u" min";
-    if (seconds < day)
-        return QString::number(seconds / hour) + u" h";
-    return QString::number(seconds / day) + u" d";
+    return durationText(since.secsTo(now));
 }
 
 QString statusCapsuleText(const ProcessMatch& match, const QDateTime& now) {

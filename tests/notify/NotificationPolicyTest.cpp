@@ -118,18 +118,6 @@ TEST(NotificationPolicy, WhatIsAnnounced) {
     }
 }
 
-TEST(NotificationPolicy, RoughDurations) {
-    for (const auto& [seconds, text] : {std::pair{0, "0 s"},
-                                        {59, "59 s"},
-                                        {60, "1 min"},
-                                        {3599, "59 min"},
-                                        {3600, "1 h"},
-                                        {3900, "1 h 5 min"},
-                                        {90000, "1 d 1 h"},
-                                        {172800, "2 d"}})
-        EXPECT_EQ(roughDuration(seconds), QString::fromLatin1(text)) << seconds;
-}
-
 // A server that records calls and hands out ids 1, 2, 3…
 class FakeBus : public NotificationBus {
 public:
