@@ -1,24 +1,9 @@
 #include "preferences/AppVisibilityController.h"
 
 #include "monitor/Published.h"
+#include "preferences/StoredSwitch.h"
 
 namespace brenvik {
-
-namespace {
-
-// Absent, or not readable as a Boolean: shown.
-bool storedShowDockIcon(const QVariant& value) {
-    if (!value.isValid())
-        return true;
-    if (value.typeId() == QMetaType::Bool)
-        return value.toBool();
-    const QString text = value.toString().trimmed().toLower();
-    if (text == u"false" || text == u"0")
-        return false;
-    return true;
-}
-
-} // namespace
 
 AppVisibilityController::AppVisibilityController(QObject* parent)
     : QObject(parent)
@@ -27,7 +12,7 @@ AppVisibilityController::AppVisibilityController(QObject* parent)
     , m_settings(std::make_unique<QSettings>(QSettings::NativeFormat, QSettings::UserScope,
                                              QStringLiteral("Brenvik"),
                                              QStringLiteral("Brenvik"))) {
-    m_showDockIcon = storedShowDockIcon(m_settings->value(kSettingsKey));
+    m_showDockIcon = storedSwitchIsOn(m_settings->value(kSettingsKey));
 }
 
 AppVisibilityController::AppVisibilityController(ActivationPolicy& policy,
@@ -39,7 +24,7 @@ AppVisibilityController::AppVisibilityController(ActivationPolicy& policy,
                                                    QStringLiteral("Brenvik"),
                                                    QStringLiteral("Brenvik"))
                      : std::make_unique<QSettings>(settingsFile, QSettings::IniFormat)) {
-    m_showDockIcon = storedShowDockIcon(m_settings->value(kSettingsKey));
+    m_showDockIcon = storedSwitchIsOn(m_settings->value(kSettingsKey));
 }
 
 AppVisibilityController::~AppVisibilityController() = default;

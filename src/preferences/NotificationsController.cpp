@@ -1,6 +1,7 @@
 #include "preferences/NotificationsController.h"
 
 #include "monitor/Published.h"
+#include "preferences/StoredSwitch.h"
 
 namespace brenvik {
 
@@ -11,10 +12,7 @@ NotificationsController::NotificationsController(const QString& settingsFile, QO
                                                    QStringLiteral("Brenvik"),
                                                    QStringLiteral("Brenvik"))
                      : std::make_unique<QSettings>(settingsFile, QSettings::IniFormat)) {
-    // Absent or unreadable: on.
-    const QVariant stored = m_settings->value(kSettingsKey);
-    m_enabled = !stored.isValid() ||
-                !QStringList{u"false"_qs, u"0"_qs}.contains(stored.toString().trimmed().toLower());
+    m_enabled = storedSwitchIsOn(m_settings->value(kSettingsKey));
 }
 
 NotificationsController::~NotificationsController() = default;
