@@ -222,8 +222,12 @@ CodexRole codexCommandRole(const Words& words, qsizetype from) {
     return CodexRole::interactive; // `codex "fix the tests"`
 }
 
-QStringView withoutDeletedSuffix(QStringView path) {
-    return path.endsWith(u" (deleted)") ? path.chopped(10) : path;
+// What /proc/PID/exe names, as a file name to compare: " (deleted)" dropped,
+// lower-cased as command lines are.
+QString executableName(QStringView path) {
+    if (path.endsWith(u" (deleted)"))
+        path.chop(10);
+    return fileName(path).toString().toLower();
 }
 
 } // namespace
@@ -312,8 +316,7 @@ bool isCandidateCommand(QStringView lowered) {
 }
 
 bool isCodexExecutable(QStringView executablePath) {
-    const QString name = fileName(withoutDeletedSuffix(executablePath)).toString().toLower();
-    return executableKind(name) != Executable::other;
+    return executableKind(executableName(executablePath)) != Executable::other;
 }
 
 bool isLauncherLink(QStringView loweredParent, QStringView loweredChild) {
@@ -347,8 +350,7 @@ CodexRole codexRole(QStringView lowered, QStringView executablePath, const QStri
         !executablePath.isEmpty()) {
         // Started under another name (a link such as ~/bin/cx, or an alias):
         // the file that runs still tells. Codex's own aliases are its helpers.
-        const QString name = fileName(withoutDeletedSuffix(executablePath)).toString().toLower();
-        running.executable = executableKind(name);
+        running.executable = executableKind(executableName(executablePath));
         if (running.executable == Executable::codex &&
             isOneOf(fileName(words[0]), {u"apply_patch", u"applypatch"}))
             return CodexRole::helper;
