@@ -4,10 +4,10 @@ namespace brenvik {
 
 namespace {
 
-QString names(const QList<const ProcessMatch*>& sessions) {
+QString names(const QList<ProcessMatch>& sessions) {
     QStringList projects;
-    for (const ProcessMatch* match : sessions)
-        projects.append(projectName(*match));
+    for (const ProcessMatch& match : sessions)
+        projects.append(projectName(match));
     return projects.join(u", ");
 }
 
@@ -22,60 +22,64 @@ NotificationPolicy::Decision NotificationPolicy::update(const QList<ProcessMatch
     if (detectionFailed)
         return decision;
 
-    QList<const ProcessMatch*> finished;
+    QList<ProcessMatch> finished;
     QList<qint64> workedSeconds;
-    QList<const ProcessMatch*> waiting;
+    QList<ProcessMatch> waiting;
+    // `last` is how the session looks now, or last looked where it ended.
+    const auto finish = [&](const Seen& before, const ProcessMatch& last, const QDateTime& end) {
+        if (before.match.status != ProcessActivityStatus::running || !before.workingSince)
+            return;
+        if (const qint64 worked = before.workingSince->secsTo(end); worked >= kMinimumWorkSeconds) {
+            finished.append(last);
+            workedSeconds.append(worked);
+        }
+    };
     QHash<qint64, Seen> seen;
     seen.reserve(matches.size());
     for (const ProcessMatch& match : matches) {
         const auto before = m_seen.constFind(match.pid);
         const bool known = before != m_seen.cend();
-        Seen next;
-        next.status = match.status;
+        Seen next{match, {}};
         if (match.status == ProcessActivityStatus::running) {
             next.workingSince = known && before->workingSince
                                     ? before->workingSince
                                     : std::optional<QDateTime>(match.since.value_or(now));
         }
-        if (m_started && known) {
-            if (before->status == ProcessActivityStatus::running &&
-                match.status == ProcessActivityStatus::idle && before->workingSince) {
-                const qint64 worked = before->workingSince->secsTo(match.since.value_or(now));
-                if (worked >= kMinimumWorkSeconds) {
-                    finished.append(&match);
-                    workedSeconds.append(worked);
-                }
-            }
-            if (before->status == ProcessActivityStatus::waiting &&
+        if (known) {
+            if (match.status == ProcessActivityStatus::idle)
+                finish(*before, match, match.since.value_or(now));
+            if (before->match.status == ProcessActivityStatus::waiting &&
                 match.status != ProcessActivityStatus::waiting)
                 decision.stoppedWaiting.append(match.pid);
         }
         if (m_started && match.status == ProcessActivityStatus::waiting &&
-            (!known || before->status != ProcessActivityStatus::waiting))
-            waiting.append(&match);
+            (!known || before->match.status != ProcessActivityStatus::waiting))
+            waiting.append(match);
         seen.insert(match.pid, next);
     }
     for (auto it = m_seen.cbegin(); it != m_seen.cend(); ++it) {
-        if (it->status == ProcessActivityStatus::waiting && !seen.contains(it.key()))
-            decision.stoppedWaiting.append(it.key()); // it went away
+        if (seen.contains(it.key()))
+            continue;
+        // It ended: a waiting notice is over; work it was doing is done.
+        if (it->match.status == ProcessActivityStatus::waiting)
+            decision.stoppedWaiting.append(it.key());
+        finish(*it, it->match, now);
     }
     m_seen = std::move(seen);
     m_started = true;
-    if (!enabled) {
-        decision.show.clear();
+    if (!enabled)
         return decision; // notices shown before it was turned off still close
-    }
 
     if (!finished.isEmpty()) {
         Announcement notice{.kind = Announcement::Kind::finished,
                             .pids = {},
                             .summary = u"Codex finished \u00B7 " + names(finished),
                             .body = {}};
-        for (const ProcessMatch* match : std::as_const(finished))
-            notice.pids.append(match->pid);
+        for (const ProcessMatch& match : std::as_const(finished))
+            notice.pids.append(match.pid);
         if (finished.size() == 1) {
             notice.body = u"Worked " + durationText(workedSeconds.front());
-            if (const QString message = finished.front()->lastMessage.left(120); !message.isEmpty())
+            if (const QString message = finished.front().lastMessage.left(120); !message.isEmpty())
                 notice.body += u'\n' + message;
         } else {
             notice.body = QString::number(finished.size()) + u" sessions are done.";
@@ -90,8 +94,8 @@ NotificationPolicy::Decision NotificationPolicy::update(const QList<ProcessMatch
                                         ? QStringLiteral("A command needs your approval.")
                                         : QString::number(waiting.size()) +
                                               u" sessions need your approval."};
-        for (const ProcessMatch* match : std::as_const(waiting))
-            notice.pids.append(match->pid);
+        for (const ProcessMatch& match : std::as_const(waiting))
+            notice.pids.append(match.pid);
         decision.show.append(notice);
     }
     return decision;

@@ -22,9 +22,9 @@ struct Announcement {
 };
 
 // Decides, from one published state to the next, what to announce: a session
-// that worked at least 10 s and went idle, and a session that started
-// waiting. It announces nothing about what was so when it first looked,
-// nothing while detection fails, and nothing when turned off.
+// that worked at least 10 s and went idle or ended (codex exec ends with its
+// turn), and a session that started waiting. It announces nothing about what was so when it first
+// looked, nothing while detection fails, and nothing when turned off.
 class NotificationPolicy {
 public:
     static constexpr qint64 kMinimumWorkSeconds = 10;
@@ -39,7 +39,7 @@ public:
 
 private:
     struct Seen {
-        ProcessActivityStatus status = ProcessActivityStatus::idle;
+        ProcessMatch match;                    // as last seen
         std::optional<QDateTime> workingSince; // while running
     };
 

@@ -65,10 +65,14 @@ TEST(NotificationPolicy, WhatIsAnnounced) {
            false,
            true,
            {u"Codex finished \u00B7 alpha | Worked 11 s\nAll tests pass."_qs}}}},
-        {"a short turn is no news",
-         {{0, {a(idle, -100)}, false, true, {}},
+        {"a short turn is no news, nor a short or idle session that ends",
+         {{0, {a(idle, -100), b(running, -1)}, false, true, {}},
           {2, {a(running, 1)}, false, true, {}},
-          {8, {a(idle, 7)}, false, true, {}}}},
+          {8, {a(idle, 7)}, false, true, {}},
+          {10, {}, false, true, {}}}},
+        {"a session that ends with its turn, as codex exec does",
+         {{0, {a(running, -14, "Done.")}, false, true, {}},
+          {2, {}, false, true, {u"Codex finished \u00B7 alpha | Worked 16 s\nDone."_qs}}}},
         {"waiting, then approved",
          {{0, {a(running, -30)}, false, true, {}},
           {2,
@@ -111,8 +115,10 @@ TEST(NotificationPolicy, WhatIsAnnounced) {
     for (const auto& c : cases) {
         NotificationPolicy policy;
         for (const Step& step : c.steps) {
-            EXPECT_EQ(outcome(policy.update(step.matches, step.failed, step.enabled, at(step.at))),
-                      step.expected)
+            EXPECT_EQ(outcome(policy.update(step.matches, step.failed, step.enabled, at(step.at)))
+                          .join(u" ; ")
+                          .toStdString(),
+                      step.expected.join(u" ; ").toStdString())
                 << c.name << " at " << step.at << " s";
         }
     }
