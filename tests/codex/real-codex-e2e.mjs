@@ -1,9 +1,12 @@
 #!/usr/bin/env node
 // The real Codex CLI (codex exec, the TUI in tmux, acpx driving codex-acp), offline
-// against our fake model on 127.0.0.1, watched by `brenvik-status --watch --json`.
+// against our fake model on 127.0.0.1, watched by `brenvik-status --watch --json`, and
+// with --brenvik by the tray app, whose desktop notifications go to dunst.
 //
-// Usage: node real-codex-e2e.mjs --brenvik-status PATH [--codex-cache DIR]
+// Usage: node real-codex-e2e.mjs --brenvik-status PATH [--brenvik PATH] [--codex-cache DIR]
 //                                [--record DIR] [--timeline] [--keep] [--only ID,...]
+//   --brenvik PATH     also run the tray app on a private bus with dunst (needs Xvfb,
+//                      dunst and dbus-monitor) and check its notifications
 //   --codex-cache DIR  where tools/install-codex.sh keeps the pinned npm install
 //   --record DIR       also write the process table of each marked moment to DIR/<moment>.tsv
 //   --timeline         print the timeline on success too
@@ -15,6 +18,7 @@ import os from "node:os";
 import path from "node:path";
 import readline from "node:readline";
 import { fileURLToPath } from "node:url";
+import { projectsOf, startDesktop } from "./desktop-notifications.mjs";
 import { startFakeModel } from "./fake-model-server.mjs";
 
 const REFRESH = 2000; // brenvik-status refreshes every 2 s
@@ -146,7 +150,7 @@ const home = path.join(temp, "home");
 const codexHome = path.join(temp, "codex-home");
 const frontEnds = new Map(); // id -> { scenario, dir, start, exit, child?, tmux?, turnsBefore }
 const children = new Set();
-let model, brenvik;
+let model, brenvik, desktop;
 
 const env = {
   PATH: `${path.dirname(bin("codex"))}:${bwrapDir}:${process.env.PATH}`,
@@ -164,7 +168,7 @@ const env = {
 
 function parseArgs(argv) {
   const o = { brenvikStatus: process.env.BRENVIK_STATUS };
-  const names = { "--brenvik-status": "brenvikStatus", "--codex-cache": "codexCache", "--record": "record" };
+  const names = { "--brenvik-status": "brenvikStatus", "--brenvik": "brenvik", "--codex-cache": "codexCache", "--record": "record" };
   for (let i = 0; i < argv.length; i++) {
     if (names[argv[i]]) o[names[argv[i]]] = argv[++i];
     else if (argv[i] === "--timeline") o.timeline = true;
@@ -241,6 +245,17 @@ ${projects.join("")}`);
     if (!cleaning) failures.push(`brenvik-status exited early (${code ?? sig}): ${brenvik.stderrText.trim()}`);
   });
   note("driver", `brenvik-status started; model on 127.0.0.1:${model.port}`);
+  if (opts.brenvik) {
+    const track = (child) => {
+      children.add(child);
+      child.on("exit", (code, sig) => {
+        children.delete(child);
+        if (!cleaning) failures.push(`${child.spawnfile} exited early (${code ?? sig})${child.stderrText ? `: ${child.stderrText.trim()}` : ""}`);
+      });
+      return child;
+    };
+    desktop = await startDesktop({ app: opts.brenvik, dir: path.join(temp, "desktop"), home, track, note, until });
+  }
   await until("brenvik-status's first refresh", () => lines.length > 0, 30);
   startScanner();
 }
@@ -601,8 +616,42 @@ function check() {
     summaries.push(`ok  ${name}: one session at each of ${alive.length} refreshes while it ran; windows judged: ${windows}; ` +
       `source "log" at ${fromLog} of ${logged.length} refreshes after its log appeared`);
   }
+  if (desktop) checkNotifications(problems, summaries);
   return { problems, summaries };
 }
+
+// The tray app's notices: codex exec's 15 s turn is announced once as finished after
+// it ended; the TUI's approval question once as waiting, closed once it was approved.
+function checkNotifications(problems, summaries) {
+  desktop.record.flush();
+  const naming = (fe, kind) => desktop.record.notices.filter((n) => n.summary.startsWith(kind) && projectsOf(n).includes(path.basename(fe.dir)));
+  const said = [];
+  const think = frontEnds.get("exec-think");
+  if (think) {
+    const finished = naming(think, "Codex finished · ");
+    const turnEnd = promptWindows(think).find((w) => w.kind === "turn end")?.start;
+    if (finished.length !== 1) problems.push(`${think.name}: ${finished.length} "finished" notices, not 1: ${describeNotices(finished)}`);
+    else if (!(finished[0].t >= turnEnd)) problems.push(`${think.name}: "finished" at ${rel(finished[0].t)}, before its turn ended at ${rel(turnEnd)}`);
+    else said.push(`"${finished[0].summary}" ${((finished[0].t - turnEnd) / 1000).toFixed(1)} s after its turn ended`);
+  }
+  const tui = frontEnds.get("tui");
+  const approval = tui?.windows.find((w) => w.kind === "approval");
+  const approved = tui?.windows.find((w) => w.kind === "approved");
+  if (approval && approved) {
+    // The question shows as soon as the model asks: from the prompt that makes it ask.
+    const asked = tui.prompts.find((p) => p.text.includes("[escalate]")).at;
+    const waiting = naming(tui, "Codex is waiting for you · ");
+    const closed = waiting.length === 1 ? desktop.record.closedAt(waiting[0]) : undefined;
+    if (waiting.length !== 1) problems.push(`${tui.name}: ${waiting.length} "waiting" notices, not 1: ${describeNotices(waiting)}`);
+    else if (!(waiting[0].t >= asked && waiting[0].t <= approval.end)) problems.push(`${tui.name}: "waiting" at ${rel(waiting[0].t)}, outside the approval question ${rel(asked)}..${rel(approval.end)}`);
+    else if (closed === undefined) problems.push(`${tui.name}: the "waiting" notice (id ${waiting[0].id}) was never closed`);
+    else if (!(closed >= approved.start && closed <= approved.start + 3 * REFRESH)) problems.push(`${tui.name}: the "waiting" notice closed at ${rel(closed)}, not within 3 refreshes of the approval at ${rel(approved.start)}`);
+    else said.push(`"${waiting[0].summary}" ${((waiting[0].t - asked) / 1000).toFixed(1)} s after the prompt that asks, closed ${((closed - approved.start) / 1000).toFixed(1)} s after the approval`);
+  }
+  if (said.length) summaries.push(`ok  notifications: ${said.join("; ")}; ${desktop.record.notices.length} notices in all`);
+}
+
+const describeNotices = (notices) => notices.map((n) => `[${rel(n.t)} "${n.summary}" id ${n.id}]`).join(" ") || "none";
 
 const rel = (t) => `+${((t - t0) / 1000).toFixed(1)}s`;
 const describeGroups = (groups) =>
@@ -631,6 +680,9 @@ async function finish(code) {
     for (const r of model?.requests ?? []) {
       if (r.answeredAt && !r.title) events.push({ t: r.answeredAt, who: "model", text: `#${r.n} answered${r.final ? ": final answer" : ""}` });
     }
+    desktop?.record.flush();
+    for (const n of desktop?.record.notices ?? []) events.push({ t: n.t, who: "notice", text: `"${n.summary}" id ${n.id}${n.replaces ? ` replacing ${n.replaces}` : ""}` });
+    for (const c of desktop?.record.closes ?? []) events.push({ t: c.t, who: "notice", text: `closed id ${c.id}` });
     await cleanUp();
     const { problems, summaries } = check();
     problems.unshift(...failures);
