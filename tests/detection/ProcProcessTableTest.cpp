@@ -118,6 +118,9 @@ TEST_F(ProcSourceTest, CommandLineReReadOnlyWhenCommChanges) {
     put(20, "codex", "codex\0exec"_qba);
     snapshotAfter(2s);
     EXPECT_EQ(command(20), QStringLiteral("codex exec")) << "exec changed comm";
+    put(20, "codex", "", 0, 1000, 'Z');
+    snapshotAfter(2s);
+    EXPECT_EQ(command(20), QStringLiteral("[codex] <defunct>")) << "a zombie forgets its command";
 
     // Mid-exec the new comm shows before the arguments: that text is not kept.
     put(21, "codex", "");
@@ -165,14 +168,6 @@ TEST_F(ProcSourceTest, DetailsOfCodexProcessesAndTheirChildrenOnly) {
     EXPECT_TRUE(rows[42].executable.isEmpty() && rows[42].cwd.isEmpty()) << "arguments never count";
     EXPECT_EQ(rows[43].command, QStringLiteral("[codex] <defunct>"));
     EXPECT_TRUE(rows[43].executable.isEmpty()) << "a zombie keeps nothing";
-}
-
-TEST_F(ProcSourceTest, ZombieForgetsItsCommand) {
-    put(50, "codex", "codex"_qba);
-    snapshotAfter(0ms);
-    put(50, "codex", "", 0, 1000, 'Z');
-    snapshotAfter(2s);
-    EXPECT_EQ(command(50), QStringLiteral("[codex] <defunct>"));
 }
 
 TEST_F(ProcSourceTest, CPUPercentOverTheInterval) {

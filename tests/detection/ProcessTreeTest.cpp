@@ -131,18 +131,6 @@ TEST(ProcessTree, ServiceWorkCountsForTheTUIOfItsDirectory) {
     EXPECT_EQ(detectCodexProcesses(rows), expected);
 }
 
-TEST(ProcessTree, LauncherChainRunsFromFrontEndToRoot) {
-    const QHash<qint64, ObservedProcess> byPID{
-        {100, row(100, 9, kAdapter)},
-        {101, row(101, 100, u"node /n/node_modules/.bin/codex-acp")},
-        {9, row(9, 1, u"zed")}};
-    const auto chain = launcherChain(row(102, 101, u"codex-acp --stdio"), byPID);
-    QList<qint64> pids;
-    for (const auto& r : chain)
-        pids.append(r.pid);
-    EXPECT_EQ(pids, (QList<qint64>{102, 101, 100}));
-}
-
 TEST(ProcessTree, HotStates) {
     for (const char16_t* hot : {u"R", u"R+", u"U", u" u", u"D", u"d\n"})
         EXPECT_TRUE(isHotState(hot)) << QString::fromUtf16(hot).toStdString();

@@ -76,16 +76,5 @@ TEST(PsProcessTable, ExitStatusOutputAndLaunchFailures) {
         EXPECT_EQ(run(c.executable), c.expected) << c.name;
 }
 
-TEST(PsProcessTable, PassesExactlyTheThreeArguments) {
-    FakePs fake;
-    const QString log = fake.path("args");
-    ASSERT_EQ(
-        run(fake.write("ps", "printf '%s\\n' \"$#\" \"$@\" > '" + QFile::encodeName(log) + "'")),
-        QString());
-    QFile file(log);
-    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-    EXPECT_EQ(file.readAll(), "3\n-axww\n-o\npid=,ppid=,state=,%cpu=,time=,command=\n");
-}
-
 } // namespace
 } // namespace brenvik

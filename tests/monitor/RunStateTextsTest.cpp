@@ -7,16 +7,12 @@
 namespace brenvik::test {
 namespace {
 
-// The plural and singular forms the monitor cases below do not reach.
-TEST(DetailText, SingularAndPlural) {
+// The waiting forms, which the monitor cases below do not reach.
+TEST(DetailText, WaitingProjects) {
     const struct {
         CodexRunState state;
         QString expected;
     } cases[] = {
-        {CodexRunState::observed(2, 0, 2), QStringLiteral("2 Codex processes idle")},
-        {CodexRunState::observed(1, 1, 0), QStringLiteral("1 Codex process running")},
-        {CodexRunState::observed(11, 10, 1),
-         QStringLiteral("11 total \u00B7 10 running \u00B7 1 idle")},
         {CodexRunState::observed(1, 0, 0, 1, {u"brenvik"_qs}),
          QStringLiteral("1 Codex process waiting in brenvik")},
         {CodexRunState::observed(4, 1, 1, 2, {u"brenvik"_qs, u"~"_qs}),

@@ -59,19 +59,6 @@ TEST_F(DockVisibility, UnreadableSettingsFallBackToShown) {
         << qPrintable(*controller.lastError());
 }
 
-TEST_F(DockVisibility, ChoiceSurvivesARestart) {
-    for (const bool show : {false, true}) {
-        AppVisibilityController(m_policy, settingsFile()).setShowDockIcon(show);
-        EXPECT_EQ(AppVisibilityController(m_policy, settingsFile()).showDockIcon(), show);
-    }
-    // The native settings live in the config home.
-    AppVisibilityController(m_policy, QString()).setShowDockIcon(false);
-    const QString native =
-        QDir(qEnvironmentVariable("XDG_CONFIG_HOME")).filePath(u"Brenvik/Brenvik.conf"_s);
-    EXPECT_TRUE(QFile::exists(native)) << qPrintable(native);
-    EXPECT_FALSE(AppVisibilityController(m_policy, QString()).showDockIcon());
-}
-
 TEST_F(DockVisibility, EachAssignmentStoresAppliesAndActivatesWhenShown) {
     using enum ActivationPolicyKind;
     // Name, value, whether the desktop accepts, the policy asked for, the

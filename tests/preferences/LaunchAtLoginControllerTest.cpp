@@ -10,26 +10,81 @@ namespace brenvik {
 namespace {
 using namespace Qt::StringLiterals;
 
-// The test runner gives every test binary a private XDG_CONFIG_HOME; the
-// entries go to its autostart folder.
+// Entries in a private autostart folder, for program files in a temporary
+// folder (which counts as stable: no temporary roots are named).
 class LaunchAtLogin : public ::testing::Test {
 protected:
-    void SetUp() override {
-        QDir(m_autostart).removeRecursively();
-        QFile::remove(m_autostart);
+    LaunchAtLogin() { QFile(m_program).open(QIODevice::WriteOnly); }
+    AutostartEntry entry(const QString& executable, const QStringList& temporaryRoots = {}) const {
+        return AutostartEntry({m_autostart, executable, temporaryRoots});
     }
-
-    // A real file with the given name, so that it counts as stable (no
-    // temporary roots: the folder lives in /tmp).
     AutostartEntry entryFor(const QString& fileName) const {
-        const QString program = m_programs.filePath(fileName);
+        const QString program = m_dir.filePath(fileName);
         EXPECT_TRUE(QFile(program).open(QIODevice::WriteOnly)) << qPrintable(program);
-        return AutostartEntry({m_autostart, program, {}});
+        return entry(program);
     }
 
-    const QString m_autostart = AutostartEntry::defaultDirectory();
-    QTemporaryDir m_programs;
+    QTemporaryDir m_dir;
+    const QString m_autostart = m_dir.filePath(u"autostart"_s);
+    const QString m_program = m_dir.filePath(u"brenvik"_s);
 };
+
+TEST_F(LaunchAtLogin, DisabledEntriesReadAsOff) {
+    const auto entryWith = [](const QByteArray& lines) {
+        return "[Desktop Entry]\nType=Application\nName=Brenvik\nExec=/usr/bin/brenvik\n" + lines;
+    };
+    const std::tuple<const char*, QByteArray, bool> cases[] = {
+        {"plain entry", entryWith(""), true},
+        {"Hidden=true", entryWith("Hidden=true\n"), false},
+        {"GNOME disabled", entryWith("X-GNOME-Autostart-enabled=false\n"), false},
+        {"blanks around =", entryWith("Hidden = true\n"), false},
+        {"keys are case-sensitive", entryWith("hidden=true\nx-gnome-autostart-enabled=false\n"),
+         true},
+        {"values are case-sensitive", entryWith("Hidden=True\n"), true},
+        {"other group ignored", entryWith("[Desktop Action x]\nHidden=true\n"), true},
+        {"comment ignored", entryWith("#Hidden=true\n"), true},
+        {"CRLF line ends", "[Desktop Entry]\r\nHidden=true\r\n", false},
+    };
+    const AutostartEntry ours = entry(m_program);
+    ASSERT_TRUE(QDir().mkpath(m_autostart));
+    for (const auto& [name, contents, active] : cases) {
+        QFile file(ours.filePath());
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(contents);
+        file.close();
+        EXPECT_EQ(LaunchAtLoginController(ours).status(),
+                  active ? LaunchAtLoginStatus::enabled : LaunchAtLoginStatus::notRegistered)
+            << name;
+    }
+}
+
+TEST_F(LaunchAtLogin, OnlyAStableExecutableCanRegister) {
+    // Name, executable, temporary roots, and what the refusal names (none: registers).
+    const std::tuple<const char*, QString, QStringList, const char*> cases[] = {
+        {"existing file", m_program, {}, nullptr},
+        {"empty path", u""_s, {}, "is unknown"},
+        {"relative path", u"brenvik"_s, {}, "is unknown"},
+        {"missing file", m_dir.filePath(u"gone"_s), {}, "gone was moved or removed"},
+        {"replaced while running", m_program + u" (deleted)"_s, {}, "brenvik was moved or removed"},
+        {"a directory", m_dir.path(), {}, "moved or removed"},
+        {"inside a temporary root", m_program, {m_dir.path()}, "temporary location"},
+        {"root is only a prefix", m_program, {m_dir.path() + u"x"_s}, nullptr},
+    };
+    for (const auto& [name, executable, temporaryRoots, reason] : cases) {
+        const bool stable = reason == nullptr;
+        LaunchAtLoginController controller(entry(executable, temporaryRoots));
+        EXPECT_EQ(controller.status(),
+                  stable ? LaunchAtLoginStatus::notRegistered : LaunchAtLoginStatus::notFound)
+            << name;
+        controller.setEnabled(true);
+        const QString error = controller.lastError().value_or(QString());
+        EXPECT_EQ(controller.lastError().has_value(), !stable) << name;
+        EXPECT_TRUE(stable || error.contains(QString::fromUtf8(reason)))
+            << name << ": " << error.toStdString();
+        EXPECT_EQ(QFile::exists(controller.entry().filePath()), stable) << name;
+        controller.setEnabled(false);
+    }
+}
 
 TEST_F(LaunchAtLogin, RegisterWritesTheEntryAndUnregisterRemovesIt) {
     // Blanks, quotes, "%" and "$" in the path come back exactly from Exec=.
@@ -67,7 +122,6 @@ TEST_F(LaunchAtLogin, RegisterWritesTheEntryAndUnregisterRemovesIt) {
 
 TEST_F(LaunchAtLogin, FailedWritePublishesTheSystemTextAndTheStatusOnDisk) {
     // A file where the folder should be stops root too.
-    QDir().mkpath(QFileInfo(m_autostart).path());
     ASSERT_TRUE(QFile(m_autostart).open(QIODevice::WriteOnly));
 
     LaunchAtLoginController controller(entryFor(u"brenvik"_s));

@@ -51,67 +51,48 @@ DetectedProcessSample execSession(qint64 pid, qint64 holder, int startedSecond) 
                                  .logHolderPIDs = {holder}};
 }
 
-std::optional<TurnPhase> phaseOf(const std::optional<SessionLogState>& state) {
-    if (!state)
-        return std::nullopt;
-    return state->phase;
-}
+// One log with a turn begun, held open by process 101 (or 900, the service).
+class SessionLogLocatorTest : public ::testing::Test {
+protected:
+    std::optional<TurnPhase> phaseOf(const DetectedProcessSample& session) {
+        const auto states = m_locator.statesOf({session});
+        return states.size() == 1 && states[0] ? std::optional(states[0]->phase) : std::nullopt;
+    }
 
-TEST(SessionLogLocator, FindsTheLogAnExecSessionHolds) {
-    const FakeProc proc;
-    const QString log = proc.logPath("rollout-2026-11-23T13-00-00-S1.jsonl");
-    proc.append(log, sessionMeta(0) + taskStarted(1));
-    proc.open(101, 44, log);
-    SessionLogLocator locator(proc.root());
-    const auto states = locator.statesOf({execSession(100, 101, 0)});
-    ASSERT_EQ(states.size(), 1);
-    EXPECT_EQ(phaseOf(states[0]), TurnPhase::running);
-}
+    FakeProc m_proc;
+    const QString m_log = m_proc.logPath("rollout-2026-11-23T13-00-00-S1.jsonl");
+    SessionLogLocator m_locator{m_proc.root()};
+};
 
 // codex exec closes its log when its turn is over and may live on, writing
 // its answer: the log it held still tells that the turn is over.
-TEST(SessionLogLocator, KeepsTheLogASessionClosedWhileItLives) {
-    const FakeProc proc;
-    const QString log = proc.logPath("rollout-2026-11-23T13-00-00-S1.jsonl");
-    proc.append(log, sessionMeta(0) + taskStarted(1));
-    proc.open(101, 44, log);
-    SessionLogLocator locator(proc.root());
-    EXPECT_EQ(phaseOf(locator.statesOf({execSession(100, 101, 0)})[0]), TurnPhase::running);
+TEST_F(SessionLogLocatorTest, KeepsTheLogASessionClosedWhileItLives) {
+    m_proc.append(m_log, sessionMeta(0) + taskStarted(1));
+    m_proc.open(101, 44, m_log);
+    EXPECT_EQ(phaseOf(execSession(100, 101, 0)), TurnPhase::running);
 
-    proc.append(log, taskComplete(20));
-    proc.close(101, 44);
-    EXPECT_EQ(phaseOf(locator.statesOf({execSession(100, 101, 0)})[0]), TurnPhase::idle);
-    EXPECT_EQ(phaseOf(locator.statesOf({execSession(100, 101, 0)})[0]), TurnPhase::idle);
+    m_proc.append(m_log, taskComplete(20));
+    m_proc.close(101, 44);
+    EXPECT_EQ(phaseOf(execSession(100, 101, 0)), TurnPhase::idle);
+    EXPECT_EQ(phaseOf(execSession(100, 101, 0)), TurnPhase::idle);
 
     // The same PID started anew is another session, which has no log yet.
-    EXPECT_EQ(phaseOf(locator.statesOf({execSession(100, 101, 30)})[0]), std::nullopt);
-}
+    EXPECT_EQ(phaseOf(execSession(100, 101, 30)), std::nullopt);
 
-TEST(SessionLogLocator, ForgetsTheLogOfASessionThatWentAway) {
-    const FakeProc proc;
-    const QString log = proc.logPath("rollout-2026-11-23T13-00-00-S1.jsonl");
-    proc.append(log, sessionMeta(0) + taskStarted(1) + taskComplete(2));
-    proc.open(101, 44, log);
-    SessionLogLocator locator(proc.root());
-    EXPECT_EQ(phaseOf(locator.statesOf({execSession(100, 101, 0)})[0]), TurnPhase::idle);
-    proc.close(101, 44);
-    EXPECT_TRUE(locator.statesOf({}).isEmpty());
-    EXPECT_EQ(phaseOf(locator.statesOf({execSession(100, 101, 0)})[0]), std::nullopt);
+    // A refresh that went without the old one forgot its log.
+    EXPECT_EQ(phaseOf(execSession(100, 101, 0)), std::nullopt);
 }
 
 // A TUI's logs stay open in the shared service; one it no longer gets (a
 // second TUI opened in its directory) is not kept.
-TEST(SessionLogLocator, KeepsNoClosedLogForATerminalSession) {
-    const FakeProc proc;
-    const QString log = proc.logPath("rollout-2026-11-23T13-00-00-S1.jsonl");
-    proc.append(log, sessionMeta(0) + taskStarted(1));
-    proc.open(900, 44, log);
+TEST_F(SessionLogLocatorTest, KeepsNoClosedLogForATerminalSession) {
+    m_proc.append(m_log, sessionMeta(0) + taskStarted(1));
+    m_proc.open(900, 44, m_log);
     DetectedProcessSample tui = execSession(100, 900, 0);
     tui.interactive = true;
-    SessionLogLocator locator(proc.root());
-    EXPECT_EQ(phaseOf(locator.statesOf({tui})[0]), TurnPhase::running);
-    proc.close(900, 44);
-    EXPECT_EQ(phaseOf(locator.statesOf({tui})[0]), std::nullopt);
+    EXPECT_EQ(phaseOf(tui), TurnPhase::running);
+    m_proc.close(900, 44);
+    EXPECT_EQ(phaseOf(tui), std::nullopt);
 }
 
 } // namespace

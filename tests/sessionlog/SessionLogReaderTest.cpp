@@ -3,6 +3,7 @@
 #include "SessionLogTestSupport.h"
 
 #include <gtest/gtest.h>
+#include <sstream>
 
 namespace brenvik {
 namespace {
@@ -28,125 +29,92 @@ SessionLogState readLineByLine(const QList<QByteArray>& lines) {
     return state;
 }
 
+// The state as the cases state it: the phase, the line that set it, and the
+// last message after a colon.
+QString brief(const SessionLogState& state) {
+    std::ostringstream phase;
+    PrintTo(state.phase, &phase);
+    QString text = QString::fromStdString(phase.str());
+    if (state.phaseSince)
+        text += u'@' + QString::number(timeAt(0).secsTo(*state.phaseSince));
+    if (state.lastAgentMessageLine)
+        text += u": " + *state.lastAgentMessageLine;
+    return text;
+}
+
 TEST(SessionLogReader, PhaseFollowsTheTurn) {
     const QByteArray outputMentioningClose =
         R"("{\"type\":\"event_msg\",\"payload\":{\"type\":\"task_complete\"}}")";
     const struct {
         const char* name;
         QList<QByteArray> lines;
-        TurnPhase phase;
-        int since; // the line that set the phase, -1 for none
-        std::optional<QString> message;
+        QString expected;
     } cases[] = {
-        {"session_meta only", {sessionMeta(0)}, TurnPhase::unknown, -1, {}},
+        {"session_meta only", {sessionMeta(0)}, u"unknown"_s},
         {"turn open",
          {sessionMeta(0), taskStarted(1), userMessage(2, R"("fix it")")},
-         TurnPhase::running,
-         1,
-         {}},
+         u"running@1"_s},
         {"tool call without output",
          {sessionMeta(0), taskStarted(1), toolCall(2, "c1"), tokenCount(3)},
-         TurnPhase::awaitingToolOutput,
-         2,
-         {}},
+         u"awaitingToolOutput@2"_s},
         {"output arrives",
          {sessionMeta(0), taskStarted(1), toolCall(2, "c1"), toolOutput(3, "c1")},
-         TurnPhase::running,
-         3,
-         {}},
-        {"parallel calls, one answered",
-         {sessionMeta(0), taskStarted(1), toolCall(2, "c1"), toolCall(3, "c2"),
-          toolOutput(4, "c2")},
-         TurnPhase::awaitingToolOutput,
-         2,
-         {}},
-        {"output of another call",
-         {sessionMeta(0), taskStarted(1), toolCall(2, "c1"), toolOutput(3, "c9")},
-         TurnPhase::awaitingToolOutput,
-         2,
-         {}},
-        {"custom tool call and its output",
+         u"running@3"_s},
+        {"parallel calls, one answered, and output of an unknown call",
+         {sessionMeta(0), taskStarted(1), toolCall(2, "c1"), toolCall(3, "c2"), toolOutput(4, "c2"),
+          toolOutput(5, "c9")},
+         u"awaitingToolOutput@2"_s},
+        {"custom tool call answered, then a local shell call",
          {sessionMeta(0), taskStarted(1), toolCall(2, "c1", "custom_tool_call"),
-          toolOutput(3, "c1", R"("ok")", "custom_tool_call_output")},
-         TurnPhase::running,
-         3,
-         {}},
-        {"local shell call",
-         {sessionMeta(0), taskStarted(1), toolCall(2, "c1", "local_shell_call")},
-         TurnPhase::awaitingToolOutput,
-         2,
-         {}},
+          toolOutput(3, "c1", R"("ok")", "custom_tool_call_output"),
+          toolCall(4, "c2", "local_shell_call")},
+         u"awaitingToolOutput@4"_s},
         {"task_complete",
          {sessionMeta(0), taskStarted(1), toolCall(2, "c1"), toolOutput(3, "c1"),
           taskComplete(4, R"("Fixed the tests.\nAll 12 pass.")")},
-         TurnPhase::idle,
-         4,
-         u"Fixed the tests."_s},
+         u"idle@4: Fixed the tests."_s},
         {"turn_aborted while a call waits",
          {sessionMeta(0), taskStarted(1), toolCall(2, "c1"), turnAborted(3)},
-         TurnPhase::idle,
-         3,
-         {}},
+         u"idle@3"_s},
         {"agent_message kept when task_complete has none",
          {sessionMeta(0), taskStarted(1),
           agentMessage(2, R"("\n  Done: \u00e9t\u00e9 \ud83d\ude00\n")"), taskComplete(3)},
-         TurnPhase::idle,
-         3,
-         u"Done: été 😀"_s},
+         u"idle@3: Done: été 😀"_s},
         {"a new turn forgets the last message",
          {sessionMeta(0), taskStarted(1), taskComplete(2, R"("old")"), taskStarted(3, "T2")},
-         TurnPhase::running,
-         3,
-         {}},
+         u"running@3"_s},
         {"long message cut to 120 characters",
          {sessionMeta(0), taskStarted(1), taskComplete(2, '"' + QByteArray(200, 'x') + '"')},
-         TurnPhase::idle,
-         2,
-         QString(119, u'x') + u'…'},
+         u"idle@2: "_s + QString(119, u'x') + u'…'},
         {"old Codex: no task_started",
          {sessionMeta(0), userMessage(1, R"("hi")"), toolCall(2, "c1"), toolOutput(3, "c1"),
           agentMessage(4, R"("Hello")")},
-         TurnPhase::unknown,
-         -1,
-         u"Hello"_s},
+         u"unknown: Hello"_s},
         {"task_complete inside a tool output and a user message",
          {sessionMeta(0), taskStarted(1), toolCall(2, "c1"),
           toolOutput(3, "c1", outputMentioningClose),
           userMessage(4, R"("\"type\":\"task_complete\"")")},
-         TurnPhase::running,
-         3,
-         {}},
+         u"running@3"_s},
         {"resumed after a crash: the new turn supersedes the orphan",
          {sessionMeta(0), taskStarted(1), toolCall(2, "c1"), taskStarted(3, "T2")},
-         TurnPhase::running,
-         3,
-         {}},
+         u"running@3"_s},
         {"replay marker after an open turn",
          {sessionMeta(0), taskStarted(1), toolCall(2, "c1"), sessionMeta(3, "S0"), tokenCount(4)},
-         TurnPhase::idle,
-         3,
-         {}},
+         u"idle@3"_s},
         {"replay marker, then a live turn",
          {sessionMeta(0), taskStarted(1), sessionMeta(2, "S0"), taskStarted(3, "T2"),
           toolCall(4, "c1")},
-         TurnPhase::awaitingToolOutput,
-         4,
-         {}},
+         u"awaitingToolOutput@4"_s},
         {"replay marker in an old log",
          {sessionMeta(0), sessionMeta(1, "S0"), toolCall(2, "c1")},
-         TurnPhase::unknown,
-         -1,
-         {}},
+         u"unknown"_s},
     };
+    const SessionMeta meta{u"S1"_s, u"/home/u/proj"_s, u"codex-tui"_s, u"0.169.0"_s};
     for (const auto& c : cases) {
-        SessionLogState expected;
-        expected.meta = SessionMeta{u"S1"_s, u"/home/u/proj"_s, u"codex-tui"_s, u"0.169.0"_s};
-        expected.phase = c.phase;
-        if (c.since >= 0)
-            expected.phaseSince = timeAt(c.since);
-        expected.lastAgentMessageLine = c.message;
-        EXPECT_EQ(readWhole(c.lines), expected) << c.name << " (read at once)";
-        EXPECT_EQ(readLineByLine(c.lines), expected) << c.name << " (read line by line)";
+        const SessionLogState whole = readWhole(c.lines);
+        EXPECT_EQ(brief(whole), c.expected) << c.name;
+        EXPECT_EQ(whole.meta, meta) << c.name;
+        EXPECT_EQ(readLineByLine(c.lines), whole) << c.name << ": read line by line";
     }
 }
 

@@ -25,16 +25,6 @@ TEST(ProcessListPresentation, PlaceholderTakesTheFirstRuleThatApplies) {
         EXPECT_EQ(processListPlaceholder(lastError, lastUpdated), expected) << name;
 }
 
-TEST(ProcessListPresentation, FormFollowsTheNumberOfMatches) {
-    using enum ProcessListForm;
-    const std::pair<qsizetype, ProcessListForm> cases[] = {
-        {-1, placeholder}, {0, placeholder},   {1, plainStack},
-        {3, plainStack},   {4, scrollingList}, {1000, scrollingList},
-    };
-    for (const auto& [count, form] : cases)
-        EXPECT_EQ(processListForm(count), form) << "n = " << count;
-}
-
 TEST(ProcessListPresentation, DurationTakesTheLargestWholeUnit) {
     const QDateTime now = QDateTime::fromSecsSinceEpoch(1'700'000'000, Qt::UTC);
     const std::tuple<qint64, QString> cases[] = {
