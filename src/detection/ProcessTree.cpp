@@ -377,21 +377,6 @@ QList<DetectedProcessSample> detectCodexProcesses(const QList<ObservedProcess>& 
     return samples;
 }
 
-QList<ObservedProcess> launcherChain(const ObservedProcess& candidate,
-                                     const QHash<qint64, ObservedProcess>& processesByPID) {
-    const auto parentOf = [&](qint64 ppid) -> std::optional<Parent> {
-        const auto it = processesByPID.constFind(ppid);
-        if (it == processesByPID.cend())
-            return std::nullopt;
-        return Parent{&*it, lowerCasedCommand(it->command)};
-    };
-    QList<ObservedProcess> result;
-    for (const ObservedProcess* row :
-         climb(candidate, lowerCasedCommand(candidate.command), parentOf))
-        result.append(*row);
-    return result;
-}
-
 bool isHotState(QStringView state) {
     const QString upper = state.trimmed().toString().toUpper();
     if (upper.isEmpty())

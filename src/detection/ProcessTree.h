@@ -55,12 +55,6 @@ struct DetectedProcessSample {
 detectCodexProcesses(const QList<ObservedProcess>& rows,
                      QSet<qint64>* processesOfInterest = nullptr);
 
-// The front-end first, its root last. Stops at a missing parent, at a parent
-// that is no link, and if a PID repeats within the chain.
-[[nodiscard]] QList<ObservedProcess>
-launcherChain(const ObservedProcess& candidate,
-              const QHash<qint64, ObservedProcess>& processesByPID);
-
 // R, U or D (first character, trimmed, any case).
 [[nodiscard]] bool isHotState(QStringView state);
 

@@ -16,11 +16,6 @@ namespace brenvik {
 
 namespace {
 
-// Both zeros compare equal, so they must hash alike.
-[[nodiscard]] double canonicalZero(double value) noexcept {
-    return value == 0.0 ? 0.0 : value;
-}
-
 // The scan is background work: let every interactive thread go first.
 void lowerOwnThreadPriority() noexcept {
 #ifdef Q_OS_LINUX
@@ -74,28 +69,8 @@ QString rawValue(ProcessActivityStatus status) {
     return QStringLiteral("idle");
 }
 
-std::optional<ProcessActivityStatus> processActivityStatus(QStringView rawValue) {
-    for (const auto status : {ProcessActivityStatus::running, ProcessActivityStatus::waiting,
-                              ProcessActivityStatus::idle}) {
-        if (rawValue == brenvik::rawValue(status))
-            return status;
-    }
-    return std::nullopt;
-}
-
 QString rawValue(StatusSource source) {
     return source == StatusSource::log ? QStringLiteral("log") : QStringLiteral("cpu");
-}
-
-size_t qHash(ProcessActivityStatus status, size_t seed) noexcept {
-    return qHash(rawValue(status), seed);
-}
-
-size_t qHash(const ProcessMatch& match, size_t seed) noexcept {
-    return qHashMulti(seed, match.pid, match.command, rawValue(match.status),
-                      canonicalZero(match.instantaneousCPUPercent),
-                      canonicalZero(match.cumulativeCPUTime), match.memberCount, match.processCount,
-                      match.cwd, match.startedAt ? match.startedAt->toMSecsSinceEpoch() : -1);
 }
 
 CodexRunState CodexRunState::observed(qint64 total, qint64 running, qint64 idle, qint64 waiting,

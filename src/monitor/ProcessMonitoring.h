@@ -26,9 +26,6 @@ enum class ProcessActivityStatus { running, waiting, idle };
 
 // "running" / "waiting" / "idle".
 [[nodiscard]] QString rawValue(ProcessActivityStatus status);
-// Exactly one of the raw values (case-sensitive, untrimmed); anything else: none.
-[[nodiscard]] std::optional<ProcessActivityStatus> processActivityStatus(QStringView rawValue);
-[[nodiscard]] size_t qHash(ProcessActivityStatus status, size_t seed = 0) noexcept;
 
 // What decided a session's status: its session log, or its CPU use.
 enum class StatusSource { cpu, log };
@@ -54,9 +51,6 @@ struct ProcessMatch {
     [[nodiscard]] qint64 id() const noexcept { return pid; }
     friend bool operator==(const ProcessMatch&, const ProcessMatch&) = default;
 };
-
-// Treats -0.0 and 0.0 alike, as equality does.
-[[nodiscard]] size_t qHash(const ProcessMatch& match, size_t seed = 0) noexcept;
 
 namespace detail {
 template <class... Handlers> struct Overloaded : Handlers... { using Handlers::operator()...; };
