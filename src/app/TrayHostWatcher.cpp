@@ -2,6 +2,7 @@
 
 #include <QByteArray>
 #include <QDBusConnection>
+#include <QDBusConnectionInterface>
 #include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
@@ -18,11 +19,19 @@ TrayHostWatcher::TrayHostWatcher(QObject* parent)
     QDBusConnection bus = QDBusConnection::sessionBus();
     if (bus.isConnected()) {
         m_busWatcher.setConnection(bus);
-        m_busWatcher.setWatchMode(QDBusServiceWatcher::WatchForRegistration);
+        m_busWatcher.setWatchMode(QDBusServiceWatcher::WatchForRegistration |
+                                  QDBusServiceWatcher::WatchForUnregistration);
         m_busWatcher.addWatchedService(statusNotifierWatcherService.toString());
         // A watcher that appears (or restarts) may have its host already.
-        connect(&m_busWatcher, &QDBusServiceWatcher::serviceRegistered, this,
-                &TrayHostWatcher::askWatcherForHost);
+        connect(&m_busWatcher, &QDBusServiceWatcher::serviceRegistered, this, [this] {
+            m_statusNotifierWatcherPresent = true;
+            askWatcherForHost();
+        });
+        connect(&m_busWatcher, &QDBusServiceWatcher::serviceUnregistered, this,
+                [this] { m_statusNotifierWatcherPresent = false; });
+        m_statusNotifierWatcherPresent =
+            bus.interface() &&
+            bus.interface()->isServiceRegistered(statusNotifierWatcherService.toString()).value();
         // Subscribed before the first question, so a host registering in
         // between is not missed.
         bus.connect(statusNotifierWatcherService.toString(), statusNotifierWatcherPath.toString(),
@@ -48,7 +57,16 @@ TrayHostWatcher::TrayHostWatcher(QObject* parent)
 TrayHostWatcher::~TrayHostWatcher() = default;
 
 void TrayHostWatcher::check() {
-    if (xembedTrayOwned())
+    if (!xembedTrayOwned()) {
+        m_xembedSeen.invalidate();
+        return;
+    }
+    // Beside a StatusNotifierItem watcher, an XEmbed tray is often a bridge
+    // or the same panel's, whose host registers moments later: give that host
+    // the time to come, or Qt settles on XEmbed.
+    if (!m_xembedSeen.isValid())
+        m_xembedSeen.start();
+    if (!m_statusNotifierWatcherPresent || m_xembedSeen.elapsed() >= xembedGracePeriod.count())
         markAvailable();
 }
 

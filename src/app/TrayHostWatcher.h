@@ -28,6 +28,9 @@ public:
     static constexpr std::chrono::milliseconds xembedPollInterval{1500};
     static constexpr std::chrono::milliseconds xembedSlowPollInterval{10000};
     static constexpr std::chrono::milliseconds xembedFastPollPeriod{60000};
+    // How long an XEmbed tray waits while a StatusNotifierItem watcher has no
+    // host yet.
+    static constexpr std::chrono::milliseconds xembedGracePeriod{3000};
 
     // Looks at once, then keeps watching until a host appears.
     explicit TrayHostWatcher(QObject* parent = nullptr);
@@ -51,9 +54,11 @@ private:
     [[nodiscard]] bool xembedTrayOwned() const;
 
     bool m_hostAvailable = false;
+    bool m_statusNotifierWatcherPresent = false;
     QDBusServiceWatcher m_busWatcher;
     QTimer m_xembedPoll;
     QElapsedTimer m_sinceStart;
+    QElapsedTimer m_xembedSeen; // since an XEmbed tray was first found
 };
 
 } // namespace brenvik
