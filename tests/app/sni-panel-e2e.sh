@@ -46,7 +46,7 @@ fail() {
     echo "sni-e2e FAILED: $*" >&2
     import -window root "$work/failure.png" 2>/dev/null && echo "screen: $work/failure.png" >&2
     local log
-    for log in app panel; do
+    for log in openbox app panel; do
         [[ -f $work/$log.log ]] && sed "s/^/$log: /" "$work/$log.log" | tail -n 40 >&2
     done
     exit 1
