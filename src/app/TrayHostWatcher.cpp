@@ -91,6 +91,8 @@ void TrayHostWatcher::askWatcherForHost() {
         QStringLiteral("org.freedesktop.DBus.Properties"), QStringLiteral("Get"));
     get << statusNotifierWatcherService.toString()
         << QStringLiteral("IsStatusNotifierHostRegistered");
+    // Asking must not start a watcher that the desktop did not.
+    get.setAutoStartService(false);
     auto* pending = new QDBusPendingCallWatcher(QDBusConnection::sessionBus().asyncCall(get), this);
     connect(pending, &QDBusPendingCallWatcher::finished, this,
             [this](QDBusPendingCallWatcher* call) {
