@@ -18,6 +18,8 @@ packages=(
   desktop-file-utils appstream
   # end-to-end: display server, tray host, window manager, input and pixels, private bus
   xvfb xauth trayer openbox xdotool x11-utils imagemagick dbus-daemon dbus-bin dunst
+  # end-to-end with a real StatusNotifierItem host: Xfce's panel and its settings daemon
+  xfce4-panel xfconf
   # end-to-end with the real Codex CLI: its TUI runs in tmux
   tmux
 )

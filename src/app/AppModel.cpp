@@ -74,6 +74,10 @@ AppModel::AppModel(Parts parts, QObject* parent)
         bus = dbus;
     }
     m_notifier = std::make_unique<DesktopNotifier>(*bus);
+    const TraySurface& tray = m_statusItem->surface();
+    m_controlPanel->setTrayHostAvailable(tray.hostAvailable());
+    connect(&tray, &TraySurface::hostAvailableChanged, this,
+            [this](bool available) { m_controlPanel->setTrayHostAvailable(available); });
     // Queued: the monitor stores lastUpdated only after announcing it.
     connect(
         m_monitor.get(), &CodexProcessMonitor::lastUpdatedChanged, this,

@@ -1,6 +1,7 @@
 #include "app/ControlPanelController.h"
 
 #include "views/ControlPanelView.h"
+#include "views/StatusPresentation.h"
 
 #include <QGuiApplication>
 #include <QScreen>
@@ -32,6 +33,14 @@ void ControlPanelController::show() {
     m_window->activateWindow();
 }
 
+void ControlPanelController::setTrayHostAvailable(bool available) {
+    m_trayHostAvailable = available;
+    if (m_view) {
+        m_view->setMissingTrayText(
+            available ? QString() : missingTrayText(qEnvironmentVariable("XDG_CURRENT_DESKTOP")));
+    }
+}
+
 void ControlPanelController::buildWindow() {
     // Titled, closable and minimisable; a fixed-size window has nothing to maximise.
     m_window = std::make_unique<QWidget>(
@@ -44,6 +53,8 @@ void ControlPanelController::buildWindow() {
     auto* view = new ControlPanelView(m_monitor, m_launchAtLogin, m_appVisibility, m_actions,
                                       nullptr, m_notifications);
     layout->addWidget(view);
+    m_view = view;
+    setTrayHostAvailable(m_trayHostAvailable);
     // Not resizable; closing hides the window, which stays for the next show().
     // Its natural size, but never beyond the screen: then the list gives way.
     view->ensurePolished(); // fonts and styles decide the sizes

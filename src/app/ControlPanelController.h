@@ -8,6 +8,7 @@ namespace brenvik {
 
 class AppVisibilityController;
 class CodexProcessMonitor;
+class ControlPanelView;
 class LaunchAtLoginController;
 class NotificationsController;
 class ViewActions;
@@ -32,6 +33,9 @@ public:
     // None until the first show().
     [[nodiscard]] QWidget* window() const noexcept { return m_window.get(); }
 
+    // While no tray host is there, the panel says so and what to install.
+    void setTrayHostAvailable(bool available);
+
 private:
     void buildWindow();
 
@@ -40,7 +44,9 @@ private:
     AppVisibilityController& m_appVisibility;
     ViewActions& m_actions;
     NotificationsController* m_notifications;
+    bool m_trayHostAvailable = true;
     std::unique_ptr<QWidget> m_window;
+    ControlPanelView* m_view = nullptr; // owned by m_window
 };
 
 } // namespace brenvik

@@ -16,6 +16,10 @@ namespace {
 // (Qt closes popups on any press outside them) and then arrives as a click on
 // the icon. Within this time after closing, that click only closes.
 constexpr qint64 closingClickMilliseconds = 300;
+// Hosts that say nothing of the icon's place are clicked on it, so the cursor
+// stands in for it: as a square the size of a panel icon, to keep the popover
+// off the icon even where the panel reserves no room at the screen's edge.
+constexpr int cursorIconSize = 24;
 
 } // namespace
 
@@ -50,7 +54,11 @@ void PopoverWindow::toggle(const QRect& anchor) {
 }
 
 void PopoverWindow::open(const QRect& anchor) {
-    const QRect target = anchor.isEmpty() ? QRect(QCursor::pos(), QSize(1, 1)) : anchor;
+    QRect target = anchor;
+    if (target.isEmpty()) {
+        target.setSize({cursorIconSize, cursorIconSize});
+        target.moveCenter(QCursor::pos());
+    }
     QScreen* screen = QGuiApplication::screenAt(target.center());
     if (!screen)
         screen = QGuiApplication::primaryScreen();

@@ -19,8 +19,8 @@ public:
     void setContent(QWidget* content);
     [[nodiscard]] QWidget* content() const noexcept { return m_content; }
 
-    // Opens the popover next to `anchor` (global coordinates; empty: at the
-    // cursor) when it is closed, closes it when it is open.
+    // Opens the popover next to `anchor` (global coordinates; empty: an icon
+    // under the cursor) when it is closed, closes it when it is open.
     void toggle(const QRect& anchor);
     void open(const QRect& anchor);
 

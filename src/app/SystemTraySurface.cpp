@@ -13,8 +13,11 @@ SystemTraySurface::SystemTraySurface(ViewActions& actions, QObject* parent)
     m_menu.addSeparator();
     m_menu.addAction(QStringLiteral("Quit"), this, [&actions] { actions.quit(); });
 
-    connect(&m_hostWatcher, &TrayHostWatcher::hostAvailableChanged, this,
-            &SystemTraySurface::createTrayIcon);
+    connect(&m_hostWatcher, &TrayHostWatcher::hostAvailableChanged, this, [this] {
+        setHostAvailable(true);
+        createTrayIcon();
+    });
+    setHostAvailable(m_hostWatcher.hostAvailable());
     if (m_hostWatcher.hostAvailable())
         createTrayIcon();
 }

@@ -3,6 +3,10 @@
 #include <QByteArray>
 #include <QDBusConnection>
 #include <QDBusConnectionInterface>
+#include <QDBusMessage>
+#include <QDBusPendingCallWatcher>
+#include <QDBusPendingReply>
+#include <QDBusVariant>
 #include <QGuiApplication>
 #include <QtGui/qguiapplication_platform.h>
 #include <cstdlib>
@@ -12,13 +16,28 @@ namespace brenvik {
 
 TrayHostWatcher::TrayHostWatcher(QObject* parent)
     : QObject(parent) {
-    const QDBusConnection bus = QDBusConnection::sessionBus();
+    QDBusConnection bus = QDBusConnection::sessionBus();
     if (bus.isConnected()) {
         m_busWatcher.setConnection(bus);
-        m_busWatcher.setWatchMode(QDBusServiceWatcher::WatchForRegistration);
+        m_busWatcher.setWatchMode(QDBusServiceWatcher::WatchForRegistration |
+                                  QDBusServiceWatcher::WatchForUnregistration);
         m_busWatcher.addWatchedService(statusNotifierWatcherService.toString());
-        connect(&m_busWatcher, &QDBusServiceWatcher::serviceRegistered, this,
-                &TrayHostWatcher::markAvailable);
+        // A watcher that appears (or restarts) may have its host already.
+        connect(&m_busWatcher, &QDBusServiceWatcher::serviceRegistered, this, [this] {
+            m_statusNotifierWatcherPresent = true;
+            askWatcherForHost();
+        });
+        connect(&m_busWatcher, &QDBusServiceWatcher::serviceUnregistered, this,
+                [this] { m_statusNotifierWatcherPresent = false; });
+        m_statusNotifierWatcherPresent =
+            bus.interface() &&
+            bus.interface()->isServiceRegistered(statusNotifierWatcherService.toString()).value();
+        // Subscribed before the first question, so a host registering in
+        // between is not missed.
+        bus.connect(statusNotifierWatcherService.toString(), statusNotifierWatcherPath.toString(),
+                    statusNotifierWatcherService.toString(),
+                    QStringLiteral("StatusNotifierHostRegistered"), this, SLOT(markAvailable()));
+        askWatcherForHost();
     }
     auto* x11 = qGuiApp ? qGuiApp->nativeInterface<QNativeInterface::QX11Application>() : nullptr;
     if (x11 && x11->connection()) {
@@ -38,7 +57,16 @@ TrayHostWatcher::TrayHostWatcher(QObject* parent)
 TrayHostWatcher::~TrayHostWatcher() = default;
 
 void TrayHostWatcher::check() {
-    if (statusNotifierWatcherRegistered() || xembedTrayOwned())
+    if (!xembedTrayOwned()) {
+        m_xembedSeen.invalidate();
+        return;
+    }
+    // Beside a StatusNotifierItem watcher, an XEmbed tray is often a bridge
+    // or the same panel's, whose host registers moments later: give that host
+    // the time to come, or Qt settles on XEmbed.
+    if (!m_xembedSeen.isValid())
+        m_xembedSeen.start();
+    if (!m_statusNotifierWatcherPresent || m_xembedSeen.elapsed() >= xembedGracePeriod.count())
         markAvailable();
 }
 
@@ -48,14 +76,31 @@ void TrayHostWatcher::markAvailable() {
     m_hostAvailable = true;
     m_xembedPoll.stop();
     m_busWatcher.setWatchedServices({});
+    QDBusConnection::sessionBus().disconnect(
+        statusNotifierWatcherService.toString(), statusNotifierWatcherPath.toString(),
+        statusNotifierWatcherService.toString(), QStringLiteral("StatusNotifierHostRegistered"),
+        this, SLOT(markAvailable()));
     Q_EMIT hostAvailableChanged(true);
 }
 
-bool TrayHostWatcher::statusNotifierWatcherRegistered() const {
-    const QDBusConnection bus = QDBusConnection::sessionBus();
-    if (!bus.isConnected() || !bus.interface())
-        return false;
-    return bus.interface()->isServiceRegistered(statusNotifierWatcherService.toString()).value();
+void TrayHostWatcher::askWatcherForHost() {
+    if (m_hostAvailable)
+        return;
+    QDBusMessage get = QDBusMessage::createMethodCall(
+        statusNotifierWatcherService.toString(), statusNotifierWatcherPath.toString(),
+        QStringLiteral("org.freedesktop.DBus.Properties"), QStringLiteral("Get"));
+    get << statusNotifierWatcherService.toString()
+        << QStringLiteral("IsStatusNotifierHostRegistered");
+    // Asking must not start a watcher that the desktop did not.
+    get.setAutoStartService(false);
+    auto* pending = new QDBusPendingCallWatcher(QDBusConnection::sessionBus().asyncCall(get), this);
+    connect(pending, &QDBusPendingCallWatcher::finished, this,
+            [this](QDBusPendingCallWatcher* call) {
+                call->deleteLater();
+                const QDBusPendingReply<QDBusVariant> reply = *call;
+                if (!reply.isError() && reply.value().variant().toBool())
+                    markAvailable();
+            });
 }
 
 bool TrayHostWatcher::xembedTrayOwned() const {

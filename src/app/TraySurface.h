@@ -11,9 +11,14 @@ namespace brenvik {
 // recorder in tests.
 class TraySurface : public QObject {
     Q_OBJECT
+    // Whether a tray exists to show the icon in; the control panel says so
+    // while none does.
+    Q_PROPERTY(bool hostAvailable READ hostAvailable NOTIFY hostAvailableChanged)
 
 public:
     using QObject::QObject;
+
+    [[nodiscard]] bool hostAvailable() const noexcept { return m_hostAvailable; }
 
     virtual void setIcon(const QIcon& icon) = 0;
     virtual void setToolTip(const QString& text) = 0;
@@ -24,6 +29,18 @@ public:
 Q_SIGNALS:
     // A left click (or the host's "activate") on the icon.
     void triggered();
+    void hostAvailableChanged(bool hostAvailable);
+
+protected:
+    void setHostAvailable(bool available) {
+        if (m_hostAvailable == available)
+            return;
+        m_hostAvailable = available;
+        Q_EMIT hostAvailableChanged(available);
+    }
+
+private:
+    bool m_hostAvailable = true;
 };
 
 } // namespace brenvik

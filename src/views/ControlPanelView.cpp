@@ -14,6 +14,7 @@ namespace brenvik {
 namespace {
 constexpr int kPadding = 18;
 constexpr int kSectionSpacing = 14;
+constexpr int kHeaderSpacing = 6;
 constexpr int kPreferencesHeight = 120;
 constexpr int kProcessListHeight = 126;
 // One row: when failure texts crowd the preferences, the other rows scroll.
@@ -33,6 +34,7 @@ ControlPanelView::ControlPanelView(CodexProcessMonitor& monitor,
                                    QWidget* parent, NotificationsController* notifications)
     : MonitorStatusView(monitor, actions, parent)
     , m_errorLine(new ElidingLabel(TextStyle::footnote, NamedColor::red, this))
+    , m_missingTrayLine(new ElidingLabel(TextStyle::footnote, NamedColor::red, this))
     , m_preferences(new PreferencesControlsView(launchAtLogin, appVisibility, this, notifications))
     , m_processList(new ProcessListSectionView(monitor, this))
     , m_lastUpdated(new LastUpdatedLabel(monitor.lastUpdated(), this))
@@ -41,10 +43,14 @@ ControlPanelView::ControlPanelView(CodexProcessMonitor& monitor,
     setAutoFillBackground(true);
     setBackgroundRole(QPalette::Window);
 
-    auto* top = stack(6);
+    auto* top = stack(kHeaderSpacing);
     top->addWidget(header());
     top->addWidget(m_errorLine);
     m_errorLine->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    top->addWidget(m_missingTrayLine);
+    // Selectable: the package name is there to be copied.
+    m_missingTrayLine->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    m_missingTrayLine->hide();
 
     auto* preferences = new QWidget(this);
     preferences->setMinimumHeight(kPreferencesHeight);
@@ -107,7 +113,16 @@ QSize ControlPanelView::naturalSize() const {
     const int height = layout()->hasHeightForWidth() ? layout()->totalHeightForWidth(width)
                                                      : layout()->totalSizeHint().height();
     m_processList->setMinimumHeight(kProcessListMinimumHeight);
-    return {width, std::max(kHeight, height)};
+    // The missing-tray line lasts only until a tray comes: meanwhile the list
+    // gives way to it, rather than the window growing for good.
+    const int missingTray =
+        m_missingTrayLine->isHidden() ? 0 : m_missingTrayLine->sizeHint().height() + kHeaderSpacing;
+    return {width, std::max(kHeight, height - missingTray)};
+}
+
+void ControlPanelView::setMissingTrayText(const QString& text) {
+    m_missingTrayLine->setFullText(text);
+    m_missingTrayLine->setVisible(!text.isEmpty());
 }
 
 void ControlPanelView::updateFromMonitor() {

@@ -13,8 +13,8 @@ class PreferencesControlsView;
 class ProcessListSectionView;
 class StyledButton;
 
-// The whole control panel, 420 × 480: header with the error line,
-// preferences, the process list, the last refresh time, "Refresh Now" (also
+// The whole control panel, 420 × 480: header with the error line and the
+// missing-tray line, preferences, the process list, the last refresh time, "Refresh Now" (also
 // the R key) and "Quit".
 class ControlPanelView : public MonitorStatusView {
     Q_OBJECT
@@ -32,6 +32,9 @@ public:
     [[nodiscard]] QSize naturalSize() const;
 
     [[nodiscard]] ElidingLabel* errorLine() const noexcept { return m_errorLine; }
+    // Shown while `text` is not empty: no tray shows the icon.
+    void setMissingTrayText(const QString& text);
+    [[nodiscard]] ElidingLabel* missingTrayLine() const noexcept { return m_missingTrayLine; }
     [[nodiscard]] PreferencesControlsView* preferences() const noexcept { return m_preferences; }
     [[nodiscard]] ProcessListSectionView* processList() const noexcept { return m_processList; }
     [[nodiscard]] LastUpdatedLabel* lastUpdatedLabel() const noexcept { return m_lastUpdated; }
@@ -42,6 +45,7 @@ private:
     void updateFromMonitor() override;
 
     ElidingLabel* m_errorLine;
+    ElidingLabel* m_missingTrayLine;
     PreferencesControlsView* m_preferences;
     ProcessListSectionView* m_processList;
     LastUpdatedLabel* m_lastUpdated;

@@ -29,4 +29,14 @@ QString waitingText(const CodexRunState& state) {
     return QStringLiteral("Waiting for you: ") + observed->waitingProjects.join(u", ");
 }
 
+QString missingTrayText(QStringView currentDesktop) {
+    // GNOME has no tray of its own; elsewhere a panel usually has one to add.
+    for (const QStringView desktop : currentDesktop.split(u':')) {
+        if (desktop.compare(u"GNOME", Qt::CaseInsensitive) == 0)
+            return QStringLiteral(
+                "No tray for the icon: install gnome-shell-extension-appindicator");
+    }
+    return QStringLiteral("No tray for the icon: add one to your panel, or install trayer");
+}
+
 } // namespace brenvik

@@ -22,4 +22,8 @@ enum class StateColor { green, yellow, violet, red };
 // while none does.
 [[nodiscard]] QString waitingText(const CodexRunState& state);
 
+// The one line saying that no tray shows the icon and what to install, for
+// the desktop named by XDG_CURRENT_DESKTOP (a colon-separated list).
+[[nodiscard]] QString missingTrayText(QStringView currentDesktop);
+
 } // namespace brenvik

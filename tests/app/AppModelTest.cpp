@@ -6,6 +6,8 @@
 #include "preferences/LaunchAtLoginController.h"
 #include "preferences/NotificationsController.h"
 #include "tests/app/ShellTestSupport.h"
+#include "views/ControlPanelView.h"
+#include "views/ViewStyle.h"
 
 #include <QApplication>
 #include <QSettings>
@@ -169,6 +171,40 @@ TEST_F(Startup, RefreshNowRereadsTheLoginItemThenRefreshes) {
     m_scan.release();
     ASSERT_TRUE(test::waitForRefreshToEnd(model.monitor()));
     EXPECT_EQ(m_scan.started(), 1);
+}
+
+TEST_F(Startup, ThePanelSaysInOneLineWhileNoTrayShowsTheIcon) {
+    m_surface.setHostAvailable(false);
+    AppModel& model = makeModel();
+    model.bootstrap();
+    QApplication::processEvents();
+    ASSERT_NE(model.controlPanel().window(), nullptr);
+    QWidget& window = *model.controlPanel().window();
+    const ElidingLabel& line = *window.findChild<ControlPanelView*>()->missingTrayLine();
+    EXPECT_TRUE(line.isVisible()) << "no tray at start";
+
+    const QByteArray desktopBefore = qgetenv("XDG_CURRENT_DESKTOP");
+    const std::pair<const char*, QString> cases[] = {
+        {"GNOME", u"gnome-shell-extension-appindicator"_s},
+        {"ubuntu:GNOME", u"gnome-shell-extension-appindicator"_s},
+        {"KDE", u"trayer"_s},
+        {"", u"trayer"_s},
+    };
+    for (const auto& [desktop, package] : cases) {
+        m_surface.setHostAvailable(true);
+        QApplication::processEvents();
+        EXPECT_FALSE(line.isVisible()) << desktop << ": shown while a tray is there";
+        qputenv("XDG_CURRENT_DESKTOP", desktop);
+        m_surface.setHostAvailable(false);
+        QApplication::processEvents();
+        EXPECT_TRUE(line.isVisible()) << desktop;
+        EXPECT_TRUE(line.fullText().contains(package))
+            << desktop << ": " << line.fullText().toStdString();
+        EXPECT_EQ(line.text(), line.fullText()) << desktop << ": clipped";
+        EXPECT_GE(line.height(), line.sizeHint().height()) << desktop << ": cut off";
+        EXPECT_EQ(window.size(), QSize(420, 480)) << desktop;
+    }
+    qputenv("XDG_CURRENT_DESKTOP", desktopBefore);
 }
 
 } // namespace

@@ -1,14 +1,18 @@
 // A stand-in for a StatusNotifierItem panel: owns org.kde.StatusNotifierWatcher
-// on the session bus, says a host is there, and prints one line
-// "registered SERVICE" for every item that registers, so the end-to-end test
-// can talk to the item itself.
+// on the session bus, says a host is there (with --host-after SECONDS only
+// that long after it started, as a panel whose host comes up after the
+// watcher does), and prints one line "registered SERVICE" for every item that
+// registers, so the end-to-end test can talk to the item itself.
 #include <QCoreApplication>
 #include <QDBusConnection>
 #include <QDBusConnectionInterface>
 #include <QDBusMessage>
 #include <QObject>
 #include <QStringList>
+#include <QTimer>
 #include <cstdio>
+
+using namespace Qt::StringLiterals;
 
 namespace {
 
@@ -20,7 +24,12 @@ class FakeWatcher : public QObject {
     Q_PROPERTY(QStringList RegisteredStatusNotifierItems READ registeredItems)
 
 public:
-    [[nodiscard]] bool isHostRegistered() const { return true; }
+    [[nodiscard]] bool isHostRegistered() const { return m_hostRegistered; }
+    void setHostRegistered(bool registered) { m_hostRegistered = registered; }
+    void registerHost() {
+        m_hostRegistered = true;
+        Q_EMIT StatusNotifierHostRegistered();
+    }
     [[nodiscard]] int protocolVersion() const { return 0; }
     [[nodiscard]] QStringList registeredItems() const { return m_items; }
 
@@ -41,6 +50,7 @@ Q_SIGNALS:
     void StatusNotifierHostRegistered();
 
 private:
+    bool m_hostRegistered = true;
     QStringList m_items;
 };
 
@@ -50,6 +60,12 @@ int main(int argc, char** argv) {
     QCoreApplication app(argc, argv);
     QDBusConnection bus = QDBusConnection::sessionBus();
     FakeWatcher watcher;
+    const QStringList arguments = QCoreApplication::arguments();
+    if (const qsizetype at = arguments.indexOf(u"--host-after"_s);
+        at > 0 && at + 1 < arguments.size()) {
+        watcher.setHostRegistered(false);
+        QTimer::singleShot(arguments[at + 1].toInt() * 1000, &watcher, &FakeWatcher::registerHost);
+    }
     if (!bus.registerObject(QStringLiteral("/StatusNotifierWatcher"), &watcher,
                             QDBusConnection::ExportAllContents) ||
         !bus.registerService(QStringLiteral("org.kde.StatusNotifierWatcher"))) {

@@ -13,6 +13,7 @@ public:
     void setToolTip(const QString& text) override { toolTips.append(text); }
     [[nodiscard]] QRect geometry() const override { return iconGeometry; }
     void click() { Q_EMIT triggered(); }
+    using TraySurface::setHostAvailable;
 
     QList<QIcon> icons;
     QList<QString> toolTips;

@@ -19,6 +19,10 @@ brenvik_add_test(NAME brenvik_tray_e2e
   COMMAND ${CMAKE_CURRENT_LIST_DIR}/tray-e2e.sh $<TARGET_FILE:brenvik>
           $<TARGET_FILE:brenvik-fake-sni-watcher>
   SERIAL LABELS e2e TIMEOUT 300)
+# End to end with a real StatusNotifierItem host: Xfce's panel, started after the app.
+brenvik_add_test(NAME brenvik_sni_panel_e2e
+  COMMAND ${CMAKE_CURRENT_LIST_DIR}/sni-panel-e2e.sh $<TARGET_FILE:brenvik>
+  SERIAL LABELS e2e TIMEOUT 120)
 
 # What `cmake --install --strip` puts on a machine, validated as desktops read it.
 brenvik_add_test(NAME brenvik_install_check

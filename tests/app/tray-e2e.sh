@@ -7,7 +7,8 @@
 #     Control Panel" brings back and activates the closed panel, a second launch
 #     restores the minimised panel and exits 0, "Quit" ends the process with status 0;
 #  2. the tray host starts a few seconds after the app: the icon still appears;
-#  3. no XEmbed host, a fake StatusNotifierWatcher instead: the item registers,
+#  3. no XEmbed host, a fake StatusNotifierWatcher instead, whose host registers
+#     only 5 s after the watcher appears (as on KDE): the item still registers,
 #     its ToolTip carries the detail text, and Activate opens the popover fully
 #     on screen although the host reports no geometry;
 #  4. dunst as notification server: a session that works and goes quiet gives
@@ -310,10 +311,10 @@ stop "$trayer_pid"
 # === run 3: a StatusNotifierItem host that reports no geometry ================
 start_app
 wait_until 20 panel_is_mapped || fail "control panel not mapped (StatusNotifierItem run)"
-start "$work/watcher.log" "$fake_watcher"
+start "$work/watcher.log" "$fake_watcher" --host-after 5
 wait_until 20 grep -q '^registered ' "$work/watcher.log" || fail "the app registered no item"
 item=$(sed -n 's/^registered //p' "$work/watcher.log" | head -n1)
-log "item registered as $item"
+log "item registered as $item once the host came, 5 s after the watcher"
 tooltip_has_detail() {
     dbus-send --session --print-reply --dest="$item" /StatusNotifierItem \
         org.freedesktop.DBus.Properties.Get string:org.kde.StatusNotifierItem string:ToolTip |

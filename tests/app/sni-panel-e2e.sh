@@ -1,0 +1,248 @@
+#!/usr/bin/env bash
+# The tray program with a real StatusNotifierItem host: Xfce's panel with its
+# systray plugin, started 5 s after the app (as autostart often has it), under
+# Xvfb and openbox on a private session bus. The item registers with the
+# panel's watcher and its icon shows in the panel; a right click opens the
+# panel's menu with "Open Control Panel", "Refresh Now" and "Quit"; a left
+# click (the panel calls Activate) opens the popover just below the icon, and
+# Activate sent on the bus opens it too; "Quit" from the panel's menu ends the
+# app with status 0.
+# Usage: sni-panel-e2e.sh BRENVIK
+set -euo pipefail
+
+app=$1
+
+if [[ -z ${BRENVIK_SNI_PRIVATE_BUS:-} ]]; then
+    BRENVIK_SNI_PRIVATE_BUS=1 exec dbus-run-session -- "$0" "$@"
+fi
+
+export QT_QPA_PLATFORM=xcb
+# No accessibility bus: the panel would have the session bus start one.
+export NO_AT_BRIDGE=1
+# libxkbcommon-x11 hands strndup() names that are not NUL-terminated.
+export ASAN_OPTIONS=${ASAN_OPTIONS//strict_string_checks=1/strict_string_checks=0}
+work=${BRENVIK_TEST_SCRATCH:-$(mktemp -d)}/sni
+mkdir -p "$work"
+
+# Each helper runs in a process group of its own, so that ending it also ends
+# what it started (the panel runs its plugins in wrapper processes).
+groups=()
+finish() {
+    local group
+    for group in "${groups[@]}"; do kill -TERM -- "-$group" 2>/dev/null || true; done
+    for group in "${groups[@]}"; do wait "$group" 2>/dev/null || true; done
+}
+trap finish EXIT
+spawn() { # spawn NAME COMMAND... ; the PID (and group) lands in $spawned
+    local name=$1
+    shift
+    setsid "$@" >"$work/$name.log" 2>&1 &
+    spawned=$!
+    groups+=("$spawned")
+}
+
+say() { echo "sni-e2e: $*"; }
+fail() {
+    echo "sni-e2e FAILED: $*" >&2
+    import -window root "$work/failure.png" 2>/dev/null && echo "screen: $work/failure.png" >&2
+    local log
+    for log in openbox app panel; do
+        [[ -f $work/$log.log ]] && sed "s/^/$log: /" "$work/$log.log" | tail -n 40 >&2
+    done
+    exit 1
+}
+# poll SECONDS COMMAND...: until the command succeeds, five times a second.
+poll() {
+    local tries=$(($1 * 5))
+    shift
+    while ! "$@"; do
+        ((--tries > 0)) || return 1
+        sleep 0.2
+    done
+}
+
+# --- an X display with a window manager and the panel's settings store ----------
+exec 3>"$work/display"
+spawn xvfb Xvfb -displayfd 3 -screen 0 1024x700x24 -nolisten tcp
+exec 3>&-
+poll 20 test -s "$work/display" || fail "Xvfb did not start"
+export DISPLAY=:$(head -n1 "$work/display")
+spawn openbox openbox --sm-disable
+poll 20 sh -c 'xprop -root _NET_SUPPORTING_WM_CHECK | grep -q "window id"' ||
+    fail "openbox did not start"
+
+# One panel along the top: a stretching separator, then the systray (which
+# hosts StatusNotifierItems too). With its settings in place the panel asks
+# nothing on first start.
+settings=$XDG_CONFIG_HOME/xfce4/xfconf/xfce-perchannel-xml
+mkdir -p "$settings"
+cat >"$settings/xfce4-panel.xml" <<'EOF'
+<?xml version="1.0" encoding="UTF-8"?>
+<channel name="xfce4-panel" version="1.0">
+  <property name="configver" type="int" value="2"/>
+  <property name="panels" type="array">
+    <value type="int" value="1"/>
+    <property name="panel-1" type="empty">
+      <property name="position" type="string" value="p=6;x=0;y=0"/>
+      <property name="length" type="uint" value="100"/>
+      <property name="position-locked" type="bool" value="true"/>
+      <property name="size" type="uint" value="28"/>
+      <property name="plugin-ids" type="array">
+        <value type="int" value="1"/>
+        <value type="int" value="2"/>
+      </property>
+    </property>
+  </property>
+  <property name="plugins" type="empty">
+    <property name="plugin-1" type="string" value="separator">
+      <property name="expand" type="bool" value="true"/>
+      <property name="style" type="uint" value="0"/>
+    </property>
+    <property name="plugin-2" type="string" value="systray"/>
+  </property>
+</channel>
+EOF
+# Started here rather than by the bus, so it reads the settings above and ends
+# with the test.
+xfconfd=$(compgen -G '/usr/lib/*/xfce4/xfconf/xfconfd' | head -n1) || fail "no xfconfd installed"
+spawn xfconfd "$xfconfd"
+
+# --- the app first, the panel 5 s later -------------------------------------------
+bus_has() {
+    dbus-send --session --print-reply --dest=org.freedesktop.DBus /org/freedesktop/DBus \
+        org.freedesktop.DBus.NameHasOwner "string:$1" 2>/dev/null | grep -q 'boolean true'
+}
+spawn app "$app" --autostart
+app_pid=$spawned
+poll 20 bus_has io.github.brenvik.Brenvik || fail "the app did not start"
+sleep 5 # the app is up without a tray; now the session's panel comes
+spawn panel xfce4-panel
+say "panel started 5 s after the app"
+
+# The item the panel's watcher knows, as "SERVICE/PATH".
+registered_item() {
+    dbus-send --session --print-reply --dest=org.kde.StatusNotifierWatcher /StatusNotifierWatcher \
+        org.freedesktop.DBus.Properties.Get string:org.kde.StatusNotifierWatcher \
+        string:RegisteredStatusNotifierItems 2>/dev/null | sed -n 's/^ *string "\(.*\)"$/\1/p'
+}
+item_registered() { [[ -n $(registered_item) ]]; }
+poll 30 item_registered || fail "the app's item never registered with the panel's watcher"
+item=$(registered_item)
+item=${item%%/*}
+say "item registered as $item"
+
+# The panel: its window along the top. The icon: the box of saturated pixels
+# in it (the dot in its state colour on the panel's grey).
+panel_height() {
+    xwininfo -root -tree |
+        sed -n 's/^ *0x[0-9a-f]* "xfce4-panel": ("xfce4-panel" "Xfce4-panel")  1024x\([0-9]*\)+0+0 .*/\1/p' |
+        head -n1 | grep .
+}
+poll 20 panel_height >/dev/null || fail "no panel window along the top"
+panel_h=$(panel_height)
+icon_box() { # prints "X Y W H" of the icon in the panel
+    import -window root -crop "1024x${panel_h}+0+0" "$work/strip.png" 2>/dev/null || return 1
+    convert "$work/strip.png" -depth 8 txt:- |
+        sed -n 's/^\([0-9]*\),\([0-9]*\): *(\([0-9]*\),\([0-9]*\),\([0-9]*\).*/\1 \2 \3 \4 \5/p' |
+        awk '{ hi = $3; lo = $3
+               if ($4 > hi) hi = $4; if ($5 > hi) hi = $5
+               if ($4 < lo) lo = $4; if ($5 < lo) lo = $5 }
+             hi - lo > 80 { n++
+                            if (n == 1 || $1 < x0) x0 = $1; if ($1 > x1) x1 = $1
+                            if (n == 1 || $2 < y0) y0 = $2; if ($2 > y1) y1 = $2 }
+             END { if (n < 20) exit 1; print x0, y0, x1 - x0 + 1, y1 - y0 + 1 }'
+}
+poll 20 icon_box >/dev/null || fail "no icon in the panel"
+read -r ix iy iw ih < <(icon_box)
+say "icon ${iw}x${ih} at +$ix+$iy in the ${panel_h} px panel"
+cp "$work/strip.png" "$work/icon-in-panel.png"
+
+# --- right click: the panel's menu, built from the item's exported menu ----------
+menu_labels() {
+    local path
+    path=$(dbus-send --session --print-reply --dest="$item" /StatusNotifierItem \
+        org.freedesktop.DBus.Properties.Get string:org.kde.StatusNotifierItem string:Menu |
+        sed -n 's/.*object path "\(.*\)"/\1/p')
+    dbus-send --session --print-reply --dest="$item" "$path" com.canonical.dbusmenu.GetLayout \
+        int32:0 int32:-1 array:string:label | grep -A1 'string "label"' |
+        sed -n 's/.*variant *string "\(.*\)"/\1/p'
+}
+labels=$(menu_labels | paste -sd '|')
+[[ $labels == "Open Control Panel|Refresh Now|Quit" ]] || fail "the item's menu holds: $labels"
+# A menu the panel shows: a window of its, mapped just below the panel.
+panel_menu_shown() {
+    local id w h y
+    while read -r id w h y; do
+        ((w > 100 && h > 40 && y >= panel_h - 2 && y <= panel_h + 8)) || continue
+        xwininfo -id "$id" | grep -q 'Map State: IsViewable' && return 0
+    done < <(xwininfo -root -tree |
+        sed -n 's/^ *\(0x[0-9a-f]*\) "[^"]*": ("\(wrapper-2.0\|xfce4-panel\)" .*  \([0-9]*\)x\([0-9]*\)+-*[0-9]*+-*[0-9]*  +[-0-9]*+\([-0-9]*\)$/\1 \3 \4 \5/p')
+    return 1
+}
+click_icon() { xdotool mousemove $((ix + iw / 2)) $((iy + ih / 2)) click "$1"; }
+open_menu() { # a click that lands while the panel is still busy can get lost: click again
+    local attempt
+    for attempt in 1 2 3; do
+        click_icon 3
+        poll 5 panel_menu_shown && return 0
+    done
+    return 1
+}
+open_menu || fail "a right click on the icon opened no menu"
+import -window root "$work/menu.png"
+say "a right click opened the panel's menu: $labels"
+xdotool key Escape
+poll 10 eval '! panel_menu_shown' || fail "the menu did not close"
+
+# --- left click: Activate, the popover just below the icon ------------------------
+popover_geometry() { # "W H X Y" of the mapped popover
+    local id
+    id=$(xwininfo -root -tree | sed -n 's/^ *\(0x[0-9a-f]*\) "Brenvik Popover": .*/\1/p' | head -n1)
+    [[ -n $id ]] && xwininfo -id "$id" | grep -q 'Map State: IsViewable' || return 1
+    xwininfo -id "$id" | awk '/Absolute upper-left X/ { x = $NF } /Absolute upper-left Y/ { y = $NF }
+                               /Width:/ { w = $NF } /Height:/ { h = $NF } END { print w, h, x, y }'
+}
+popover_shown() { popover_geometry >/dev/null; }
+popover_closed() { ! popover_shown; }
+click_icon 1
+poll 20 popover_shown || fail "a left click on the icon opened no popover"
+read -r pw ph px py < <(popover_geometry)
+import -window root "$work/popover.png"
+((py >= panel_h && py <= panel_h + 12)) ||
+    fail "popover at y=$py is not just below the ${panel_h} px panel"
+((px <= ix + iw && px + pw >= ix && px + pw <= 1024)) ||
+    fail "popover x $px..$((px + pw)) is not by the icon at x $ix..$((ix + iw))"
+say "a left click opened the popover ${pw}x${ph} at +$px+$py, below the icon at +$ix+$iy"
+xdotool key Escape
+poll 10 popover_closed || fail "Escape did not close the popover"
+
+# Activate sent on the bus, the pointer resting on the icon as after a click.
+# Just after closing, the popover takes a click on the icon as the one that
+# closed it: send again, as a person would click again.
+activate() {
+    local attempt
+    for attempt in 1 2 3; do
+        dbus-send --session --print-reply --dest="$item" /StatusNotifierItem \
+            org.kde.StatusNotifierItem.Activate int32:0 int32:0 >/dev/null
+        poll 5 popover_shown && return 0
+    done
+    return 1
+}
+xdotool mousemove $((ix + iw / 2)) $((iy + ih / 2))
+activate || fail "Activate on the bus opened no popover"
+read -r pw ph px py < <(popover_geometry)
+((py >= panel_h && py <= panel_h + 12 && px <= ix + iw && px + pw >= ix)) ||
+    fail "after Activate the popover ${pw}x${ph}+$px+$py is not below the icon"
+say "Activate on the bus opened it there too"
+xdotool key Escape
+poll 10 popover_closed || fail "Escape did not close the popover"
+
+# --- "Quit" from the panel's menu -------------------------------------------------
+app_ended() { [[ ! -e /proc/$app_pid ]] || grep -q '^State:[[:space:]]*Z' "/proc/$app_pid/status"; }
+open_menu || fail "a right click on the icon opened no menu"
+xdotool key Up Return # the last item
+poll 20 app_ended || fail "\"Quit\" from the panel's menu did not end the app"
+status=0
+wait "$app_pid" || status=$?
+((status == 0)) || fail "\"Quit\" ended the app with status $status"
+say "\"Quit\" from the panel's menu ended the app with status 0"
