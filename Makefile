@@ -3,7 +3,7 @@
 
 JOBS ?= $(shell nproc)
 
-.PHONY: all deps dev release test run bench screenshots format clean
+.PHONY: all deps dev release test run bench soak screenshots format clean
 
 all: dev
 
@@ -26,6 +26,10 @@ run: release
 
 bench: release
 	@bench/run.sh build/release
+
+# The tray app for 30 minutes while sessions come, go and change (MINUTES=5 for less).
+soak: release
+	@bench/soak.sh build/release $(MINUTES)
 
 screenshots: dev
 	@cmake --build --preset dev --target screenshots
