@@ -1,10 +1,12 @@
 #include "app/ControlPanelController.h"
 
+#include "app/ControlPanelPlacement.h"
 #include "views/ControlPanelView.h"
 #include "views/StatusPresentation.h"
 
 #include <QGuiApplication>
 #include <QScreen>
+#include <QScrollArea>
 #include <QVBoxLayout>
 
 namespace brenvik {
@@ -52,24 +54,28 @@ void ControlPanelController::buildWindow() {
     layout->setContentsMargins(0, 0, 0, 0);
     auto* view = new ControlPanelView(m_monitor, m_launchAtLogin, m_appVisibility, m_actions,
                                       nullptr, m_notifications);
-    layout->addWidget(view);
+    // Where a large font or scale needs more than the screen has, the content
+    // scrolls instead of being cut.
+    auto* scroll = new QScrollArea(m_window.get());
+    scroll->setFrameShape(QFrame::NoFrame);
+    scroll->setWidgetResizable(true);
+    scroll->setWidget(view);
+    layout->addWidget(scroll);
     m_view = view;
     setTrayHostAvailable(m_trayHostAvailable);
     // Not resizable; closing hides the window, which stays for the next show().
-    // Its natural size, but never beyond the screen: then the list gives way.
     view->ensurePolished(); // fonts and styles decide the sizes
-    QSize size = view->naturalSize();
-    if (const QScreen* screen = QGuiApplication::primaryScreen()) {
-        constexpr QSize kFrame(16, 48); // title bar and borders, about
-        size = size.boundedTo(screen->availableGeometry().size() - kFrame)
-                   .expandedTo(view->minimumSize());
-        QRect frame(QPoint(), size);
-        frame.moveCenter(screen->availableGeometry().center());
-        m_window->setFixedSize(size);
-        m_window->move(frame.topLeft());
-    } else {
-        m_window->setFixedSize(size);
+    const QSize natural = view->naturalSize();
+    const QScreen* screen = QGuiApplication::primaryScreen();
+    if (!screen) {
+        m_window->setFixedSize(natural);
+        return;
     }
+    const QMargins frame = controlPanelFrameEstimate;
+    const QRect content = controlPanelGeometry(natural, frame, screen->availableGeometry());
+    m_window->setFixedSize(content.size());
+    // move() places the frame, not the content.
+    m_window->move(content.topLeft() - QPoint(frame.left(), frame.top()));
 }
 
 } // namespace brenvik

@@ -10,6 +10,7 @@ brenvik_app_library(brenvik_trayicon
 # Everything of the program but main(), so the tests drive the same code.
 brenvik_app_library(brenvik_shell X11
   FILES AppModel.cpp AppModel.h ControlPanelController.cpp ControlPanelController.h
+        ControlPanelPlacement.cpp ControlPanelPlacement.h
         PopoverPlacement.cpp PopoverPlacement.h PopoverWindow.cpp PopoverWindow.h
         SingleInstance.cpp SingleInstance.h StatusItemController.cpp StatusItemController.h
         SystemTraySurface.cpp SystemTraySurface.h TrayHostWatcher.cpp TrayHostWatcher.h
