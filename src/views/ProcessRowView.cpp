@@ -6,6 +6,7 @@
 #include <QHBoxLayout>
 #include <QPainter>
 #include <QVBoxLayout>
+#include <algorithm>
 
 namespace brenvik {
 
@@ -105,6 +106,8 @@ ProcessRowView::ProcessRowView(const ProcessMatch& match, const QDateTime& now, 
 
     m_match.pid = -1; // so that the first setMatch fills every field
     setMatch(match, now);
+    // Taller where a larger font needs it, so no descender is cut.
+    setFixedHeight(std::max(kHeight, column->minimumSize().height()));
 }
 
 void ProcessRowView::setMatch(const ProcessMatch& match, const QDateTime& now) {

@@ -13,6 +13,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QPainter>
+#include <QScopeGuard>
 #include <QSignalSpy>
 #include <QStyleFactory>
 #include <QTemporaryDir>
@@ -122,7 +123,8 @@ struct Scene {
     bool panel; // else the popover
     Outcome outcome;
     void (*preferences)(Preferences&) = nullptr;
-    Logs logs = {}; // one per session; the rest are judged by CPU
+    Logs logs = {};    // one per session; the rest are judged by CPU
+    int pointSize = 0; // else the application font's
 };
 
 bool render(const Scene& scene, const QDir& out, const QString& suffix) {
@@ -147,6 +149,13 @@ bool render(const Scene& scene, const QDir& out, const QString& suffix) {
     if (scene.preferences)
         scene.preferences(preferences);
     NoActions actions;
+    const QFont font = QApplication::font();
+    if (scene.pointSize) {
+        QFont larger = font;
+        larger.setPointSize(scene.pointSize);
+        QApplication::setFont(larger);
+    }
+    const auto restoreFont = qScopeGuard([font] { QApplication::setFont(font); });
     std::unique_ptr<QWidget> view;
     if (scene.panel)
         view = std::make_unique<ControlPanelView>(monitor, preferences.launchAtLogin,
@@ -294,6 +303,7 @@ int main(int argc, char** argv) {
         {"control-panel-waiting-for-approval", true, one, approval},
         {"control-panel-preference-failures", true, three, bothFail},
         {"control-panel-three-states", true, threeStates, loginOn, threeStateLogs},
+        {"control-panel-16pt", true, threeStates, dockRefused, threeStateLogs, 16},
         {"popover-checking", false, checking},
         {"popover-nothing-found", false, noMatch},
         {"popover-idle", false, idle},
