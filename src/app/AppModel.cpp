@@ -96,9 +96,15 @@ void AppModel::bootstrap(bool openControlPanel) {
     m_statusItem->configure(*m_monitor);
     m_monitor->start();
     if (!m_appVisibility->showDockIcon()) {
-        m_runAfter(dockPolicyDelay, [this] {
-            m_appVisibility->applyActivationPolicy(/*activate=*/false, /*reportFailure=*/false);
-        });
+        if (m_appVisibility->desktopCanHide()) {
+            m_runAfter(dockPolicyDelay, [this] {
+                m_appVisibility->applyActivationPolicy(/*activate=*/false,
+                                                       /*reportFailure=*/false);
+            });
+        } else {
+            // Waiting cannot help here: the switch says so from the start.
+            m_appVisibility->applyActivationPolicy(/*activate=*/false, /*reportFailure=*/true);
+        }
     }
     if (openControlPanel) {
         QMetaObject::invokeMethod(

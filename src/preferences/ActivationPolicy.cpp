@@ -107,7 +107,10 @@ TaskbarActivationPolicy::~TaskbarActivationPolicy() {
 }
 
 bool TaskbarActivationPolicy::setPolicy(ActivationPolicyKind policy) {
-    if (!m_x11 || !m_x11->windowManagerHonoursSkipHints())
+    // Without X11 every window is in the taskbar already: showing holds.
+    if (!m_x11)
+        return policy == ActivationPolicyKind::regular;
+    if (!m_x11->windowManagerHonoursSkipHints())
         return false;
     m_policy = policy;
     const bool skip = policy == ActivationPolicyKind::accessory;

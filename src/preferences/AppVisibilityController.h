@@ -38,6 +38,8 @@ public:
     [[nodiscard]] const std::optional<QString>& lastError() const noexcept { return m_lastError; }
 
     void applyActivationPolicy(bool activate, bool reportFailure);
+    // False where no retry can keep the panel out of the taskbar (Wayland).
+    [[nodiscard]] bool desktopCanHide() const { return m_policy->desktopCanHide(); }
 
 Q_SIGNALS:
     void objectWillChange();

@@ -151,6 +151,26 @@ TEST_F(Startup, StoredDockPreferenceOffIsAppliedSilentlyAfter150Milliseconds) {
     }
 }
 
+// Wayland: nothing can keep the panel out of the taskbar, so the switch says
+// so from the start, and the user's choice stays stored as it was.
+TEST_F(Startup, StoredDockPreferenceOffIsRefusedAtOnceWhereTheDesktopCannotHide) {
+    storeShowDockIcon(false);
+    m_policy.accept = false;
+    m_policy.canHide = false;
+    AppModel& model = makeModel();
+    model.bootstrap();
+    EXPECT_TRUE(m_deferred.isEmpty()) << "waited for nothing";
+    EXPECT_EQ(m_policy.requested, QList{ActivationPolicyKind::accessory});
+    EXPECT_EQ(model.appVisibility().lastError(),
+              AppVisibilityController::kRefusalMessage.toString());
+    EXPECT_FALSE(model.appVisibility().showDockIcon());
+    EXPECT_EQ(QSettings(QSettings::NativeFormat, QSettings::UserScope, u"Brenvik"_s, u"Brenvik"_s)
+                  .value(u"showDockIcon"_s),
+              QVariant(false));
+    QApplication::processEvents();
+    ASSERT_TRUE(test::waitForRefreshToEnd(model.monitor()));
+}
+
 TEST_F(Startup, RefreshNowRereadsTheLoginItemThenRefreshes) {
     AppModel& model = makeModel();
     LaunchAtLoginController& login = model.launchAtLogin();

@@ -96,11 +96,13 @@ TEST_F(DockVisibility, EachAssignmentStoresAppliesAndActivatesWhenShown) {
     }
 }
 
-TEST(TaskbarPolicy, RefusedWithoutX11) {
-    // The tests run on the offscreen platform: no window manager to ask.
+TEST(TaskbarPolicy, HidingRefusedWithoutX11) {
+    // The tests run on the offscreen platform, as Wayland: every window shows.
     TaskbarActivationPolicy policy;
+    EXPECT_FALSE(policy.desktopCanHide());
     EXPECT_FALSE(policy.setPolicy(ActivationPolicyKind::accessory));
-    EXPECT_FALSE(policy.setPolicy(ActivationPolicyKind::regular));
+    EXPECT_TRUE(policy.setPolicy(ActivationPolicyKind::regular)) << "showing holds";
+    EXPECT_FALSE(policy.setPolicy(ActivationPolicyKind::accessory)) << "after showing";
 }
 
 } // namespace

@@ -31,8 +31,10 @@ struct RecordingPolicy : ActivationPolicy {
         return accept;
     }
     void activate() override { ++activations; }
+    bool desktopCanHide() const override { return canHide; }
 
     bool accept = true;
+    bool canHide = true;
     QList<ActivationPolicyKind> requested;
     int activations = 0;
 };
