@@ -7,8 +7,8 @@
 namespace brenvik {
 
 // What a window manager adds around the panel where it has not said yet: a
-// title bar and borders, about.
-inline constexpr QMargins controlPanelFrameEstimate{8, 40, 8, 8};
+// title bar and borders, about (Qt's own Wayland decoration included).
+inline constexpr QMargins controlPanelFrameEstimate{8, 44, 8, 8};
 
 // Where the control panel's content goes on a screen whose usable area is
 // `area`: at `natural` size where that fits with the window's `frame`,
