@@ -15,4 +15,9 @@ QPoint popoverPosition(const QRect& anchor, const QSize& size, const QRect& area
     return {x, y};
 }
 
+Qt::WindowFlags popoverWindowFlags(QStringView platformName) {
+    const bool desktopPlaces = platformName.startsWith(u"wayland");
+    return (desktopPlaces ? Qt::Window : Qt::Popup) | Qt::FramelessWindowHint;
+}
+
 } // namespace brenvik

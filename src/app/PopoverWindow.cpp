@@ -4,6 +4,7 @@
 
 #include <QCursor>
 #include <QGuiApplication>
+#include <QKeyEvent>
 #include <QPainter>
 #include <QScreen>
 #include <QVBoxLayout>
@@ -24,7 +25,7 @@ constexpr int cursorIconSize = 24;
 } // namespace
 
 PopoverWindow::PopoverWindow(QWidget* parent)
-    : QWidget(parent, Qt::Popup | Qt::FramelessWindowHint) {
+    : QWidget(parent, popoverWindowFlags(QGuiApplication::platformName())) {
     setWindowTitle(QStringLiteral("Brenvik Popover"));
     setAttribute(Qt::WA_StyledBackground);
     setAutoFillBackground(true);
@@ -71,11 +72,27 @@ void PopoverWindow::open(const QRect& anchor) {
     adjustSize();
     const QSize size = sizeHint();
     resize(size);
-    if (!area.isEmpty())
+    if (!area.isEmpty() && !placedByDesktop())
         move(popoverPosition(target, size, area));
     show();
     raise();
     activateWindow();
+}
+
+void PopoverWindow::changeEvent(QEvent* event) {
+    QWidget::changeEvent(event);
+    // No popup grab tells it about clicks elsewhere: losing the focus does.
+    if (event->type() == QEvent::ActivationChange && placedByDesktop() && isVisible() &&
+        !isActiveWindow())
+        hide();
+}
+
+void PopoverWindow::keyPressEvent(QKeyEvent* event) {
+    if (placedByDesktop() && event->matches(QKeySequence::Cancel)) {
+        hide();
+        return;
+    }
+    QWidget::keyPressEvent(event);
 }
 
 void PopoverWindow::hideEvent(QHideEvent* event) {

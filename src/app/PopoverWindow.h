@@ -8,7 +8,8 @@
 namespace brenvik {
 
 // The popover: a frameless popup next to the tray icon that closes when the
-// user clicks elsewhere. Its content is set once and kept.
+// user clicks elsewhere. On Wayland the desktop places it, and it closes when
+// it loses the focus. Its content is set once and kept.
 class PopoverWindow : public QWidget {
     Q_OBJECT
 
@@ -25,10 +26,14 @@ public:
     void open(const QRect& anchor);
 
 protected:
+    void changeEvent(QEvent* event) override;
     void hideEvent(QHideEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
 
 private:
+    [[nodiscard]] bool placedByDesktop() const { return windowType() != Qt::Popup; }
+
     QWidget* m_content = nullptr;
     QElapsedTimer m_sinceClosed;
 };

@@ -32,5 +32,19 @@ TEST(PopoverPlacement, NextToTheIconAndFullyInsideTheScreen) {
     }
 }
 
+TEST(PopoverPlacement, PlacedByTheDesktopOnlyOnWayland) {
+    const std::pair<const char*, Qt::WindowType> cases[] = {
+        {"xcb", Qt::Popup},
+        {"offscreen", Qt::Popup},
+        {"wayland", Qt::Window},
+        {"wayland-egl", Qt::Window},
+    };
+    for (const auto& [platform, type] : cases) {
+        const Qt::WindowFlags flags = popoverWindowFlags(QString::fromLatin1(platform));
+        EXPECT_EQ(flags & Qt::WindowType_Mask, type) << platform;
+        EXPECT_TRUE(flags & Qt::FramelessWindowHint) << platform;
+    }
+}
+
 } // namespace
 } // namespace brenvik
