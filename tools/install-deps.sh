@@ -20,6 +20,8 @@ packages=(
   xvfb xauth trayer openbox xdotool x11-utils imagemagick dbus-daemon dbus-bin dunst
   # end-to-end with a real StatusNotifierItem host: Xfce's panel and its settings daemon
   xfce4-panel xfconf
+  # end-to-end on Wayland: weston's headless compositor and Qt's Wayland plugin
+  weston qt6-wayland
   # end-to-end with the real Codex CLI: its TUI runs in tmux
   tmux
 )

@@ -31,6 +31,12 @@ brenvik_add_test(NAME brenvik_sni_panel_e2e
   COMMAND ${CMAKE_CURRENT_LIST_DIR}/sni-panel-e2e.sh $<TARGET_FILE:brenvik>
   SERIAL LABELS e2e TIMEOUT 120)
 
+# On Wayland, under weston's headless compositor on a private session bus.
+brenvik_add_test(NAME brenvik_wayland_e2e
+  COMMAND ${CMAKE_CURRENT_LIST_DIR}/wayland-e2e.sh $<TARGET_FILE:brenvik>
+          $<TARGET_FILE:brenvik-fake-sni-watcher>
+  SERIAL LABELS e2e TIMEOUT 120)
+
 # What `cmake --install --strip` puts on a machine, validated as desktops read it.
 brenvik_add_test(NAME brenvik_install_check
   COMMAND ${CMAKE_CURRENT_LIST_DIR}/install-check.sh ${PROJECT_BINARY_DIR}
