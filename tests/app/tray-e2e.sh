@@ -72,24 +72,8 @@ fail() {
     [[ -f $work/app.log ]] && sed 's/^/app: /' "$work/app.log" >&2
     exit 1
 }
-now_ms() { date +%s%3N; }
-# Polls a command until it succeeds, up to TIMEOUT seconds.
-wait_until() {
-    local timeout=$1
-    shift
-    local end=$(($(now_ms) + timeout * 1000))
-    until "$@"; do
-        (($(now_ms) < end)) || return 1
-        sleep 0.2
-    done
-}
-start() { # start LOGFILE COMMAND... ; the PID lands in $started
-    local logfile=$1
-    shift
-    "$@" >"$logfile" 2>&1 &
-    started=$!
-    pids+=("$started")
-}
+# shellcheck source=../support/e2e-helpers.sh
+source "$(dirname "$0")/../support/e2e-helpers.sh"
 
 # --- display, window manager -------------------------------------------------
 exec 3>"$work/display"

@@ -33,22 +33,8 @@ fail() {
     [[ -f $work/app.log ]] && sed 's/^/app: /' "$work/app.log" >&2
     exit 1
 }
-now_ms() { date +%s%3N; }
-wait_until() { # wait_until SECONDS COMMAND...
-    local end=$(($(now_ms) + $1 * 1000))
-    shift
-    until "$@"; do
-        (($(now_ms) < end)) || return 1
-        sleep 0.2
-    done
-}
-start() { # start LOGFILE COMMAND... ; the PID lands in $started
-    local logfile=$1
-    shift
-    "$@" >"$logfile" 2>&1 &
-    started=$!
-    pids+=("$started")
-}
+# shellcheck source=../support/e2e-helpers.sh
+source "$(dirname "$0")/../support/e2e-helpers.sh"
 
 # --- compositor: headless, pixman so that screenshots have pixels; --debug
 # opens the scene graph and the screenshooter to clients.
