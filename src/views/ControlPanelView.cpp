@@ -2,6 +2,7 @@
 
 #include "views/PreferencesControlsView.h"
 #include "views/ProcessListSectionView.h"
+#include "views/ProcessRowView.h"
 #include "views/StatusViews.h"
 #include "views/ViewStyle.h"
 
@@ -109,10 +110,20 @@ QSize ControlPanelView::naturalSize() const {
     // The list at its full three rows, everything else as it wants to be at
     // this width (a larger font wraps the preferences' texts).
     const int width = std::max(kWidth, layout()->minimumSize().width());
-    m_processList->setMinimumHeight(kProcessListHeight);
+    // Three rows as tall as the font makes them.
+    const ProcessRowView row(ProcessMatch{}, QDateTime());
+    const int listHeight = kProcessListHeight + 3 * (row.height() - ProcessRowView::kHeight);
+    // A list of fixed height does not tell the layouts above it: they are told here.
+    const auto setListHeight = [this](int minimum, int maximum) {
+        m_processList->setMinimumHeight(minimum);
+        m_processList->setMaximumHeight(maximum);
+        m_processList->parentWidget()->layout()->invalidate();
+        m_processList->parentWidget()->updateGeometry();
+    };
+    setListHeight(listHeight, listHeight);
     const int height = layout()->hasHeightForWidth() ? layout()->totalHeightForWidth(width)
                                                      : layout()->totalSizeHint().height();
-    m_processList->setMinimumHeight(kProcessListMinimumHeight);
+    setListHeight(kProcessListMinimumHeight, listHeight);
     // The missing-tray line lasts only until a tray comes: meanwhile the list
     // gives way to it, rather than the window growing for good.
     const int missingTray =
