@@ -57,7 +57,8 @@ void AppVisibilityController::applyActivationPolicy(bool activate, bool reportFa
         if (m_showDockIcon && activate)
             m_policy->activate();
     } else if (reportFailure) {
-        publish(this, m_lastError, kRefusalMessage.toString(),
+        publish(this, m_lastError,
+                (m_policy->desktopCanHide() ? kRefusalMessage : kCannotHideMessage).toString(),
                 &AppVisibilityController::lastErrorChanged);
     }
 }

@@ -31,6 +31,9 @@ public:
     static constexpr QStringView kRefusalMessage =
         u"The desktop rejected the taskbar visibility change right now. Try toggling it again "
         u"after the app is fully running.";
+    // Where no retry can help (Wayland), trying again is no advice to give.
+    static constexpr QStringView kCannotHideMessage =
+        u"The desktop cannot keep windows out of the taskbar, so the control panel stays in it.";
 
     [[nodiscard]] bool showDockIcon() const noexcept { return m_showDockIcon; }
     // Publishes, stores and applies (activate and report failure), every time.

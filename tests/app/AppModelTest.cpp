@@ -162,7 +162,7 @@ TEST_F(Startup, StoredDockPreferenceOffIsRefusedAtOnceWhereTheDesktopCannotHide)
     EXPECT_TRUE(m_deferred.isEmpty()) << "waited for nothing";
     EXPECT_EQ(m_policy.requested, QList{ActivationPolicyKind::accessory});
     EXPECT_EQ(model.appVisibility().lastError(),
-              AppVisibilityController::kRefusalMessage.toString());
+              AppVisibilityController::kCannotHideMessage.toString());
     EXPECT_FALSE(model.appVisibility().showDockIcon());
     EXPECT_EQ(QSettings(QSettings::NativeFormat, QSettings::UserScope, u"Brenvik"_s, u"Brenvik"_s)
                   .value(u"showDockIcon"_s),

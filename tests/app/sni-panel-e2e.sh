@@ -13,7 +13,7 @@ set -euo pipefail
 app=$1
 
 if [[ -z ${BRENVIK_SNI_PRIVATE_BUS:-} ]]; then
-    BRENVIK_SNI_PRIVATE_BUS=1 exec dbus-run-session -- "$0" "$@"
+    BRENVIK_SNI_PRIVATE_BUS=1 exec "$(dirname "$0")/../support/private-session.sh" "$0" "$@"
 fi
 
 export QT_QPA_PLATFORM=xcb

@@ -20,9 +20,9 @@ set -euo pipefail
 app=$1
 fake_watcher=$2
 
-# One private bus for the whole test; it ends with the script.
+# One private bus (and PID namespace) for the whole test; they end with the script.
 if [[ -z ${BRENVIK_E2E_PRIVATE_BUS:-} ]]; then
-    BRENVIK_E2E_PRIVATE_BUS=1 exec dbus-run-session -- "$0" "$@"
+    BRENVIK_E2E_PRIVATE_BUS=1 exec "$(dirname "$0")/../support/private-session.sh" "$0" "$@"
 fi
 
 # Its command line, before any display: usage, version, a refusal, and one

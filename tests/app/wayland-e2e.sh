@@ -12,7 +12,7 @@ app=$1
 fake_watcher=$2
 
 if [[ -z ${BRENVIK_E2E_PRIVATE_BUS:-} ]]; then
-    BRENVIK_E2E_PRIVATE_BUS=1 exec dbus-run-session -- "$0" "$@"
+    BRENVIK_E2E_PRIVATE_BUS=1 exec "$(dirname "$0")/../support/private-session.sh" "$0" "$@"
 fi
 
 # XDG_RUNTIME_DIR is private (0700): weston puts its socket there.
