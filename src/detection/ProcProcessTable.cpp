@@ -7,10 +7,12 @@
 #include <algorithm>
 #include <cerrno>
 #include <charconv>
+#include <cstdio>
 #include <cstdlib>
 #include <dirent.h>
 #include <fcntl.h>
 #include <memory>
+#include <string_view>
 #include <unistd.h>
 
 namespace brenvik {
@@ -33,9 +35,10 @@ bool isStatSpace(char c) {
 }
 
 std::optional<StatFields> parseStatFields(QByteArrayView contents) {
-    const qsizetype open = contents.indexOf('(');
-    const qsizetype close = contents.lastIndexOf(')');
-    if (open < 0 || close < open)
+    const std::string_view text(contents.data(), size_t(contents.size()));
+    const auto open = qsizetype(text.find('('));
+    const auto close = qsizetype(text.rfind(')'));
+    if (open < 0 || close < 0 || close < open)
         return std::nullopt;
 
     StatFields fields;
@@ -95,12 +98,15 @@ qsizetype readSmallFile(int directory, const char* name, char* buffer, qsizetype
     qsizetype length = 0;
     while (length < size) {
         const ssize_t n = ::read(fd.get(), buffer + length, size_t(size - length));
-        if (n > 0)
-            length += n;
-        else if (n == 0)
-            break;
-        else if (errno != EINTR)
+        if (n < 0 && errno == EINTR)
+            continue;
+        if (n < 0)
             return -1;
+        length += n;
+        // /proc makes these files whole on the first read: a short read is
+        // the end, and asking again would only cost a call that returns 0.
+        if (n == 0 || n < size - (length - n))
+            break;
     }
     return length;
 }
@@ -318,12 +324,14 @@ QList<ObservedProcess> ProcProcessTableSource::snapshot() {
                                         .startedAt = seen->startedAt});
             continue;
         }
-        const FileDescriptor pidDir(
-            ::openat(::dirfd(dir.get()), entry->d_name, O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-        if (!pidDir.isValid())
+        // stat through its path: most processes read here need nothing else,
+        // and opening their directory would double the calls.
+        char statPath[32];
+        if (std::snprintf(statPath, sizeof statPath, "%s/stat", entry->d_name) >=
+            int(sizeof statPath))
             continue;
         const qsizetype statLength =
-            readSmallFile(pidDir.get(), "stat", statBuffer, qsizetype(sizeof statBuffer));
+            readSmallFile(::dirfd(dir.get()), statPath, statBuffer, qsizetype(sizeof statBuffer));
         if (statLength <= 0)
             continue;
         const auto stat = parseStatFields(QByteArrayView(statBuffer, statLength));
@@ -351,6 +359,10 @@ QList<ObservedProcess> ProcProcessTableSource::snapshot() {
                              .generation = known.generation};
             known = dead;
         } else if (!continuing || known.comm != stat->comm || !known.commandIsFinal) {
+            const FileDescriptor pidDir(
+                ::openat(::dirfd(dir.get()), entry->d_name, O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+            if (!pidDir.isValid())
+                continue;
             auto commandLine = readCommandLine(pidDir.get(), commLooksLikeCodex(stat->comm));
             if (!commandLine)
                 continue; // vanished mid-read; pruned below unless seen before
