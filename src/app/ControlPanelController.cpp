@@ -8,6 +8,7 @@
 #include <QScreen>
 #include <QScrollArea>
 #include <QVBoxLayout>
+#include <QWindow>
 
 namespace brenvik {
 
@@ -27,6 +28,11 @@ ControlPanelController::~ControlPanelController() = default;
 void ControlPanelController::show() {
     if (!m_window)
         buildWindow();
+    // Left on another desktop, the window manager keeps it there (unmapped,
+    // so not exposed): shown afresh, it comes to the desktop the user is on.
+    if (m_window->isVisible() && !m_window->isMinimized() && m_window->windowHandle() &&
+        !m_window->windowHandle()->isExposed())
+        m_window->hide();
     // Restored, not only raised: a minimised panel without a taskbar entry
     // would be lost to the user.
     m_window->setWindowState((m_window->windowState() & ~Qt::WindowMinimized) | Qt::WindowActive);

@@ -5,7 +5,8 @@
 #     yellow within 5 s of a busy Codex CLI, a left click opens the popover next
 #     to the icon and a second one closes it, the right-click menu's "Open
 #     Control Panel" brings back and activates the closed panel, a second launch
-#     restores the minimised panel and exits 0, "Quit" ends the process with status 0;
+#     restores the minimised panel and exits 0, the menu brings it back from
+#     another desktop, "Quit" ends the process with status 0;
 #  2. the tray host starts a few seconds after the app: the icon still appears;
 #  3. no XEmbed host, a fake StatusNotifierWatcher instead, whose host registers
 #     only 5 s after the watcher appears (as on KDE): the item still registers,
@@ -274,6 +275,15 @@ wait_until 20 panel_is_mapped || fail "second launch did not show the running pa
 wait_until 20 panel_is_active || fail "second launch did not activate the running panel"
 app_ended && fail "the running instance ended"
 log "second launch restored the minimised panel, activated it, and exited 0"
+
+# Left behind on another desktop: "Open Control Panel" shows it where the user is.
+xdotool set_desktop 1
+wait_until 20 panel_is_closed || fail "the panel still shows after moving to desktop 2"
+open_menu || fail "right click opened no menu on desktop 2"
+xdotool key Down Return
+wait_until 20 panel_is_mapped || fail "\"Open Control Panel\" did not show the panel from another desktop"
+wait_until 20 panel_is_active || fail "\"Open Control Panel\" did not activate the panel from another desktop"
+log "from another desktop, \"Open Control Panel\" showed and activated the panel"
 
 quit_through_menu
 log "Quit ended the app with status 0"
