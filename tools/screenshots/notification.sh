@@ -23,20 +23,17 @@ trap cleanup EXIT
 export HOME=$work/home XDG_CONFIG_HOME=$work/config XDG_RUNTIME_DIR=$work/runtime
 mkdir -p "$HOME" "$XDG_CONFIG_HOME" "$XDG_RUNTIME_DIR" "$work/bin"
 chmod 0700 "$XDG_RUNTIME_DIR"
-wait_until() { # SECONDS COMMAND...
-    local end=$((SECONDS + $1))
-    shift
-    until "$@"; do
-        ((SECONDS < end)) || { echo "notification.sh: gave up waiting for: $*" >&2; exit 1; }
-        sleep 0.2
-    done
+# shellcheck source=../../tests/support/e2e-helpers.sh
+source "$(dirname "$0")/../../tests/support/e2e-helpers.sh"
+await() { # SECONDS COMMAND...: wait_until, or give up with the reason
+    wait_until "$@" || { echo "notification.sh: gave up waiting for: ${*:2}" >&2; exit 1; }
 }
 
 exec 3>"$work/display"
 Xvfb -displayfd 3 -screen 0 640x200x24 -background none -nolisten tcp >/dev/null 2>&1 &
 pids+=($!)
 exec 3>&-
-wait_until 20 test -s "$work/display"
+await 20 test -s "$work/display"
 export DISPLAY=:$(head -n1 "$work/display")
 
 cat >"$work/dunstrc" <<EOF
@@ -87,7 +84,7 @@ cat >>"$log" <<EOF
 {"timestamp":"$now","type":"response_item","payload":{"type":"message","role":"assistant","content":[{"type":"output_text","text":"The checkout page now validates postcodes; all 214 tests pass.\nDetails below."}]}}
 {"timestamp":"$now","type":"event_msg","payload":{"type":"task_complete","turn_id":"1","last_agent_message":"The checkout page now validates postcodes; all 214 tests pass.\nDetails below."}}
 EOF
-wait_until 20 sh -c '[ "$(dunstctl count displayed)" -ge 1 ]'
+await 20 sh -c '[ "$(dunstctl count displayed)" -ge 1 ]'
 sleep 1 # dunst draws
 # The notice with a margin of the desktop around it.
 read -r x y w h < <(xwininfo -root -tree | awk '/"[Dd]unst"/ && $NF ~ /^\+/ {
