@@ -65,7 +65,10 @@ LocatedSession locateSession(const SessionQuery& query, const PlaceEnvironment& 
         place.terminal = terminalName(terminalSide[i]);
 
     if (place.isEmpty()) {
-        located.lookup.reason = QStringLiteral("it runs in no tmux pane and no known terminal");
+        located.lookup.reason =
+            located.server
+                ? u"the tmux server at " + located.server->socket() + u" names no pane of it"
+                : QStringLiteral("it runs in no tmux pane and no known terminal");
         if (!located.windowsReason.isEmpty())
             located.lookup.reason += u"; no window was looked for: " + located.windowsReason;
         return located;
