@@ -241,6 +241,9 @@ int main(int argc, char** argv) {
     if (options.json)
         places.emplace();
     int refreshesEnded = 0;
+    bool goesToPID = false;
+    if (options.go)
+        (void)options.go->toLongLong(&goesToPID);
     // Queued: the monitor stores the new value only after the notice.
     QObject::connect(
         &monitor, &CodexProcessMonitor::lastUpdatedChanged, &app,
@@ -253,8 +256,9 @@ int main(int argc, char** argv) {
                 return;
             }
             // The first refresh sees every process for the first time; the
-            // second one measures their CPU use since then.
-            if (++refreshesEnded < 2)
+            // second one measures their CPU use since then. Going to a PID
+            // needs no verdict, and a key binding no wait.
+            if (++refreshesEnded < (goesToPID ? 1 : 2))
                 return;
             if (options.json && !::report(statusJson(report) + u'\n'))
                 return;
