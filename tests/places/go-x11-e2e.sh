@@ -69,12 +69,15 @@ for n in 1 2; do
 done
 xt1=$(head -n1 "$dir/xt1")
 xt2=$(head -n1 "$dir/xt2")
-xdotool set_desktop_for_window "$xt1" 1
-xdotool windowminimize "$xt2"
+# Asked again until done: openbox ignores what comes before it manages a window.
+wait_until 20 sh -c "xdotool set_desktop_for_window $xt1 1; xprop -id $xt1 _NET_WM_DESKTOP | grep -q '= 1\$'" ||
+    fail "xterm 1 not moved to desktop 1"
+wait_until 20 sh -c "xdotool windowminimize $xt2; xprop -id $xt2 WM_STATE | grep -q Iconic" ||
+    fail "xterm 2 not minimised"
 xdotool set_desktop 0
-wait_until 10 sh -c "xprop -id $xt2 WM_STATE | grep -q Iconic" || fail "xterm 2 not minimised"
+wait_until 10 sh -c '[ "$(xdotool get_desktop)" = 0 ]' || fail "desktop 0 not shown"
 
-# "PID terminal window session window.pane" for each stand-in, by project.
+# "PROJECT PID terminal window session window.pane socket guess" per stand-in.
 places() {
     "$status_command" --json | node -e '
         const report = JSON.parse(require("fs").readFileSync(0, "utf8"));
@@ -83,16 +86,16 @@ places() {
             if (t && g.cwd) console.log(g.cwd.split("/").pop(), g.pid, g.place.terminal,
                 g.place.window, t.session, `${t.window}.${t.pane}`, t.socket, g.place.guess);
         }' >"$dir/places"
-    [[ $(wc -l <"$dir/places") == 2 ]]
+    sort "$dir/places" | sed -E 's/^([a-z]+) [0-9]+ /\1 PID /' >"$dir/actual"
+    [[ $(cat "$dir/actual") == "$expected" ]]
 }
-wait_until 60 places || fail "the JSON does not name both panes: $(cat "$dir/places")"
+# Until the xterms' tmux clients have attached.
 expected="infra PID xterm $((xt2)) two 0.1 $dir/sock false
 website PID xterm $((xt1)) one 1.1 $dir/sock false"
-actual=$(sort "$dir/places" | sed -E 's/^([a-z]+) [0-9]+ /\1 PID /')
-[[ $actual == "$expected" ]] || fail "places: expected
+wait_until 60 places || fail "places: expected
 $expected
 got
-$actual"
+$(cat "$dir/actual")"
 log "the JSON names both panes and xterms"
 
 go_to() { # go_to PROJECT XTERM DESKTOP SESSION PANE
