@@ -35,6 +35,7 @@ PlaceEnvironment PlaceEnvironment::system() {
                 const std::unique_ptr<X11Desktop> desktop = X11Desktop::open(reason);
                 return desktop && desktop->activate(window, reason);
             },
+        .variableOf = readEnvironmentVariable,
         .uid = static_cast<qint64>(::getuid()),
         .tmuxTmpDir = qEnvironmentVariable("TMUX_TMPDIR"),
         .invokingTmuxSocket = qEnvironmentVariable("TMUX").section(u',', 0, 0),

@@ -52,6 +52,18 @@ std::optional<AncestorProcess> readProcess(qint64 pid) {
     return process;
 }
 
+std::optional<QString> readEnvironmentVariable(qint64 pid, QStringView name) {
+    QFile file(u"/proc/" + QString::number(pid) + u"/environ");
+    if (pid <= 0 || !file.open(QIODevice::ReadOnly | QIODevice::Unbuffered))
+        return std::nullopt;
+    const QByteArray prefix = name.toLocal8Bit() + '=';
+    for (const QByteArray& entry : file.readAll().split('\0')) {
+        if (entry.startsWith(prefix))
+            return QString::fromLocal8Bit(entry.sliced(prefix.size()));
+    }
+    return QString();
+}
+
 QList<AncestorProcess> ancestryOf(qint64 pid, const ProcessLookup& lookup) {
     QList<AncestorProcess> chain;
     QSet<qint64> seen;

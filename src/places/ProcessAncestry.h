@@ -28,6 +28,10 @@ using ProcessLookup = std::function<std::optional<AncestorProcess>(qint64 pid)>;
 // From /proc.
 [[nodiscard]] std::optional<AncestorProcess> readProcess(qint64 pid);
 
+// A variable of a process's environment from /proc: none when unreadable,
+// empty when unset.
+[[nodiscard]] std::optional<QString> readEnvironmentVariable(qint64 pid, QStringView name);
+
 // The process and its ancestors, nearest first, up to (not including) PID 1.
 // Ends early at a process that is gone, and at a loop.
 [[nodiscard]] QList<AncestorProcess> ancestryOf(qint64 pid, const ProcessLookup& lookup);

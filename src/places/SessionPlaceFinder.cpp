@@ -37,9 +37,13 @@ LocatedSession locateSession(const SessionQuery& query, const PlaceEnvironment& 
             continue;
         if (process.uid != environment.uid)
             break;
-        located.server.emplace(
-            tmuxSocketOf(process.arguments, environment.uid, environment.tmuxTmpDir),
-            environment.tmux);
+        // The server's own TMUX_TMPDIR places its socket, not ours.
+        const std::optional<QString> tmpDir =
+            environment.variableOf ? environment.variableOf(process.pid, u"TMUX_TMPDIR")
+                                   : std::nullopt;
+        located.server.emplace(tmuxSocketOf(process.arguments, environment.uid,
+                                            tmpDir.value_or(environment.tmuxTmpDir)),
+                               environment.tmux);
         place.tmux = located.server->paneOf(ancestry);
         if (place.tmux) {
             located.clients = located.server->clients();

@@ -86,6 +86,7 @@ struct FakeSystem {
                             activated << window;
                         return withX;
                     },
+                .variableOf = {},
                 .uid = kUid,
                 .tmuxTmpDir = {},
                 .invokingTmuxSocket = std::move(invokingSocket)};
