@@ -20,6 +20,7 @@ public:
 
     [[nodiscard]] bool atEnd() const { return m_at >= m_end; }
     [[nodiscard]] char peek() const { return m_at < m_end ? *m_at : '\0'; }
+    [[nodiscard]] const char* position() const { return m_at; }
 
     void skipSpace() {
         while (m_at < m_end && (*m_at == ' ' || *m_at == '\t' || *m_at == '\r' || *m_at == '\n'))
@@ -139,6 +140,7 @@ struct Fields {
     QByteArrayView callId, message, lastAgentMessage;
     bool hasMessage = false, hasLastAgentMessage = false;
     QByteArrayView id, cwd, originator, cliVersion;
+    QByteArrayView model, info, rateLimits;
 };
 
 Kind eventKind(QByteArrayView type) {
@@ -164,7 +166,7 @@ Kind responseItemKind(QByteArrayView type) {
     return Kind::other;
 }
 
-enum class LineType { sessionMeta, eventMsg, responseItem, other };
+enum class LineType { sessionMeta, turnContext, eventMsg, responseItem, other };
 
 LineType lineType(QByteArrayView type) {
     if (rawEquals(type, "event_msg"))
@@ -173,6 +175,8 @@ LineType lineType(QByteArrayView type) {
         return LineType::responseItem;
     if (rawEquals(type, "session_meta"))
         return LineType::sessionMeta;
+    if (rawEquals(type, "turn_context"))
+        return LineType::turnContext;
     return LineType::other;
 }
 
@@ -185,6 +189,8 @@ std::optional<Kind> kindOf(const Fields& fields) {
         return Kind::other;
     if (type == LineType::sessionMeta)
         return Kind::sessionMeta;
+    if (type == LineType::turnContext)
+        return Kind::turnContext;
     if (!fields.payloadType)
         return std::nullopt;
     return type == LineType::eventMsg ? eventKind(*fields.payloadType)
@@ -213,6 +219,13 @@ LogLineEvent eventFrom(const Fields& fields, Kind kind) {
     case Kind::toolCall:
     case Kind::toolOutput:
         event.callId = fields.callId;
+        break;
+    case Kind::turnContext:
+        event.model = fields.model;
+        break;
+    case Kind::tokenCount:
+        event.info = fields.info;
+        event.rateLimits = fields.rateLimits;
         break;
     default:
         break;
@@ -262,6 +275,14 @@ Walk walkPayload(JsonWalker& walker, Fields& fields) {
             ok = stringField(fields.originator);
         } else if (key == "cli_version") {
             ok = stringField(fields.cliVersion);
+        } else if (key == "model") {
+            ok = stringField(fields.model);
+        } else if (key == "info" || key == "rate_limits") {
+            const char* const begin = walker.position();
+            ok = walker.skipValue();
+            if (ok)
+                (key == "info" ? fields.info : fields.rateLimits) =
+                    QByteArrayView(begin, walker.position() - begin);
         } else {
             ok = walker.skipValue();
         }

@@ -16,7 +16,8 @@ struct LogLineEvent {
         turnEnded,
         userMessage, // the user's prompt
         agentMessage,
-        tokenCount, // usage figures, written as a model response opens and completes
+        tokenCount,  // usage figures, written as a model response opens and completes
+        turnContext, // a turn's settings, its model among them
         toolCall,
         toolOutput,
     };
@@ -26,6 +27,8 @@ struct LogLineEvent {
     QByteArrayView message; // agent_message's message, task_complete's last_agent_message
     bool hasMessage = false;
     QByteArrayView id, cwd, originator, cliVersion; // session_meta
+    QByteArrayView model;                           // turn_context
+    QByteArrayView info, rateLimits;                // token_count: raw JSON values, "null" included
 };
 
 // Reads one line without building a document: the walk stops as soon as the

@@ -120,9 +120,11 @@ SessionLogLocator::statesOf(const QList<DetectedProcessSample>& samples) noexcep
             const DetectedProcessSample& sample = samples[i];
             const qint64 startedMs = sample.startedAt ? sample.startedAt->toMSecsSinceEpoch() : 0;
             std::optional<QString> path;
+            QString identity;
             const auto chosen = chooseLog(sample, samples, logsByHolder);
             if (chosen && !chosen->none) {
                 path = chosen->path;
+                identity = chosen->identity;
                 // A deleted log's descriptor link may name another file later.
                 if (chosen->path == chosen->identity)
                     heldLogs.insert(sample.pid, HeldLog{startedMs, chosen->path});
@@ -132,7 +134,7 @@ SessionLogLocator::statesOf(const QList<DetectedProcessSample>& samples) noexcep
                 // Closed, not replaced: what it last said still holds. (A TUI's
                 // logs stay open in the service; where it has none, nobody can
                 // tell which one is its own.)
-                path = held->path;
+                path = identity = held->path;
                 heldLogs.insert(sample.pid, *held);
             }
             if (!path) {
@@ -144,6 +146,7 @@ SessionLogLocator::statesOf(const QList<DetectedProcessSample>& samples) noexcep
             }
             used.insert(*path);
             states[i] = m_logs.stateOf(*path);
+            states[i]->codexHome = codexHomeOf(identity);
         }
         m_heldLogs = std::move(heldLogs);
         // Logs a TUI matched against stay read, so the next refresh only reads

@@ -15,4 +15,11 @@ bool isSessionLogPath(QStringView path) {
     return path.contains(u"/sessions/");
 }
 
+QString codexHomeOf(QStringView logPath) {
+    if (!isSessionLogPath(logPath))
+        return {};
+    const qsizetype at = logPath.lastIndexOf(u"/sessions/");
+    return at <= 0 ? QStringLiteral("/") : logPath.first(at).toString();
+}
+
 } // namespace brenvik

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QString>
 #include <QStringView>
 
 namespace brenvik {
@@ -9,5 +10,9 @@ namespace brenvik {
 // <CODEX_HOME>/sessions/YYYY/MM/DD/rollout-<time>-<uuid>.jsonl. Compressed
 // and archived logs are not written to any more and do not count.
 [[nodiscard]] bool isSessionLogPath(QStringView path);
+
+// The CODEX_HOME a session log lies in: what comes before its last
+// "/sessions/"; empty for any other path.
+[[nodiscard]] QString codexHomeOf(QStringView logPath);
 
 } // namespace brenvik

@@ -7,6 +7,7 @@
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
+#include <optional>
 #include <sys/stat.h>
 #include <unistd.h>
 #include <utility>
@@ -48,6 +49,9 @@ struct SessionLogReader::Start {
     bool turnsWritten = false; // the lines before it hold turn events
     bool insideLine = false;   // `offset` is inside a line too long to look at
     bool unseen = false;       // lines before it were not looked at
+    // The latest lines with usage figures, where they lie before `offset`.
+    qint64 tokensAt = -1;
+    qint64 modelAt = -1;
 };
 
 SessionLogReader::SessionLogReader(QString path)
@@ -110,24 +114,31 @@ void SessionLogReader::readAfresh(int fd, qint64 size) {
     if (start.unseen)
         m_tracker.assumeLinesUnseen();
     if (start.offset > 0)
-        readMeta(fd, size);
+        readLineAt(fd, size, 0, false);
+    for (const qint64 at : {start.modelAt, start.tokensAt}) {
+        if (at > 0)
+            readLineAt(fd, size, at, true);
+    }
     m_offset = start.offset;
     m_partialStart = start.offset;
     m_partialIsHead = start.insideLine;
     readForward(fd, size);
 }
 
-void SessionLogReader::readMeta(int fd, qint64 size) {
-    QByteArray head(std::min(size, kHeadLimit), Qt::Uninitialized);
-    const qint64 n = readAt(fd, head.data(), head.size(), 0);
+void SessionLogReader::readLineAt(int fd, qint64 size, qint64 at, bool usageOnly) {
+    QByteArray head(std::min(size - at, kHeadLimit), Qt::Uninitialized);
+    const qint64 n = readAt(fd, head.data(), head.size(), at);
     if (n <= 0)
         return;
     const QByteArrayView read(head.constData(), n);
     const qsizetype end = read.indexOf('\n');
-    if (end >= 0)
-        takeLine(read.first(end), 0, false);
-    else if (n == kHeadLimit)
-        takeLine(read, 0, true);
+    if (end < 0 && n < kHeadLimit)
+        return;
+    const QByteArrayView line = end >= 0 ? read.first(end) : read;
+    if (usageOnly)
+        m_tracker.applyUsage(scanLogLine(line, end < 0));
+    else
+        takeLine(line, at, end < 0);
 }
 
 // Looks backwards from the end for where reading forward gives the same state
@@ -135,7 +146,9 @@ void SessionLogReader::readMeta(int fd, qint64 size) {
 // with the agent's message (else the message before it). A session_meta after
 // the first line marks copied history: reading starts at the last such marker
 // once a turn event before it shows that this log writes them. A log without
-// turn events is read from its last prompt.
+// turn events is read from its last prompt. The look goes on, within the same
+// bound, to the latest token_count with tokens and the latest turn_context,
+// which may lie just before that line (a turn's figures precede its close).
 SessionLogReader::Start SessionLogReader::findStart(int fd, qint64 size) const {
     using Kind = LogLineEvent::Kind;
     QByteArray chunk(std::min(size, kBackwardChunk), Qt::Uninitialized);
@@ -150,8 +163,16 @@ SessionLogReader::Start SessionLogReader::findStart(int fd, qint64 size) const {
     qint64 activity = -1;   // the last tool call or output
 
     // What the line [begin, end) is, from the chunk if it is there.
-    const auto scan = [&](qint64 begin, qint64 end, qint64 chunkStart,
-                          qint64 chunkSize) -> std::pair<Kind, bool> {
+    struct Look {
+        Kind kind = Kind::other;
+        bool hasMessage = false;
+        bool figures = false; // a token_count with tokens, a turn_context with a model
+    };
+    qint64 tokensAt = -1; // the latest token_count with tokens
+    qint64 modelAt = -1;  // the latest turn_context with a model
+    std::optional<Start> start;
+    const auto usageFound = [&] { return tokensAt >= 0 && modelAt >= 0; };
+    const auto scan = [&](qint64 begin, qint64 end, qint64 chunkStart, qint64 chunkSize) -> Look {
         LogLineEvent event;
         if (begin >= chunkStart && end <= chunkStart + chunkSize) {
             event =
@@ -160,13 +181,38 @@ SessionLogReader::Start SessionLogReader::findStart(int fd, qint64 size) const {
             const bool cut = end - begin > kLineLimit;
             line.resize(cut ? kHeadLimit : end - begin);
             if (readAt(fd, line.data(), line.size(), begin) != line.size())
-                return {Kind::other, false};
+                return {};
             event = scanLogLine(line, cut);
         }
-        return {event.kind, event.hasMessage};
+        const bool figures = (event.kind == Kind::tokenCount && parseTokenUsage(event.info)) ||
+                             (event.kind == Kind::turnContext && !event.model.isEmpty());
+        return {event.kind, event.hasMessage, figures};
+    };
+    // Where reading forward starts, decided by the line at `begin`, if it decides.
+    const auto decide = [&](Kind kind, bool hasMessage, qint64 begin) -> std::optional<Start> {
+        const bool turnEvent = kind == Kind::turnStarted || kind == Kind::turnEnded;
+        if (turnEvent && marker >= 0)
+            return Start{marker, true, false};
+        if (kind == Kind::turnStarted || (kind == Kind::turnEnded && hasMessage))
+            return Start{begin, false, false};
+        if (closed >= 0 && (turnEvent || kind == Kind::sessionMeta))
+            return Start{closed, false, false}; // that turn had no message
+        if (closed >= 0 && kind == Kind::agentMessage)
+            return Start{begin, false, false};
+        if (kind == Kind::turnEnded)
+            closed = begin;
+        else if (kind == Kind::agentMessage && message < 0)
+            message = begin;
+        else if (kind == Kind::sessionMeta && marker < 0)
+            marker = begin;
+        else if (kind == Kind::userMessage && prompt < 0)
+            prompt = begin;
+        else if ((kind == Kind::toolCall || kind == Kind::toolOutput) && activity < 0)
+            activity = begin;
+        return std::nullopt;
     };
 
-    while (position > 0 && size - position < kLookBackLimit) {
+    while (position > 0 && size - position < kLookBackLimit && !(start && usageFound())) {
         const qint64 chunkSize = std::min(qint64(chunk.size()), position);
         const qint64 chunkStart = position - chunkSize;
         if (readAt(fd, chunk.data(), chunkSize, chunkStart) != chunkSize)
@@ -181,41 +227,39 @@ SessionLogReader::Start SessionLogReader::findStart(int fd, qint64 size) const {
                 tailStart = begin;
                 continue;
             }
-            const auto [kind, hasMessage] = scan(begin, end, chunkStart, chunkSize);
-            const bool turnEvent = kind == Kind::turnStarted || kind == Kind::turnEnded;
-            if (turnEvent && marker >= 0)
-                return {marker, true, false};
-            if (kind == Kind::turnStarted || (kind == Kind::turnEnded && hasMessage))
-                return {begin, false, false};
-            if (closed >= 0 && (turnEvent || kind == Kind::sessionMeta))
-                return {closed, false, false}; // that turn had no message
-            if (closed >= 0 && kind == Kind::agentMessage)
-                return {begin, false, false};
-            if (kind == Kind::turnEnded)
-                closed = begin;
-            else if (kind == Kind::agentMessage && message < 0)
-                message = begin;
-            else if (kind == Kind::sessionMeta && marker < 0)
-                marker = begin;
-            else if (kind == Kind::userMessage && prompt < 0)
-                prompt = begin;
-            else if ((kind == Kind::toolCall || kind == Kind::toolOutput) && activity < 0)
-                activity = begin;
+            const Look look = scan(begin, end, chunkStart, chunkSize);
+            if (look.figures && look.kind == Kind::tokenCount && tokensAt < 0)
+                tokensAt = begin;
+            else if (look.figures && look.kind == Kind::turnContext && modelAt < 0)
+                modelAt = begin;
+            if (!start)
+                start = decide(look.kind, look.hasMessage, begin);
+            if (start && usageFound())
+                break;
         }
         position = chunkStart;
     }
     // No turn events: an older log, or none of its turns within reach.
-    if (closed >= 0)
-        return {closed, false, false};
-    for (const qint64 at : {prompt, message, activity}) {
-        if (at >= 0)
-            return {at, false, false};
-    }
-    if (tailStart >= 0)
-        return {tailStart, false, false, position > 0};
-    if (position == 0)
-        return {0, false, false};     // a single unfinished line
-    return {size, false, true, true}; // its end is in a line too long to look at
+    const auto fallbackStart = [&]() -> Start {
+        if (closed >= 0)
+            return {closed, false, false};
+        for (const qint64 at : {prompt, message, activity}) {
+            if (at >= 0)
+                return {at, false, false};
+        }
+        if (tailStart >= 0)
+            return {tailStart, false, false, position > 0};
+        if (position == 0)
+            return {0, false, false};     // a single unfinished line
+        return {size, false, true, true}; // its end is in a line too long to look at
+    };
+    if (!start)
+        start = fallbackStart();
+    if (tokensAt < start->offset)
+        start->tokensAt = tokensAt;
+    if (modelAt < start->offset)
+        start->modelAt = modelAt;
+    return *start;
 }
 
 bool SessionLogReader::readForward(int fd, qint64 end) {

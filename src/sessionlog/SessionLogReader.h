@@ -9,7 +9,8 @@
 namespace brenvik {
 
 // Follows one rollout log, read-only. The first update reads the first line
-// (session_meta) and then backwards from the end until the last turn event;
+// (session_meta) and then backwards from the end until the last turn event
+// and the latest usage figures;
 // later updates read only what was appended. A replaced, truncated or
 // rewritten file is read afresh; a missing one reads as unknown.
 //
@@ -31,7 +32,8 @@ private:
     void readAfresh(int fd, qint64 size);
     [[nodiscard]] Start findStart(int fd, qint64 size) const;
     [[nodiscard]] bool continuesAtLineStart(int fd) const;
-    void readMeta(int fd, qint64 size);
+    // Reads the line at `at` alone: the first (session_meta), or one with usage figures.
+    void readLineAt(int fd, qint64 size, qint64 at, bool usageOnly);
     bool readForward(int fd, qint64 end);
     void takeLine(QByteArrayView line, qint64 start, bool cut);
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "sessionlog/UsageFigures.h"
+
 #include <QDateTime>
 #include <QString>
 #include <optional>
@@ -31,6 +33,13 @@ struct SessionLogState {
     std::optional<QDateTime> phaseSince; // UTC, of the line that set the phase
     // First line of the agent's last message in the latest turn, at most 120 characters.
     std::optional<QString> lastAgentMessageLine;
+    // Usage: the model of the latest turn_context, the tokens of the latest
+    // token_count that has them, and the latest limits that name a window.
+    std::optional<QString> model;
+    std::optional<TokenUsage> tokens;
+    std::optional<RateLimits> rateLimits;
+    // The CODEX_HOME the log lies in (the locator fills it in); empty when unknown.
+    QString codexHome;
 
     friend bool operator==(const SessionLogState&, const SessionLogState&) = default;
 };

@@ -10,6 +10,7 @@ namespace {
 constexpr qsizetype kMaxPendingCalls = 64;
 constexpr qsizetype kMaxCallIdSize = 256; // Codex's are about 30 bytes
 constexpr qsizetype kMaxMessageLine = 120;
+constexpr qsizetype kMaxModelSize = 128;
 
 std::optional<QDateTime> parseTimestamp(QByteArrayView raw) {
     if (raw.isEmpty() || raw.size() > 64)
@@ -56,8 +57,23 @@ void SessionTurnTracker::closeTurn(QByteArrayView timestamp) {
     setPhase(TurnPhase::idle, timestamp);
 }
 
+void SessionTurnTracker::applyUsage(const LogLineEvent& event) {
+    using Kind = LogLineEvent::Kind;
+    if (event.kind == Kind::turnContext) {
+        if (!event.model.isEmpty() && event.model.size() <= kMaxModelSize)
+            m_state.model = jsonStringText(event.model);
+    } else if (event.kind == Kind::tokenCount) {
+        if (auto tokens = parseTokenUsage(event.info))
+            m_state.tokens = tokens;
+        const auto observedAt = parseTimestamp(event.timestamp);
+        if (auto limits = parseRateLimits(event.rateLimits, observedAt.value_or(QDateTime())))
+            m_state.rateLimits = std::move(limits);
+    }
+}
+
 void SessionTurnTracker::apply(const LogLineEvent& event, bool firstLine) {
     using Kind = LogLineEvent::Kind;
+    applyUsage(event);
     switch (event.kind) {
     case Kind::sessionMeta:
         if (firstLine) {
@@ -126,6 +142,7 @@ void SessionTurnTracker::apply(const LogLineEvent& event, bool firstLine) {
         if (m_pendingCalls.isEmpty() && m_state.phase == TurnPhase::awaitingToolOutput)
             setPhase(TurnPhase::running, event.timestamp);
         return;
+    case Kind::turnContext:
     case Kind::other:
         return;
     }

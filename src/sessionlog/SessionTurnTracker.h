@@ -22,6 +22,10 @@ public:
     // `firstLine`: the line starts at offset 0, where the session's own
     // session_meta is. A session_meta anywhere else starts copied history.
     void apply(const LogLineEvent& event, bool firstLine);
+    // Takes the usage figures of a token_count or turn_context line, and
+    // nothing else of it: also for the lines the reader looks at before its
+    // starting point, since the latest figures may lie before the last turn.
+    void applyUsage(const LogLineEvent& event);
 
     // The lines before the reader's starting point are known to hold turn
     // events, so a copied-history marker makes the session idle, not unknown.

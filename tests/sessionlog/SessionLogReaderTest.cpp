@@ -134,36 +134,39 @@ TEST(SessionLogReader, RealLogsAtEachStage) {
         const QList<QByteArray>& lines;
         int lineCount;
         TurnPhase phase;
+        qint64 tokens; // the session's total, -1 for none yet
+        bool model;    // a turn_context has named the model
     } stages[] = {
-        {"exec: turn started", exec, 2, TurnPhase::running},
-        {"exec: command requested", exec, 10, TurnPhase::awaitingToolOutput},
-        {"exec: command ended, output not yet written", exec, 12, TurnPhase::awaitingToolOutput},
-        {"exec: output written", exec, 13, TurnPhase::running},
-        {"exec: turn complete", exec, 19, TurnPhase::idle},
-        {"exec: resumed, settings applied", exec, 20, TurnPhase::idle},
-        {"exec: killed while its command ran", exec, 41, TurnPhase::awaitingToolOutput},
-        {"exec: resumed again, a new turn", exec, 43, TurnPhase::running},
-        {"exec: last turn complete", exec, 56, TurnPhase::idle},
-        {"tui: approval asked", tui, 11, TurnPhase::awaitingToolOutput},
-        {"tui: approved, turn complete", tui, 19, TurnPhase::idle},
-        {"tui: interrupted during a command", tui, 30, TurnPhase::idle},
-        {"tui: resumed", tui, 32, TurnPhase::idle},
-        {"tui: resumed turn running its command", tui, 38, TurnPhase::awaitingToolOutput},
-        {"tui: resumed turn complete", tui, 47, TurnPhase::idle},
-        {"0.130: first answer written", tui130, 11, TurnPhase::running},
-        {"0.130: turn complete", tui130, 12, TurnPhase::idle},
-        {"0.130: tool call after a message", tui130, 20, TurnPhase::awaitingToolOutput},
-        {"0.130: final answer, turn not yet complete", tui130, 26, TurnPhase::running},
-        {"0.130: second turn complete", tui130, 27, TurnPhase::idle},
-        {"0.80: context written, no prompt yet", exec80, 4, TurnPhase::notStarted},
-        {"0.80: prompt", exec80, 5, TurnPhase::running},
-        {"0.80: response opened", exec80, 7, TurnPhase::running},
-        {"0.80: a message before a tool call", exec80, 9, TurnPhase::running},
-        {"0.80: tool call", exec80, 11, TurnPhase::awaitingToolOutput},
-        {"0.80: tool output", exec80, 12, TurnPhase::running},
-        {"0.80: next response opened", exec80, 14, TurnPhase::running},
-        {"0.80: final answer, response not yet complete", exec80, 16, TurnPhase::running},
-        {"0.80: response complete", exec80, 17, TurnPhase::idle},
+        {"exec: turn started", exec, 2, TurnPhase::running, -1, false},
+        {"exec: command requested", exec, 10, TurnPhase::awaitingToolOutput, -1, true},
+        {"exec: command ended, output not yet written", exec, 12, TurnPhase::awaitingToolOutput, -1,
+         true},
+        {"exec: output written", exec, 13, TurnPhase::running, -1, true},
+        {"exec: turn complete", exec, 19, TurnPhase::idle, 30, true},
+        {"exec: resumed, settings applied", exec, 20, TurnPhase::idle, 30, true},
+        {"exec: killed while its command ran", exec, 41, TurnPhase::awaitingToolOutput, 60, true},
+        {"exec: resumed again, a new turn", exec, 43, TurnPhase::running, 60, true},
+        {"exec: last turn complete", exec, 56, TurnPhase::idle, 90, true},
+        {"tui: approval asked", tui, 11, TurnPhase::awaitingToolOutput, -1, true},
+        {"tui: approved, turn complete", tui, 19, TurnPhase::idle, 30, true},
+        {"tui: interrupted during a command", tui, 30, TurnPhase::idle, 45, true},
+        {"tui: resumed", tui, 32, TurnPhase::idle, 45, true},
+        {"tui: resumed turn running its command", tui, 38, TurnPhase::awaitingToolOutput, 45, true},
+        {"tui: resumed turn complete", tui, 47, TurnPhase::idle, 75, true},
+        {"0.130: first answer written", tui130, 11, TurnPhase::running, 2, true},
+        {"0.130: turn complete", tui130, 12, TurnPhase::idle, 2, true},
+        {"0.130: tool call after a message", tui130, 20, TurnPhase::awaitingToolOutput, 2, true},
+        {"0.130: final answer, turn not yet complete", tui130, 26, TurnPhase::running, 6, true},
+        {"0.130: second turn complete", tui130, 27, TurnPhase::idle, 6, true},
+        {"0.80: context written, no prompt yet", exec80, 4, TurnPhase::notStarted, -1, false},
+        {"0.80: prompt", exec80, 5, TurnPhase::running, -1, false},
+        {"0.80: response opened", exec80, 7, TurnPhase::running, -1, true},
+        {"0.80: a message before a tool call", exec80, 9, TurnPhase::running, -1, true},
+        {"0.80: tool call", exec80, 11, TurnPhase::awaitingToolOutput, 2, true},
+        {"0.80: tool output", exec80, 12, TurnPhase::running, 2, true},
+        {"0.80: next response opened", exec80, 14, TurnPhase::running, 2, true},
+        {"0.80: final answer, response not yet complete", exec80, 16, TurnPhase::running, 2, true},
+        {"0.80: response complete", exec80, 17, TurnPhase::idle, 4, true},
     };
     for (const auto& stage : stages) {
         const LogFile log;
@@ -176,6 +179,10 @@ TEST(SessionLogReader, RealLogsAtEachStage) {
                                                                     : u"codex-tui")
             << stage.name;
         EXPECT_EQ(state.meta->cwd, u"/tmp/codexrun/proj") << stage.name;
+        EXPECT_EQ(state.tokens ? state.tokens->totalTokens : -1, stage.tokens) << stage.name;
+        EXPECT_EQ(state.model, stage.model ? std::optional(u"mock-model"_s) : std::nullopt)
+            << stage.name;
+        EXPECT_FALSE(state.rateLimits) << stage.name; // the fake sent no limits
     }
     const LogFile log;
     log.append(tui.join('\n'));
