@@ -228,6 +228,12 @@ void CodexProcessMonitor::onScanFinished() {
             publish(this, m_matches, std::move(classification.matches),
                     &CodexProcessMonitor::matchesChanged);
             m_historyByPID = std::move(classification.history);
+            // Published only when they change, so the design's order of
+            // notices per refresh stays as it is.
+            if (auto limits = updatedAccountLimits(m_accountLimits, outcome.logs);
+                limits != m_accountLimits)
+                publish(this, m_accountLimits, std::move(limits),
+                        &CodexProcessMonitor::accountLimitsChanged);
             publish(this, m_lastError, std::optional<QString>(),
                     &CodexProcessMonitor::lastErrorChanged);
         }
@@ -351,7 +357,11 @@ CodexProcessMonitor::classify(const QList<DetectedProcessSample>& samples, const
             .startedAt = sample.startedAt,
             .since = since,
             .source = logged ? StatusSource::log : StatusSource::cpu,
-            .lastMessage = log ? log->lastAgentMessageLine.value_or(QString()) : QString()});
+            .lastMessage = log ? log->lastAgentMessageLine.value_or(QString()) : QString(),
+            .model = log ? log->model.value_or(QString()) : QString(),
+            .tokens = log && log->tokens ? std::optional(log->tokens->totalTokens) : std::nullopt,
+            .contextLeftPercent =
+                log && log->tokens ? contextLeftPercent(*log->tokens) : std::nullopt});
         result.history.insert(
             sample.pid,
             ActivityHistory{.commandSeenFor =

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "detection/ProcessTree.h"
+#include "monitor/AccountLimits.h"
 #include "sessionlog/SessionLogState.h"
 
 #include <QDateTime>
@@ -46,7 +47,10 @@ struct ProcessMatch {
     std::optional<QDateTime> startedAt; // UTC
     std::optional<QDateTime> since;     // UTC: when it took its status
     StatusSource source = StatusSource::cpu;
-    QString lastMessage; // the first line of the agent's last message, from the log
+    QString lastMessage;          // the first line of the agent's last message, from the log
+    QString model;                // of the latest turn, from the log; empty when unknown
+    std::optional<qint64> tokens; // used in the session so far
+    std::optional<int> contextLeftPercent; // of the model's context window
 
     [[nodiscard]] qint64 id() const noexcept { return pid; }
     friend bool operator==(const ProcessMatch&, const ProcessMatch&) = default;
@@ -122,6 +126,8 @@ class CodexProcessMonitor : public QObject {
     Q_PROPERTY(std::optional<QDateTime> lastUpdated READ lastUpdated NOTIFY lastUpdatedChanged)
     Q_PROPERTY(std::optional<QString> lastError READ lastError NOTIFY lastErrorChanged)
     Q_PROPERTY(bool isRefreshing READ isRefreshing NOTIFY isRefreshingChanged)
+    Q_PROPERTY(
+        QList<brenvik::AccountLimits> accountLimits READ accountLimits NOTIFY accountLimitsChanged)
 
 public:
     struct ActivityHistory {
@@ -175,6 +181,10 @@ public:
     }
     [[nodiscard]] const std::optional<QString>& lastError() const noexcept { return m_lastError; }
     [[nodiscard]] bool isRefreshing() const noexcept { return m_isRefreshing; }
+    // Per CODEX_HOME, the newest limits its sessions' logs reported since start.
+    [[nodiscard]] const QList<AccountLimits>& accountLimits() const noexcept {
+        return m_accountLimits;
+    }
     [[nodiscard]] const HistoryMap& historyByPID() const noexcept { return m_historyByPID; }
 
     // First refresh at once, then one every refreshInterval. Idempotent.
@@ -203,6 +213,7 @@ Q_SIGNALS:
     void lastUpdatedChanged(const std::optional<QDateTime>& lastUpdated);
     void lastErrorChanged(const std::optional<QString>& lastError);
     void isRefreshingChanged(bool isRefreshing);
+    void accountLimitsChanged(const QList<brenvik::AccountLimits>& accountLimits);
 
 private Q_SLOTS:
     void onLoopWakeUp();
@@ -224,6 +235,7 @@ private:
     std::optional<QDateTime> m_lastUpdated;
     std::optional<QString> m_lastError;
     bool m_isRefreshing = false;
+    QList<AccountLimits> m_accountLimits;
     HistoryMap m_historyByPID;
 
     ScanFunction m_scan;
