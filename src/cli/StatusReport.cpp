@@ -60,6 +60,34 @@ constexpr qsizetype kStatusWidth = 7;
 
 // {"terminal":…,"window":…,"tmux":{…}|null,"guess":…}, every key there
 // also when nothing is known.
+[[nodiscard]] QString jsonOrNull(const QString& text) {
+    return text.isEmpty() ? QStringLiteral("null") : jsonString(text);
+}
+
+[[nodiscard]] QString jsonWindow(const std::optional<RateLimitWindow>& window,
+                                 const QDateTime& now) {
+    if (!window)
+        return QStringLiteral("null");
+    return u"{\"usedPercent\":" + jsonNumber(usedPercentNow(*window, now)) +
+           u",\"windowMinutes\":" +
+           (window->windowMinutes ? jsonNumber(*window->windowMinutes) : QStringLiteral("null")) +
+           u",\"resetsAt\":" +
+           (window->resetsAt ? jsonString(isoTimestamp(*window->resetsAt))
+                             : QStringLiteral("null")) +
+           u'}';
+}
+
+[[nodiscard]] QString jsonLimits(const AccountLimits& account, const QDateTime& now) {
+    const RateLimits& limits = account.limits;
+    return u"{\"codexHome\":" + jsonString(account.codexHome) + u",\"primary\":" +
+           jsonWindow(limits.primary, now) + u",\"secondary\":" +
+           jsonWindow(limits.secondary, now) + u",\"planType\":" + jsonOrNull(limits.planType) +
+           u",\"reachedType\":" + jsonOrNull(limits.reachedType) + u",\"observedAt\":" +
+           (limits.observedAt.isValid() ? jsonString(isoTimestamp(limits.observedAt))
+                                        : QStringLiteral("null")) +
+           u'}';
+}
+
 [[nodiscard]] QString jsonPlace(const SessionPlace& place) {
     QString tmux = QStringLiteral("null");
     if (place.tmux) {
@@ -97,11 +125,36 @@ StatusReport StatusReport::of(const CodexProcessMonitor& monitor, const SessionP
         if (lookup && lookup->place)
             placeOf.insert(match.pid, *lookup->place);
     }
-    return {monitor.runState(), monitor.summary(), std::move(matches), updated, std::move(placeOf)};
+    QList<AccountLimits> limits = monitor.accountLimits();
+    for (AccountLimits& account : limits) {
+        account.limits.observedAt = account.limits.observedAt.toLocalTime();
+        for (auto* window : {&account.limits.primary, &account.limits.secondary}) {
+            if (*window && (*window)->resetsAt)
+                (*window)->resetsAt = (*window)->resetsAt->toLocalTime();
+        }
+    }
+    return {monitor.runState(),
+            monitor.summary(),
+            std::move(matches),
+            updated,
+            std::move(placeOf),
+            std::move(limits),
+            monitor.lastUpdated().value_or(QDateTime::currentDateTimeUtc())};
 }
 
 QString statusLine(const StatusReport& report) {
     return singleLine(detailText(report.state));
+}
+
+QStringList limitsLines(const StatusReport& report) {
+    QStringList lines;
+    for (const AccountLimits& account : report.limits) {
+        QString line = limitsLineText(account.limits, report.now);
+        if (report.limits.size() > 1)
+            line += u" (" + abbreviatedDirectory(account.codexHome) + u')';
+        lines.append(singleLine(line));
+    }
+    return lines;
 }
 
 QString statusText(const StatusReport& report, std::optional<qsizetype> width) {
@@ -116,6 +169,8 @@ QString statusText(const StatusReport& report, std::optional<qsizetype> width) {
         return line + u'\n';
     };
     QString text = fitted(statusLine(report));
+    for (const QString& line : limitsLines(report))
+        text += fitted(line);
     if (report.matches.isEmpty())
         return text;
 
@@ -189,8 +244,18 @@ QString statusJson(const StatusReport& report) {
                 u",\"since\":" +
                 (match.since ? jsonString(isoTimestamp(*match.since)) : QStringLiteral("null")) +
                 u",\"source\":" + jsonString(rawValue(match.source)) + u",\"place\":" +
-                jsonPlace(report.places.value(match.pid)) + u'}';
+                jsonPlace(report.places.value(match.pid)) + u",\"model\":" +
+                jsonOrNull(match.model) + u",\"tokens\":" +
+                (match.tokens ? jsonNumber(*match.tokens) : QStringLiteral("null")) +
+                u",\"contextLeftPercent\":" +
+                (match.contextLeftPercent ? jsonNumber(qint64(*match.contextLeftPercent))
+                                          : QStringLiteral("null")) +
+                u'}';
     }
+    json += u"],\"limits\":[";
+    for (qsizetype i = 0; i < report.limits.size(); ++i)
+        json +=
+            (i > 0 ? QStringView(u",") : QStringView()) + jsonLimits(report.limits[i], report.now);
     json += u"]}";
     return json;
 }

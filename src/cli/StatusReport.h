@@ -21,6 +21,10 @@ struct StatusReport {
     std::optional<QDateTime> updated;
     // By root PID; a session without one has no known place.
     QHash<qint64, SessionPlace> places = {};
+    // The account's limits per CODEX_HOME, and the moment they are read at
+    // (a window whose reset time passed has reset).
+    QList<AccountLimits> limits = {};
+    QDateTime now = QDateTime::currentDateTimeUtc();
 
     // With `places`, the place of each session where one was found.
     [[nodiscard]] static StatusReport of(const CodexProcessMonitor& monitor,
@@ -30,7 +34,11 @@ struct StatusReport {
 // The detail line alone, as status bars show it. No line break.
 [[nodiscard]] QString statusLine(const StatusReport& report);
 
-// The detail line, then one aligned row per session under a heading: PID,
+// The limits lines: "Limits: 5 h 42 % · week 13 % · resets 19:20", one per
+// CODEX_HOME (named after the line where there are several); none without limits.
+[[nodiscard]] QStringList limitsLines(const StatusReport& report);
+
+// The detail line and the limits lines, then one aligned row per session under a heading: PID,
 // status, member count, project and command. Without a width (a file or a
 // pipe) commands are whole; with one (a terminal's columns) each row is cut
 // to fit it with "…". Every line ends with a line break.

@@ -27,15 +27,24 @@ ProcessMatch match(qint64 pid, QString command, ProcessActivityStatus status, do
             .startedAt = startedAt,
             .since = {},
             .source = StatusSource::cpu,
-            .lastMessage = {}};
+            .lastMessage = {},
+            .model = {},
+            .tokens = {},
+            .contextLeftPercent = {}};
 }
 
-StatusReport observedReport(QList<ProcessMatch> matches, QHash<qint64, SessionPlace> places = {}) {
+StatusReport observedReport(QList<ProcessMatch> matches, QHash<qint64, SessionPlace> places = {},
+                            QList<AccountLimits> limits = {}) {
     const auto runningCount = std::count_if(matches.cbegin(), matches.cend(),
                                             [](const auto& m) { return m.status == running; });
     const auto total = static_cast<qint64>(matches.size());
     return {CodexRunState::observed(total, runningCount, total - runningCount),
-            QStringLiteral("summary text"), std::move(matches), kUpdated, std::move(places)};
+            QStringLiteral("summary text"),
+            std::move(matches),
+            kUpdated,
+            std::move(places),
+            std::move(limits),
+            kUpdated};
 }
 
 TEST(StatusText, DetailLineThenAnAlignedRowPerGroup) {
@@ -72,6 +81,15 @@ TEST(StatusText, DetailLineThenAnAlignedRowPerGroup) {
          QStringLiteral("1 Codex process running\n"
                         "  PID  STATUS   MEMBERS  PROJECT  COMMAND\n"
                         "    7  running        1  -        codex exec \"fix the tests\"\n")},
+        {"limits of two CODEX_HOMEs under the status line",
+         observedReport({match(7, QStringLiteral("codex"), running, 1, 1, 1)}, {},
+                        {{QStringLiteral("/a"), {RateLimitWindow{42, 300, {}}, {}, {}, {}, {}}},
+                         {QStringLiteral("/b"), {{}, RateLimitWindow{96, 10080, {}}, {}, {}, {}}}}),
+         QStringLiteral("1 Codex process running\n"
+                        "Limits: 5 h 42 % (/a)\n"
+                        "Limits: week 96 % (/b)\n"
+                        "  PID  STATUS   MEMBERS  PROJECT  COMMAND\n"
+                        "    7  running        1  -        codex\n")},
     };
     for (const auto& testCase : cases) {
         SCOPED_TRACE(testCase.name);
@@ -91,7 +109,7 @@ TEST(StatusJson, KeysInAFixedOrderOnOneLine) {
         QStringLiteral("codex \"q\" back\\slash\t\x01\b\f\r\n \u00E9\U0001F600");
     const QString awkwardJson = QStringLiteral(R"(codex \"q\" back\\slash\t\u0001\b\f\r\n )") +
                                 QStringLiteral("\u00E9\U0001F600");
-    const struct {
+    struct {
         const char* name;
         StatusReport report;
         QString expected;
@@ -101,14 +119,14 @@ TEST(StatusJson, KeysInAFixedOrderOnOneLine) {
          QStringLiteral(
              R"({"state":"idle","total":0,"running":0,"idle":0,"waiting":0,"summary":"Checking",)"
              R"("detail":"No Codex CLI process detected","error":null,"updated":null,)"
-             R"("groups":[]})")},
+             R"("groups":[],"limits":[]})")},
         {"error with an awkward text",
          {CodexRunState::error(awkward), QStringLiteral("failed"), {}, kUpdated},
          QStringLiteral(
              R"({"state":"error","total":0,"running":0,"idle":0,"waiting":0,"summary":"failed",)"
              R"("detail":"Codex process detection failed: )") +
              awkwardJson + QStringLiteral(R"(","error":")") + awkwardJson +
-             QStringLiteral(R"(","updated":"2026-11-23T04:05:06+01:00","groups":[]})")},
+             QStringLiteral(R"(","updated":"2026-11-23T04:05:06+01:00","groups":[],"limits":[]})")},
         {"large figures, and those JSON cannot hold become null",
          observedReport(
              {match(2'200'000'000, awkward, running, 250.125, 1e-3, 4, QStringLiteral("/home/u/w"),
@@ -120,7 +138,13 @@ TEST(StatusJson, KeysInAFixedOrderOnOneLine) {
                                                     QStringLiteral("a\"b\n$(x) y"),
                                                     QStringLiteral("$3"), 2, QStringLiteral("@4"),
                                                     QStringLiteral("w"), 1, QStringLiteral("%9")},
-                                           true}}}),
+                                           true}}},
+             {AccountLimits{QStringLiteral("/home/u/.codex"),
+                            RateLimits{RateLimitWindow{42.5, 300, kUpdated.addSecs(7200)},
+                                       RateLimitWindow{13, 10080, kUpdated.addSecs(-1)},
+                                       QStringLiteral("plus"),
+                                       {},
+                                       kUpdated.addSecs(-120)}}}),
          QStringLiteral(
              R"({"state":"observed","total":2,"running":1,"idle":1,"waiting":0,"summary":"summary text",)"
              R"("detail":"2 total · 1 running · 1 idle","error":null,)"
@@ -131,11 +155,20 @@ TEST(StatusJson, KeysInAFixedOrderOnOneLine) {
                  R"("cumulativeCPUTime":0.001,"memberCount":4,"processCount":5,"cwd":"/home/u/w",)"
                  R"("startedAt":"2026-11-23T04:03:36+01:00","since":null,"source":"cpu",)"
                  R"("place":{"terminal":"GNOME Terminal","window":4194317,"tmux":{"socket":"/tmp/tmux-1000/default",)"
-                 R"("session":"a\"b\n$(x) y","window":2,"pane":1},"guess":true}},{"pid":1,"command":"codex",)"
+                 R"("session":"a\"b\n$(x) y","window":2,"pane":1},"guess":true},"model":null,"tokens":null,)"
+                 R"("contextLeftPercent":null},{"pid":1,"command":"codex",)"
                  R"("status":"idle","instantaneousCPUPercent":null,"cumulativeCPUTime":null,)"
                  R"("memberCount":1,"processCount":2,"cwd":null,"startedAt":null,"since":null,"source":"cpu",)"
-                 R"("place":{"terminal":null,"window":null,"tmux":null,"guess":false}}]})")},
+                 R"("place":{"terminal":null,"window":null,"tmux":null,"guess":false},)"
+                 R"("model":"gpt-5.5","tokens":123456,"contextLeftPercent":63}],"limits":[)"
+                 R"({"codexHome":"/home/u/.codex","primary":{"usedPercent":42.5,"windowMinutes":300,)"
+                 R"("resetsAt":"2026-11-23T06:05:06+01:00"},"secondary":{"usedPercent":0,)"
+                 R"("windowMinutes":10080,"resetsAt":"2026-11-23T04:05:05+01:00"},"planType":"plus",)"
+                 R"("reachedType":null,"observedAt":"2026-11-23T04:03:06+01:00"}]})")},
     };
+    cases[2].report.matches[1].model = QStringLiteral("gpt-5.5");
+    cases[2].report.matches[1].tokens = 123456;
+    cases[2].report.matches[1].contextLeftPercent = 63;
     for (const auto& testCase : cases) {
         EXPECT_EQ(statusJson(testCase.report).toStdString(), testCase.expected.toStdString())
             << testCase.name;
