@@ -88,6 +88,12 @@ void AppModel::announceChanges() {
     m_notifier->apply(m_notificationPolicy->update(m_monitor->matches(),
                                                    m_monitor->lastError().has_value(),
                                                    m_notifications->enabled(), m_clock()));
+    NotificationPolicy::Decision limits;
+    for (LimitNotice& notice :
+         m_limitNotices.update(m_monitor->accountLimits(), m_notifications->enabled(), m_clock()))
+        limits.show.append({Announcement::Kind::finished, {}, notice.summary, notice.body});
+    if (!limits.show.isEmpty())
+        m_notifier->apply(limits);
 }
 
 AppModel::~AppModel() = default;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "monitor/ProcessMonitoring.h"
+#include "notify/LimitNoticePolicy.h"
 #include "views/ViewActions.h"
 
 #include <QObject>
@@ -81,6 +82,7 @@ private:
     std::unique_ptr<NotificationBus> m_ownNotificationBus;
     std::unique_ptr<DesktopNotifier> m_notifier;
     std::unique_ptr<NotificationPolicy> m_notificationPolicy;
+    LimitNoticePolicy m_limitNotices;
 };
 
 } // namespace brenvik

@@ -47,7 +47,11 @@ void StatusItemController::redrawFromMonitor() {
 }
 
 void StatusItemController::updateButton(const CodexRunState& state) {
-    Appearance next{stateColor(state), badgeText(state), detailText(state)};
+    // The plan's limits under the status line, where a session log named them.
+    QStringList toolTip{detailText(state)};
+    if (m_monitor)
+        toolTip << limitsLines(m_monitor->accountLimits(), QDateTime::currentDateTimeUtc());
+    Appearance next{stateColor(state), badgeText(state), toolTip.join(u'\n')};
     // Tray hosts repaint (and some flicker) on every update, so unchanged
     // parts are not sent again.
     if (!m_shown || m_shown->color != next.color || m_shown->badge != next.badge)

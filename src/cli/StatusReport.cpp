@@ -146,17 +146,6 @@ QString statusLine(const StatusReport& report) {
     return singleLine(detailText(report.state));
 }
 
-QStringList limitsLines(const StatusReport& report) {
-    QStringList lines;
-    for (const AccountLimits& account : report.limits) {
-        QString line = limitsLineText(account.limits, report.now);
-        if (report.limits.size() > 1)
-            line += u" (" + abbreviatedDirectory(account.codexHome) + u')';
-        lines.append(singleLine(line));
-    }
-    return lines;
-}
-
 QString statusText(const StatusReport& report, std::optional<qsizetype> width) {
     // A terminal wraps what is wider than it; cut in time instead.
     const auto fitted = [width](QString line) -> QString {
@@ -169,8 +158,8 @@ QString statusText(const StatusReport& report, std::optional<qsizetype> width) {
         return line + u'\n';
     };
     QString text = fitted(statusLine(report));
-    for (const QString& line : limitsLines(report))
-        text += fitted(line);
+    for (const QString& line : limitsLines(report.limits, report.now))
+        text += fitted(singleLine(line));
     if (report.matches.isEmpty())
         return text;
 

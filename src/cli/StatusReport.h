@@ -34,10 +34,6 @@ struct StatusReport {
 // The detail line alone, as status bars show it. No line break.
 [[nodiscard]] QString statusLine(const StatusReport& report);
 
-// The limits lines: "Limits: 5 h 42 % · week 13 % · resets 19:20", one per
-// CODEX_HOME (named after the line where there are several); none without limits.
-[[nodiscard]] QStringList limitsLines(const StatusReport& report);
-
 // The detail line and the limits lines, then one aligned row per session under a heading: PID,
 // status, member count, project and command. Without a width (a file or a
 // pipe) commands are whole; with one (a terminal's columns) each row is cut

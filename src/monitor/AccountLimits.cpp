@@ -1,5 +1,6 @@
 #include "monitor/AccountLimits.h"
 
+#include "monitor/ProcessMonitoring.h"
 #include "sessionlog/SessionLogState.h"
 
 #include <QLocale>
@@ -96,6 +97,24 @@ QString limitsLineText(const RateLimits& limits, const QDateTime& now) {
     if (const RateLimitWindow* nearer = nearerWindow(limits, now); nearer && nearer->resetsAt)
         text += u" \u00B7 resets " + resetTimeText(*nearer->resetsAt, now);
     return text;
+}
+
+QStringList limitsLines(const QList<AccountLimits>& accounts, const QDateTime& now) {
+    QStringList lines;
+    for (const AccountLimits& account : accounts) {
+        QString line = limitsLineText(account.limits, now);
+        if (accounts.size() > 1)
+            line += u" (" + abbreviatedDirectory(account.codexHome) + u')';
+        lines.append(line);
+    }
+    return lines;
+}
+
+LimitsLevel limitsLevel(const QList<AccountLimits>& accounts, const QDateTime& now) {
+    LimitsLevel level = LimitsLevel::normal;
+    for (const AccountLimits& account : accounts)
+        level = std::max(level, limitsLevel(account.limits, now));
+    return level;
 }
 
 LimitsLevel limitsLevel(const RateLimits& limits, const QDateTime& now) {

@@ -5,6 +5,7 @@
 #include <QDateTime>
 #include <QList>
 #include <QString>
+#include <QStringList>
 #include <optional>
 
 namespace brenvik {
@@ -42,9 +43,15 @@ updatedAccountLimits(QList<AccountLimits> kept, const QList<std::optional<Sessio
 // nearer its limit.
 [[nodiscard]] QString limitsLineText(const RateLimits& limits, const QDateTime& now);
 
+// The limits line of each CODEX_HOME, named after the line where there are
+// several ("Limits: week 96 % (~/.codex-work)"); none without limits.
+[[nodiscard]] QStringList limitsLines(const QList<AccountLimits>& accounts, const QDateTime& now);
+
 // How urgent the limits look: plain below 80 %, a warning from 80 %,
 // critical from 95 % or when Codex reports a limit reached.
 enum class LimitsLevel { normal, warning, critical };
 [[nodiscard]] LimitsLevel limitsLevel(const RateLimits& limits, const QDateTime& now);
+// The most urgent level of them all.
+[[nodiscard]] LimitsLevel limitsLevel(const QList<AccountLimits>& accounts, const QDateTime& now);
 
 } // namespace brenvik

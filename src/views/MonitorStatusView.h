@@ -31,12 +31,19 @@ protected:
     // Overrides call this first, then update their own parts.
     virtual void updateFromMonitor() {
         m_header->setState(m_monitor.runState(), m_monitor.summary());
+        updateLimits();
     }
 
     CodexProcessMonitor& m_monitor;
     ViewActions& m_actions;
 
 private:
+    void updateLimits() {
+        const QDateTime now = QDateTime::currentDateTimeUtc();
+        m_header->setLimits(limitsLines(m_monitor.accountLimits(), now),
+                            limitsLevel(m_monitor.accountLimits(), now));
+    }
+
     CoalescedUpdate* m_updates;
     StatusHeaderView* m_header;
 };

@@ -51,6 +51,15 @@ QString processRowTitle(const ProcessMatch& match, const QString& home) {
     return abbreviatedDirectory(match.cwd, home);
 }
 
+QString processRowUsageText(const ProcessMatch& match) {
+    QStringList parts;
+    if (!match.model.isEmpty())
+        parts << match.model;
+    if (match.contextLeftPercent)
+        parts << QString::number(*match.contextLeftPercent) + u" % context left";
+    return parts.join(u" \u00B7 ");
+}
+
 QString processRowToolTip(const ProcessMatch& match, const QString& home, const QLocale& locale) {
     QStringList lines;
     if (!match.cwd.isEmpty())
@@ -65,6 +74,10 @@ QString processRowToolTip(const ProcessMatch& match, const QString& home, const 
                      locale.toString(match.startedAt->toLocalTime(), QLocale::ShortFormat);
     lines << (match.source == StatusSource::log ? QStringLiteral("Status from its session log")
                                                 : QStringLiteral("Status from its CPU use"));
+    if (const QString usage = processRowUsageText(match); !usage.isEmpty())
+        lines << usage;
+    if (match.tokens)
+        lines << locale.toString(*match.tokens) + u" tokens used";
     return lines.join(u'\n');
 }
 

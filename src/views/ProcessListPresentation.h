@@ -40,8 +40,13 @@ inline constexpr qsizetype kPlainStackMaximumRows = 3;
 [[nodiscard]] QString processRowTitle(const ProcessMatch& match,
                                       const QString& home = QDir::homePath());
 
+// What a row says of the session's usage: "gpt-5.5 · 63 % context left",
+// either part alone, or nothing where its log has no figures.
+[[nodiscard]] QString processRowUsageText(const ProcessMatch& match);
+
 // A row's tool tip: the directory, the PID and process count, the start time,
-// and whether the session log or the CPU use decided the status.
+// whether the session log or the CPU use decided the status, and the
+// session's model, tokens and context left where its log has them.
 [[nodiscard]] QString processRowToolTip(const ProcessMatch& match,
                                         const QString& home = QDir::homePath(),
                                         const QLocale& locale = QLocale::system());

@@ -85,7 +85,8 @@ ProcessRowView::ProcessRowView(const ProcessMatch& match, const QDateTime& now, 
     : QWidget(parent)
     , m_title(new ElidingLabel(TextStyle::caption, FontWeight::semibold, NamedColor::primary, this))
     , m_capsule(new StatusCapsule(this))
-    , m_command(new CommandLabel(this)) {
+    , m_command(new CommandLabel(this))
+    , m_usage(new StyledLabel(TextStyle::caption, NamedColor::secondary, this)) {
     setFixedHeight(kHeight);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
 
@@ -101,7 +102,12 @@ ProcessRowView::ProcessRowView(const ProcessMatch& match, const QDateTime& now, 
     column->setContentsMargins(0, 0, 0, 0);
     column->setSpacing(3);
     column->addLayout(top);
-    column->addWidget(m_command);
+    auto* bottom = new QHBoxLayout;
+    bottom->setContentsMargins(0, 0, 0, 0);
+    bottom->setSpacing(8);
+    bottom->addWidget(m_command, 1);
+    bottom->addWidget(m_usage, 0); // whole: the command fades out first
+    column->addLayout(bottom);
     column->addStretch(1);
 
     m_match.pid = -1; // so that the first setMatch fills every field
@@ -117,6 +123,8 @@ void ProcessRowView::setMatch(const ProcessMatch& match, const QDateTime& now) {
     m_title->setToolTip(toolTip);
     // "How long" moves on with every refresh.
     m_capsule->setStatus(match.status, statusCapsuleText(match, now));
+    m_usage->setText(processRowUsageText(match));
+    m_usage->setVisible(!m_usage->text().isEmpty());
     // Same text: leave the label alone, which keeps the user's selection.
     if (match.command != m_match.command || m_match.pid == -1) {
         const QString shown = shownCommand(match.command);

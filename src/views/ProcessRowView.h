@@ -56,6 +56,7 @@ private:
     ElidingLabel* m_title;
     StatusCapsule* m_capsule;
     CommandLabel* m_command;
+    StyledLabel* m_usage; // "gpt-5.5 · 63 % context left", beside the command
 };
 
 } // namespace brenvik

@@ -70,6 +70,7 @@ StatusHeaderView::StatusHeaderView(const CodexRunState& state, const QString& su
     , m_summary(new StyledLabel(TextStyle::subheadline, NamedColor::secondary, this))
     , m_waiting(
           new ElidingLabel(TextStyle::subheadline, FontWeight::semibold, NamedColor::violet, this))
+    , m_limits(new StyledLabel(TextStyle::caption, NamedColor::secondary, this))
     , m_badge(new StyledLabel(TextStyle::title3, FontWeight::bold, NamedColor::green, this)) {
     auto* title = new StyledLabel(TextStyle::headline, NamedColor::primary, this);
     title->setText(tr("Codex CLI Status"));
@@ -80,6 +81,10 @@ StatusHeaderView::StatusHeaderView(const CodexRunState& state, const QString& su
     texts->addWidget(title);
     texts->addWidget(m_summary);
     texts->addWidget(m_waiting);
+    texts->addWidget(m_limits);
+    // Wrapped, never cut: the line is short, but fonts are large at times.
+    m_limits->setWordWrap(true);
+    m_limits->hide();
 
     // The UI fonts Brenvik meets (DejaVu, Cantarell, Noto) draw digits at one
     // width already, so the badge does not jump as the count changes; Qt 6.4
@@ -121,6 +126,22 @@ QString StatusHeaderView::badgeText() const {
 
 QString StatusHeaderView::waitingText() const {
     return m_waiting->isHidden() ? QString() : m_waiting->fullText();
+}
+
+void StatusHeaderView::setLimits(const QStringList& lines, LimitsLevel level) {
+    m_limits->setText(lines.join(u'\n'));
+    m_limits->setColor(level == LimitsLevel::critical  ? NamedColor::red
+                       : level == LimitsLevel::warning ? NamedColor::orange
+                                                       : NamedColor::secondary);
+    m_limits->setVisible(!lines.isEmpty());
+}
+
+QString StatusHeaderView::limitsText() const {
+    return m_limits->isHidden() ? QString() : m_limits->text();
+}
+
+NamedColor StatusHeaderView::limitsColor() const {
+    return m_limits->color();
 }
 
 LastUpdatedLabel::LastUpdatedLabel(const std::optional<QDateTime>& lastUpdated, QWidget* parent)

@@ -47,11 +47,17 @@ public:
     [[nodiscard]] QString badgeText() const;
     // "Waiting for you: brenvik" in full; empty while the line is absent.
     [[nodiscard]] QString waitingText() const;
+    // The plan's limits under the summary ("Limits: 5 h 42 % · week 13 % ·
+    // resets 19:20"), coloured by how near they are; absent without lines.
+    void setLimits(const QStringList& lines, LimitsLevel level);
+    [[nodiscard]] QString limitsText() const;
+    [[nodiscard]] NamedColor limitsColor() const;
 
 private:
     StatusDotShapeView* m_dot;
     StyledLabel* m_summary;
     ElidingLabel* m_waiting;
+    StyledLabel* m_limits;
     StyledLabel* m_badge;
 };
 

@@ -90,12 +90,15 @@ TEST_F(ControlPanel, RowsCutOffByAGrownPreferencesSectionScroll) {
 TEST_F(ControlPanel, ThreeRowsStackAndAFourthScrolls) {
     const auto texts = [](QWidget* row) {
         QStringList texts;
-        for (const QLabel* label : row->findChildren<QLabel*>())
-            texts.append(label->text());
+        for (const QLabel* label : row->findChildren<QLabel*>()) {
+            if (!label->isHidden())
+                texts.append(label->text());
+        }
         return texts;
     };
     // Row 1 runs, row 2 has waited for two minutes, row 3 has no known
-    // directory; each row shows its directory (or PID) and status.
+    // directory; each row shows its directory (or PID) and status; row 2's
+    // log names its model and context.
     const QString titles[] = {u"~/projects/p1"_s, u"~/projects/p2"_s, u"PID 1003"_s,
                               u"~/projects/p4"_s};
     const QString capsules[] = {u"Running \u00B7 0 s"_s, u"Waiting for you \u00B7 2 min"_s,
@@ -114,6 +117,10 @@ TEST_F(ControlPanel, ThreeRowsStackAndAFourthScrolls) {
             if (i != 3)
                 groups.last().cwd = QDir::homePath() + u"/projects/p%1"_s.arg(i);
             logs.append(i == 2 ? waitingLog(test::at(-120'000)) : std::nullopt);
+            if (i == 2) {
+                logs.last()->model = u"gpt-5.5"_s;
+                logs.last()->tokens = TokenUsage{500'000, 95'608, 258'400};
+            }
         }
         ASSERT_TRUE(m_scripted.refreshWith(groups, logs));
         settle();
@@ -128,13 +135,15 @@ TEST_F(ControlPanel, ThreeRowsStackAndAFourthScrolls) {
         for (int i = 0; i < count; ++i) {
             EXPECT_TRUE(rows[i]->isVisible()) << count << " matches, row " << i;
             EXPECT_EQ(rows[i]->height(), 38) << count << " matches, row " << i;
-            EXPECT_EQ(texts(rows[i]),
-                      (QStringList{titles[i], capsules[i], shownCommand(groups[i].command)}))
+            QStringList expected{titles[i], capsules[i], shownCommand(groups[i].command)};
+            if (i == 1)
+                expected << u"gpt-5.5 \u00B7 63 % context left"_s;
+            EXPECT_EQ(texts(rows[i]), expected)
                 << count << " matches, row " << i;
             EXPECT_TRUE(rows[i]->toolTip().contains(u"PID %1"_s.arg(1001 + i)))
                 << count << " matches, row " << i;
         }
-        const QLabel* command = rows[0]->findChildren<QLabel*>().last();
+        const QLabel* command = rows[0]->findChildren<QLabel*>().at(2);
         EXPECT_TRUE(command->textInteractionFlags() & Qt::TextSelectableByMouse);
     }
 }
