@@ -26,6 +26,7 @@ protected:
         , m_updates(new CoalescedUpdate([this] { updateFromMonitor(); }, this))
         , m_header(new StatusHeaderView(monitor.runState(), monitor.summary(), this)) {
         m_updates->observe(&m_monitor);
+        updateLimits();
     }
 
     // Overrides call this first, then update their own parts.

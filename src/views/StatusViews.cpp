@@ -82,8 +82,6 @@ StatusHeaderView::StatusHeaderView(const CodexRunState& state, const QString& su
     texts->addWidget(m_summary);
     texts->addWidget(m_waiting);
     texts->addWidget(m_limits);
-    // Wrapped, never cut: the line is short, but fonts are large at times.
-    m_limits->setWordWrap(true);
     m_limits->hide();
 
     // The UI fonts Brenvik meets (DejaVu, Cantarell, Noto) draw digits at one

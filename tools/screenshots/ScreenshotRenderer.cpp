@@ -282,6 +282,27 @@ int main(int argc, char** argv) {
     const Logs threeStateLogs{logged(TurnPhase::running, 45),
                               logged(TurnPhase::awaitingToolOutput, 130),
                               logged(TurnPhase::idle, 25 * 60)};
+    // The same sessions with their usage: models and context, and the plan's
+    // limits at `fiveHours` and `week` percent (reset times from the real clock,
+    // which the views read).
+    const auto withLimits = [&](double fiveHours, double week) {
+        Logs logs = threeStateLogs;
+        const QDateTime now = QDateTime::currentDateTimeUtc();
+        const qint64 contexts[] = {61'000, 95'608, 231'000};
+        for (qsizetype i = 0; i < logs.size(); ++i) {
+            logs[i]->model = QStringLiteral("gpt-5-codex");
+            logs[i]->tokens = TokenUsage{contexts[i] * 4, contexts[i], 258'400};
+            logs[i]->codexHome = QDir::homePath() + QStringLiteral("/.codex");
+        }
+        logs[0]->rateLimits =
+            RateLimits{RateLimitWindow{fiveHours, 300, now.addSecs(3 * 3600 + 600)},
+                       RateLimitWindow{week, 10080, now.addDays(4)},
+                       QStringLiteral("plus"),
+                       {},
+                       now.addSecs(-30)};
+        return logs;
+    };
+    const Logs limits42 = withLimits(42, 13), limits96 = withLimits(96, 71);
     const auto loginOn = [](Preferences& p) { p.launchAtLogin.setEnabled(true); };
     const auto dockRefused = [](Preferences& p) { p.appVisibility.setShowDockIcon(false); };
     // Both failure texts crowd the list: its three rows scroll.
@@ -310,6 +331,11 @@ int main(int argc, char** argv) {
         {"popover-running", false, two},
         {"popover-error", false, error},
         {"popover-waiting", false, threeStates, nullptr, threeStateLogs},
+        {"popover-limits-42", false, threeStates, nullptr, limits42},
+        {"popover-limits-96", false, threeStates, nullptr, limits96},
+        {"control-panel-limits-42", true, threeStates, loginOn, limits42},
+        {"control-panel-limits-96", true, threeStates, loginOn, limits96},
+        {"control-panel-limits-16pt", true, threeStates, loginOn, limits96, 16},
     };
     const Scene dark[] = {
         {"control-panel-three-states", true, threeStates, loginOn, threeStateLogs},
