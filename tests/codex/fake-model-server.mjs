@@ -5,6 +5,9 @@
 //   [escalate]      ... asking to run it outside the sandbox (the TUI asks for approval)
 //   [say:TEXT]      answer TEXT
 //   [pad:K]         ... followed by K KiB of filler lines
+//   [usage:T]       every response of the turn reports T tokens used (else 2)
+//   [limits:P/S/R]  ... and the rate-limit headers: the 5 h window P % used, resetting
+//                   R s after the turn's first request, the week S %, resetting in 7 days
 // Once the tool's output comes back, it answers with a final message. Requests for a
 // structured answer (the thread title Codex asks for beside a turn) get one at once.
 // It also serves as the HTTP(S) proxy of the run and refuses every tunnel, so that
@@ -12,7 +15,7 @@
 // Run alone (node fake-model-server.mjs) it prints its port and logs to stdout.
 import http from "node:http";
 
-const directivePattern = /\[(think|shell|escalate|say|pad)(?::([^\]]*))?\]/g;
+const directivePattern = /\[(think|shell|escalate|say|pad|usage|limits)(?::([^\]]*))?\]/g;
 
 function parseDirectives(text) {
   const d = {};
@@ -56,6 +59,36 @@ function message(n, text) {
   return { type: "message", role: "assistant", id: `msg_${n}`, content: [{ type: "output_text", text }] };
 }
 
+// The figures of a turn's responses, fixed at its first request: the usage object of
+// response.completed and the rate-limit headers, with what Codex should log of them.
+const figuresByPrompt = new Map();
+function figuresOf(prompt) {
+  if (!figuresByPrompt.has(prompt)) {
+    const d = parseDirectives(prompt);
+    const total = Number(d.usage ?? 2);
+    const figures = {
+      usage: { input_tokens: total - 1, input_tokens_details: { cached_tokens: 0 }, output_tokens: 1,
+        output_tokens_details: { reasoning_tokens: 0 }, total_tokens: total },
+      headers: {},
+    };
+    if (typeof d.limits === "string") {
+      const [primary, secondary, resetIn] = d.limits.split("/").map(Number);
+      const now = Math.floor(Date.now() / 1000);
+      figures.limits = {
+        primary: { usedPercent: primary, windowMinutes: 300, resetsAt: now + resetIn },
+        secondary: { usedPercent: secondary, windowMinutes: 10080, resetsAt: now + 7 * 86400 },
+      };
+      for (const [name, w] of Object.entries(figures.limits)) {
+        figures.headers[`x-codex-${name}-used-percent`] = String(w.usedPercent);
+        figures.headers[`x-codex-${name}-window-minutes`] = String(w.windowMinutes);
+        figures.headers[`x-codex-${name}-reset-at`] = String(w.resetsAt);
+      }
+    }
+    figuresByPrompt.set(prompt, figures);
+  }
+  return figuresByPrompt.get(prompt);
+}
+
 async function readBody(req) {
   const chunks = [];
   for await (const c of req) chunks.push(c);
@@ -82,8 +115,9 @@ export function startFakeModel({ log = () => {} } = {}) {
       const body = JSON.parse(raw);
       const n = ++count;
       Object.assign(entry, { n, title: body.text?.format?.type === "json_schema", ...requestKind(body.input ?? []) });
+      entry.figures = figuresOf(entry.prompt);
       log(entry);
-      res.writeHead(200, { "content-type": "text/event-stream", "cache-control": "no-cache" });
+      res.writeHead(200, { "content-type": "text/event-stream", "cache-control": "no-cache", ...entry.figures.headers });
       sse(res, "response.created", { response: { id: `resp_${n}` } });
       const answer = () => {
         timers.delete(timer);
@@ -93,7 +127,7 @@ export function startFakeModel({ log = () => {} } = {}) {
         entry.final = item.type === "message" && !entry.title;
         sse(res, "response.output_item.done", { item });
         sse(res, "response.completed", {
-          response: { id: `resp_${n}`, usage: { input_tokens: 1, output_tokens: 1, total_tokens: 2 } },
+          response: { id: `resp_${n}`, usage: entry.figures.usage },
         });
         res.end();
       };

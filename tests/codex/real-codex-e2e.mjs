@@ -84,15 +84,18 @@ const scenarios = [
       { hold: 5 },
       // A second TUI of the same CODEX_HOME, in another project: one daemon serves both.
       { open: "tui2" },
-      { at: "tui2", type: "[say:Hello from the second TUI]", until: "turn done" },
+      { at: "tui2", type: "[say:Hello from the second TUI][usage:95608][limits:42/13/600]", until: "turn done" },
+      { at: "tui2", until: "usage" },
       { hold: 3 },
       { type: "[think:6][say:The first TUI thought]", until: "turn done",
         record: ["tui-thinking-other-idle", "two TUIs, one daemon: the first thinks, the second is idle"] },
       { hold: 3 },
-      { at: "tui2", type: "[think:6][say:The second TUI thought]", until: "turn done" },
+      { at: "tui2", type: "[think:6][say:The second TUI thought][usage:120000][limits:92/20/15]", until: "turn done" },
+      { at: "tui2", until: "usage" },
       { hold: 5 },
       { at: "tui2", type: "/quit", until: "exited" },
       { hold: 20, window: "idle", record: ["tui-idle", "TUI idle after its turns"] },
+      { until: "limits reset" },
       { type: "/quit", until: "exited" },
       { hold: 8, record: ["tui-after-quit-daemon-alive", "TUI quit; its shared daemon lives on"] },
     ],
@@ -222,6 +225,8 @@ remote_plugin = false
 apps = false
 [analytics]
 enabled = false
+[notice]
+hide_rate_limit_model_nudge = true
 [tui]
 show_tooltips = false
 disable_paste_burst = true
@@ -285,7 +290,8 @@ async function runScenario(s) {
       fe.child.stdout.resume();
     }
     if (step.until) {
-      await until(`${fe.name}: ${step.until}`, () => conditions(fe, step.until), 60);
+      await until(`${fe.name}: ${step.until}`, () => conditions(fe, step.until), 60)
+        .catch((e) => { throw new Error(`${e.message}${fe.lastUsage ? `; brenvik-status said ${fe.lastUsage}` : ""}`); });
       note(fe.id, step.until);
     }
     if (step.record) record(...step.record);
@@ -401,9 +407,34 @@ function conditions(fe, what) {
       return fs.existsSync(path.join(fe.dir, arg));
     case "exited":
       return fe.exit !== undefined;
+    case "usage":
+      return usageReported(fe);
+    case "limits reset": {
+      const primary = lines.at(-1)?.report.limits.find((l) => l.codexHome === codexHome)?.primary;
+      return primary?.usedPercent === 0 && Date.parse(primary.resetsAt) <= Date.now();
+    }
     default:
       throw new Error(`unknown condition ${what}`);
   }
+}
+
+// Whether brenvik-status's latest report holds exactly the figures the fake chose for the
+// front-end's latest turn: its model, the tokens of all its responses, the context left
+// after the last one, and the account's limits. The run fails where it never does.
+function usageReported(fe) {
+  const mine = model.requests.filter((r) => r.n && !r.title && fe.prompts.some((p) => p.text === r.prompt));
+  const last = mine.at(-1)?.figures;
+  const report = lines.at(-1)?.report;
+  const group = report?.groups.find((g) => g.cwd === fe.dir);
+  const limits = report?.limits.find((l) => l.codexHome === codexHome);
+  const windowIs = (w, want) => w?.usedPercent === want.usedPercent && w.windowMinutes === want.windowMinutes &&
+    Date.parse(w.resetsAt) === want.resetsAt * 1000;
+  const ok = last && group?.model === "mock-model" &&
+    group.tokens === mine.reduce((sum, r) => sum + r.figures.usage.total_tokens, 0) &&
+    group.contextLeftPercent === Math.floor(100 * (1 - last.usage.total_tokens / 258400)) &&
+    windowIs(limits?.primary, last.limits.primary) && windowIs(limits?.secondary, last.limits.secondary);
+  fe.lastUsage = JSON.stringify({ group: group && { model: group.model, tokens: group.tokens, contextLeftPercent: group.contextLeftPercent }, limits });
+  return ok;
 }
 
 // The session logs of this run: { file, cwd } once their first line is written.
@@ -658,6 +689,12 @@ function checkNotifications(problems, summaries) {
     else if (closed === undefined) problems.push(`${tui.name}: the "waiting" notice (id ${waiting[0].id}) was never closed`);
     else if (!(closed >= approved.start && closed <= approved.start + 3 * REFRESH)) problems.push(`${tui.name}: the "waiting" notice closed at ${rel(closed)}, not within 3 refreshes of the approval at ${rel(approved.start)}`);
     else said.push(`"${waiting[0].summary}" ${((waiting[0].t - asked) / 1000).toFixed(1)} s after the prompt that asks, closed ${((closed - approved.start) / 1000).toFixed(1)} s after the approval`);
+  }
+  // One notice as the second TUI's turn took the 5 h limit to 92 %.
+  if (frontEnds.get("tui2")) {
+    const near = desktop.record.notices.filter((n) => n.summary.startsWith("Codex 5 h limit at "));
+    if (near.length !== 1 || !near[0].summary.startsWith("Codex 5 h limit at 92 % · resets ")) problems.push(`limits: ${near.length} "5 h limit" notices, not one at 92 %: ${describeNotices(near)}`);
+    else said.push(`"${near[0].summary}"`);
   }
   if (said.length) summaries.push(`ok  notifications: ${said.join("; ")}; ${desktop.record.notices.length} notices in all`);
 }
