@@ -192,8 +192,9 @@ for (const p of [prefix, os.tmpdir()]) if (/brenvik/i.test(p)) fatal(`${p} names
 const runId = `${process.pid}-${t0}`;
 const temp = fs.realpathSync(fs.mkdtempSync(path.join(os.tmpdir(), "codex-e2e-")));
 const home = path.join(temp, "home");
-// One per release: releases keep state files of different versions there.
-const codexHome = (release) => path.join(temp, `codex-home-${release}`);
+// One per release (releases keep state files of different versions there); the newest
+// keeps the plain name that the recorded process tables show.
+const codexHome = (release) => path.join(temp, release === newest ? "codex-home" : `codex-home-${release}`);
 const frontEnds = new Map(); // id -> { scenario, release, dir, env, start, exit, child?, tmux?, turnsBefore }
 const children = new Set();
 let model, brenvik, desktop;
