@@ -258,6 +258,7 @@ std::optional<ProcessActivityStatus> statusFromLog(const CodexProcessMonitor::Lo
         return sample.runningCommands > 0 ? ProcessActivityStatus::running
                                           : ProcessActivityStatus::waiting;
     case TurnPhase::idle:
+    case TurnPhase::notStarted: // whatever its start-up costs
         return ProcessActivityStatus::idle;
     case TurnPhase::unknown:
         break;
@@ -278,18 +279,17 @@ CodexProcessMonitor::classify(const QList<DetectedProcessSample>& samples, const
         const auto previous = m_historyByPID.constFind(sample.pid);
         const bool seenBefore = previous != m_historyByPID.constEnd();
 
-        // CPU use over the interval counts once it is more than one tick, so
-        // an idle TUI's rare wake-up never reads as work.
+        // CPU use over the interval counts once it is more than the ticks an
+        // idle Codex wakes up for, so those wake-ups never read as work.
         const double seconds =
             seenBefore ? static_cast<double>(previous->seenAt.msecsTo(now)) / 1000.0 : 0.0;
         const double interval =
             seconds > 0 ? seconds : std::chrono::duration<double>(refreshInterval).count();
-        const bool aboveTick = sample.totalCPUPercent / 100.0 * interval > 1.5 * cpuTickNoise;
-        // The sum first, then the comparison: the boundary itself is not busy.
+        const bool aboveNoise = sample.totalCPUPercent / 100.0 * interval > cpuNoise;
         const bool busyNow = sample.hasHotState ||
-                             (sample.totalCPUPercent >= cpuActivityThreshold && aboveTick) ||
-                             (seenBefore && previous->cumulativeCPUTime + cpuAdvanceThreshold <
-                                                sample.cumulativeCPUTime);
+                             (sample.totalCPUPercent >= cpuActivityThreshold && aboveNoise) ||
+                             (seenBefore && sample.cumulativeCPUTime - previous->cumulativeCPUTime >
+                                                std::max(cpuAdvanceThreshold, cpuNoise));
 
         std::optional<QDateTime> lastBusyAt;
         if (busyNow)

@@ -149,9 +149,10 @@ public:
     static constexpr double busyGracePeriod = 8.0;      // seconds
     static constexpr double cpuActivityThreshold = 0.4; // percent of one core
     static constexpr double cpuAdvanceThreshold = 0.02; // seconds of CPU time
-    // The kernel counts CPU time in ticks of 10 ms: one tick in an interval
-    // is a timer or a spinner waking up, not work.
-    static constexpr double cpuTickNoise = 0.01; // seconds of CPU time
+    // The kernel counts CPU time in ticks of 10 ms. One or two ticks in an
+    // interval are a timer or a spinner waking up (an idle Codex does every
+    // few seconds), not work: a tree must use more to count as busy.
+    static constexpr double cpuNoise = 0.025; // seconds of CPU time
 
     // Scans with scanCodexProcesses(), reads the session logs with
     // readSessionLogs() and the system clock.

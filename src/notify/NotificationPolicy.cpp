@@ -29,7 +29,10 @@ NotificationPolicy::Decision NotificationPolicy::update(const QList<ProcessMatch
     const auto finish = [&](const Seen& before, const ProcessMatch& last, const QDateTime& end) {
         if (before.match.status != ProcessActivityStatus::running || !before.workingSince)
             return;
-        if (const qint64 worked = before.workingSince->secsTo(end); worked >= kMinimumWorkSeconds) {
+        QDateTime workedFrom = *before.workingSince;
+        if (before.match.source == StatusSource::cpu && before.match.startedAt)
+            workedFrom = std::max(workedFrom, before.match.startedAt->addSecs(kStartUpSeconds));
+        if (const qint64 worked = workedFrom.secsTo(end); worked >= kMinimumWorkSeconds) {
             finished.append(last);
             workedSeconds.append(worked);
         }

@@ -23,11 +23,15 @@ struct Announcement {
 
 // Decides, from one published state to the next, what to announce: a session
 // that worked at least 10 s and went idle or ended (codex exec ends with its
-// turn), and a session that started waiting. It announces nothing about what was so when it first
-// looked, nothing while detection fails, and nothing when turned off.
+// turn), and a session that started waiting. It announces nothing about what
+// was so when it first looked, nothing while detection fails, and nothing
+// when turned off. Work is a turn its log saw, or CPU use after Codex's own
+// start-up: a TUI nobody typed into is no news.
 class NotificationPolicy {
 public:
     static constexpr qint64 kMinimumWorkSeconds = 10;
+    // A Codex TUI burns a core for several seconds while it starts.
+    static constexpr qint64 kStartUpSeconds = 10;
 
     struct Decision {
         QList<Announcement> show;

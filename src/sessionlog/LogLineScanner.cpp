@@ -148,6 +148,10 @@ Kind eventKind(QByteArrayView type) {
         return Kind::turnEnded;
     if (rawEquals(type, "agent_message"))
         return Kind::agentMessage;
+    if (rawEquals(type, "user_message"))
+        return Kind::userMessage;
+    if (rawEquals(type, "token_count"))
+        return Kind::tokenCount;
     return Kind::other;
 }
 

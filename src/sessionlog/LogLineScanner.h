@@ -14,7 +14,9 @@ struct LogLineEvent {
         sessionMeta,
         turnStarted,
         turnEnded,
+        userMessage, // the user's prompt
         agentMessage,
+        tokenCount, // usage figures, written as a model response opens and completes
         toolCall,
         toolOutput,
     };

@@ -26,13 +26,13 @@ constexpr QStringView kDeleted = u" (deleted)";
 SessionLogLocator::SessionLogLocator(QString procRoot)
     : m_procRoot(std::move(procRoot)) {}
 
-QList<SessionLogLocator::OpenLog> SessionLogLocator::openLogs(qint64 pid) const {
-    QList<OpenLog> logs;
+std::optional<QList<SessionLogLocator::OpenLog>> SessionLogLocator::openLogs(qint64 pid) const {
     const QString fdPath = m_procRoot + u'/' + QString::number(pid) + QStringLiteral("/fd");
     const QByteArray nativeFdPath = QFile::encodeName(fdPath);
     const std::unique_ptr<DIR, DirectoryCloser> dir(::opendir(nativeFdPath.constData()));
     if (!dir)
-        return logs; // gone, or another user's
+        return std::nullopt; // gone, or another user's
+    QList<OpenLog> logs;
     char target[4096];
     while (const dirent* entry = ::readdir(dir.get())) {
         if (entry->d_name[0] == '.')
@@ -62,7 +62,7 @@ QList<SessionLogLocator::OpenLog> SessionLogLocator::openLogs(qint64 pid) const 
 std::optional<SessionLogLocator::Chosen>
 SessionLogLocator::chooseLog(const DetectedProcessSample& sample,
                              const QList<DetectedProcessSample>& samples,
-                             const QHash<qint64, QList<OpenLog>>& logsByHolder) {
+                             const LogsByHolder& logsByHolder) {
     if (sample.interactive) {
         if (sample.cwd.isEmpty())
             return std::nullopt;
@@ -73,12 +73,14 @@ SessionLogLocator::chooseLog(const DetectedProcessSample& sample,
     }
     const qint64 startedMs = sample.startedAt ? sample.startedAt->toMSecsSinceEpoch() : 0;
     std::optional<OpenLog> chosen;
+    bool lookedInto = false;
     QSet<QString> seen;
     for (const qint64 holder : sample.logHolderPIDs) {
         const auto logs = logsByHolder.constFind(holder);
-        if (logs == logsByHolder.cend())
+        if (logs == logsByHolder.cend() || !*logs)
             continue;
-        for (const OpenLog& log : *logs) {
+        lookedInto = true;
+        for (const OpenLog& log : **logs) {
             if (seen.contains(log.identity))
                 continue;
             seen.insert(log.identity);
@@ -96,7 +98,7 @@ SessionLogLocator::chooseLog(const DetectedProcessSample& sample,
         }
     }
     if (!chosen)
-        return std::nullopt;
+        return lookedInto ? std::optional(Chosen{{}, {}, true}) : std::nullopt;
     return Chosen{chosen->path, chosen->identity};
 }
 
@@ -105,7 +107,7 @@ SessionLogLocator::statesOf(const QList<DetectedProcessSample>& samples) noexcep
     QList<std::optional<SessionLogState>> states;
     try {
         states.resize(samples.size());
-        QHash<qint64, QList<OpenLog>> logsByHolder;
+        LogsByHolder logsByHolder;
         for (const DetectedProcessSample& sample : samples) {
             for (const qint64 holder : sample.logHolderPIDs) {
                 if (!logsByHolder.contains(holder))
@@ -118,7 +120,8 @@ SessionLogLocator::statesOf(const QList<DetectedProcessSample>& samples) noexcep
             const DetectedProcessSample& sample = samples[i];
             const qint64 startedMs = sample.startedAt ? sample.startedAt->toMSecsSinceEpoch() : 0;
             std::optional<QString> path;
-            if (const auto chosen = chooseLog(sample, samples, logsByHolder)) {
+            const auto chosen = chooseLog(sample, samples, logsByHolder);
+            if (chosen && !chosen->none) {
                 path = chosen->path;
                 // A deleted log's descriptor link may name another file later.
                 if (chosen->path == chosen->identity)
@@ -132,16 +135,23 @@ SessionLogLocator::statesOf(const QList<DetectedProcessSample>& samples) noexcep
                 path = held->path;
                 heldLogs.insert(sample.pid, *held);
             }
-            if (!path)
+            if (!path) {
+                if (chosen) {
+                    states[i].emplace();
+                    states[i]->phase = TurnPhase::notStarted;
+                }
                 continue;
+            }
             used.insert(*path);
             states[i] = m_logs.stateOf(*path);
         }
         m_heldLogs = std::move(heldLogs);
         // Logs a TUI matched against stay read, so the next refresh only reads
         // what they grew by.
-        for (const QList<OpenLog>& logs : std::as_const(logsByHolder)) {
-            for (const OpenLog& log : logs)
+        for (const std::optional<QList<OpenLog>>& logs : std::as_const(logsByHolder)) {
+            if (!logs)
+                continue;
+            for (const OpenLog& log : *logs)
                 used.insert(log.path);
         }
         m_logs.retainOnly(used);

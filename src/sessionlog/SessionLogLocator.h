@@ -15,6 +15,8 @@ namespace brenvik {
 // keeps the logs of every TUI it served: the one for a TUI is the log written
 // in its project directory since it started; where two live TUIs share a
 // directory nobody can tell their logs apart, and neither gets one.
+// Codex writes a session's log the moment its first turn starts, so a session
+// whose log holders can be looked into and hold none has had no turn yet.
 // codex exec closes its log when its turn is over but may live on (writing
 // its answer to a slow reader); a session that holds no log any more keeps
 // the one it held, which tells that its turn is over.
@@ -35,16 +37,20 @@ private:
         qint64 modifiedMs = 0;
     };
 
-    [[nodiscard]] QList<OpenLog> openLogs(qint64 pid) const;
-    // What chooseLog() found, with its identity, which differs from the path
-    // only for a deleted file read through its holder's descriptor.
+    // The logs a process holds open; nothing where its files cannot be listed.
+    [[nodiscard]] std::optional<QList<OpenLog>> openLogs(qint64 pid) const;
+    using LogsByHolder = QHash<qint64, std::optional<QList<OpenLog>>>;
+    // What chooseLog() found: the log, with its identity, which differs from
+    // the path only for a deleted file read through its holder's descriptor;
+    // or that it has none yet; or nothing, where nobody can tell.
     struct Chosen {
         QString path;
         QString identity;
+        bool none = false; // its holders hold no log of it: no turn yet
     };
-    [[nodiscard]] std::optional<Chosen>
-    chooseLog(const DetectedProcessSample& sample, const QList<DetectedProcessSample>& samples,
-              const QHash<qint64, QList<OpenLog>>& logsByHolder);
+    [[nodiscard]] std::optional<Chosen> chooseLog(const DetectedProcessSample& sample,
+                                                  const QList<DetectedProcessSample>& samples,
+                                                  const LogsByHolder& logsByHolder);
 
     // The log a session last held, by its root PID and start time.
     struct HeldLog {

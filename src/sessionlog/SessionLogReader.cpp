@@ -47,6 +47,7 @@ struct SessionLogReader::Start {
     qint64 offset = 0;         // a line start
     bool turnsWritten = false; // the lines before it hold turn events
     bool insideLine = false;   // `offset` is inside a line too long to look at
+    bool unseen = false;       // lines before it were not looked at
 };
 
 SessionLogReader::SessionLogReader(QString path)
@@ -104,10 +105,12 @@ bool SessionLogReader::continuesAtLineStart(int fd) const {
 
 void SessionLogReader::readAfresh(int fd, qint64 size) {
     const Start start = findStart(fd, size);
-    if (start.offset > 0)
-        readMeta(fd, size);
     if (start.turnsWritten)
         m_tracker.assumeTurnsWritten();
+    if (start.unseen)
+        m_tracker.assumeLinesUnseen();
+    if (start.offset > 0)
+        readMeta(fd, size);
     m_offset = start.offset;
     m_partialStart = start.offset;
     m_partialIsHead = start.insideLine;
@@ -131,7 +134,8 @@ void SessionLogReader::readMeta(int fd, qint64 size) {
 // as having read the whole log: the last line that opens a turn, or closes it
 // with the agent's message (else the message before it). A session_meta after
 // the first line marks copied history: reading starts at the last such marker
-// once a turn event before it shows that this log writes them.
+// once a turn event before it shows that this log writes them. A log without
+// turn events is read from its last prompt.
 SessionLogReader::Start SessionLogReader::findStart(int fd, qint64 size) const {
     using Kind = LogLineEvent::Kind;
     QByteArray chunk(std::min(size, kBackwardChunk), Qt::Uninitialized);
@@ -142,6 +146,8 @@ SessionLogReader::Start SessionLogReader::findStart(int fd, qint64 size) const {
     qint64 marker = -1;     // the last copied-history marker
     qint64 closed = -1;     // the last turn close, if it had no message
     qint64 message = -1;    // the last agent_message
+    qint64 prompt = -1;     // the last user_message
+    qint64 activity = -1;   // the last tool call or output
 
     // What the line [begin, end) is, from the chunk if it is there.
     const auto scan = [&](qint64 begin, qint64 end, qint64 chunkStart,
@@ -191,18 +197,25 @@ SessionLogReader::Start SessionLogReader::findStart(int fd, qint64 size) const {
                 message = begin;
             else if (kind == Kind::sessionMeta && marker < 0)
                 marker = begin;
+            else if (kind == Kind::userMessage && prompt < 0)
+                prompt = begin;
+            else if ((kind == Kind::toolCall || kind == Kind::toolOutput) && activity < 0)
+                activity = begin;
         }
         position = chunkStart;
     }
+    // No turn events: an older log, or none of its turns within reach.
     if (closed >= 0)
         return {closed, false, false};
-    if (message >= 0)
-        return {message, false, false}; // an old log: no turn events
+    for (const qint64 at : {prompt, message, activity}) {
+        if (at >= 0)
+            return {at, false, false};
+    }
     if (tailStart >= 0)
-        return {tailStart, false, false};
+        return {tailStart, false, false, position > 0};
     if (position == 0)
-        return {0, false, false}; // a single unfinished line
-    return {size, false, true};   // its end is in a line too long to look at
+        return {0, false, false};     // a single unfinished line
+    return {size, false, true, true}; // its end is in a line too long to look at
 }
 
 bool SessionLogReader::readForward(int fd, qint64 end) {

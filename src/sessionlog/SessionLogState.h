@@ -17,7 +17,8 @@ struct SessionMeta {
 };
 
 enum class TurnPhase {
-    unknown,            // nothing understood decides: old Codex, unreadable, junk, gone
+    unknown,            // nothing understood decides: unreadable, junk, gone, cannot tell
+    notStarted,         // no log yet: Codex writes it the moment its first turn starts
     idle,               // no turn open
     running,            // a turn is open
     awaitingToolOutput, // the open turn has a tool call without output yet

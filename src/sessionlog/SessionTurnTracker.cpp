@@ -42,6 +42,20 @@ void SessionTurnTracker::setPhase(TurnPhase phase, QByteArrayView timestamp) {
     m_state.phaseSince = parseTimestamp(timestamp);
 }
 
+void SessionTurnTracker::openTurn(QByteArrayView timestamp) {
+    m_turnOpen = true;
+    m_answered = false;
+    m_pendingCalls.clear();
+    m_state.lastAgentMessageLine.reset();
+    setPhase(TurnPhase::running, timestamp);
+}
+
+void SessionTurnTracker::closeTurn(QByteArrayView timestamp) {
+    m_turnOpen = false;
+    m_pendingCalls.clear();
+    setPhase(TurnPhase::idle, timestamp);
+}
+
 void SessionTurnTracker::apply(const LogLineEvent& event, bool firstLine) {
     using Kind = LogLineEvent::Kind;
     switch (event.kind) {
@@ -51,6 +65,8 @@ void SessionTurnTracker::apply(const LogLineEvent& event, bool firstLine) {
                                        .cwd = jsonStringText(event.cwd),
                                        .originator = jsonStringText(event.originator),
                                        .cliVersion = jsonStringText(event.cliVersion)};
+            if (m_state.phase == TurnPhase::unknown && !m_linesUnseen)
+                setPhase(TurnPhase::notStarted, event.timestamp);
             return;
         }
         // History copied from another run follows; a turn it left open is
@@ -58,29 +74,40 @@ void SessionTurnTracker::apply(const LogLineEvent& event, bool firstLine) {
         m_turnOpen = false;
         m_pendingCalls.clear();
         m_state.lastAgentMessageLine.reset();
-        if (m_turnsWritten)
+        if (!outsideAnyTurn())
             setPhase(TurnPhase::idle, event.timestamp);
         return;
     case Kind::turnStarted:
         m_turnsWritten = true;
-        m_turnOpen = true;
-        m_pendingCalls.clear();
-        m_state.lastAgentMessageLine.reset();
-        setPhase(TurnPhase::running, event.timestamp);
+        openTurn(event.timestamp);
         return;
     case Kind::turnEnded:
         m_turnsWritten = true;
-        m_turnOpen = false;
-        m_pendingCalls.clear();
         if (event.hasMessage)
             m_state.lastAgentMessageLine = firstMessageLine(jsonStringText(event.message));
-        setPhase(TurnPhase::idle, event.timestamp);
+        closeTurn(event.timestamp);
+        return;
+    case Kind::userMessage:
+        if (m_turnsWritten)
+            return; // task_started opened the turn already
+        m_promptsWritten = true;
+        openTurn(event.timestamp);
         return;
     case Kind::agentMessage:
         if (event.hasMessage)
             m_state.lastAgentMessageLine = firstMessageLine(jsonStringText(event.message));
+        m_answered = true;
+        if (outsideAnyTurn())
+            setPhase(TurnPhase::unknown, {});
+        return;
+    case Kind::tokenCount:
+        if (!m_turnsWritten && m_turnOpen && m_answered && m_pendingCalls.isEmpty())
+            closeTurn(event.timestamp);
         return;
     case Kind::toolCall:
+        m_answered = false;
+        if (outsideAnyTurn())
+            setPhase(TurnPhase::unknown, {});
         // A call whose id was lost cannot be answered: better running than
         // waiting forever.
         if (!m_turnOpen || event.callId.isEmpty() || event.callId.size() > kMaxCallIdSize)
@@ -92,6 +119,7 @@ void SessionTurnTracker::apply(const LogLineEvent& event, bool firstLine) {
             setPhase(TurnPhase::awaitingToolOutput, event.timestamp);
         return;
     case Kind::toolOutput:
+        m_answered = false;
         if (!m_turnOpen)
             return;
         m_pendingCalls.removeOne(event.callId.toByteArray());

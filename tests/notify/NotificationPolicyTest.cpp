@@ -21,6 +21,7 @@ ProcessMatch session(qint64 pid, ProcessActivityStatus status, qint64 sinceSecon
     match.pid = pid;
     match.status = status;
     match.since = at(sinceSeconds);
+    match.source = StatusSource::log;
     match.cwd = QStringLiteral("/home/u/") + QString::fromLatin1(project);
     match.lastMessage = QString::fromLatin1(message);
     return match;
@@ -50,6 +51,13 @@ TEST(NotificationPolicy, WhatIsAnnounced) {
     const auto b = [](ProcessActivityStatus s, qint64 since) {
         return session(2, s, since, "beta");
     };
+    // Started at 1 s, burning a core until 6 s; no log yet to say otherwise.
+    const auto startingUp = [](ProcessActivityStatus s, qint64 since) {
+        ProcessMatch match = session(3, s, since, "gamma");
+        match.source = StatusSource::cpu;
+        match.startedAt = at(1);
+        return match;
+    };
     const struct {
         const char* name;
         QList<Step> steps;
@@ -70,6 +78,16 @@ TEST(NotificationPolicy, WhatIsAnnounced) {
           {2, {a(running, 1)}, false, true, {}},
           {8, {a(idle, 7)}, false, true, {}},
           {10, {}, false, true, {}}}},
+        {"judged by its CPU: a TUI's start-up is no work, what it does after that is",
+         {{0, {}, false, true, {}},
+          {2, {startingUp(running, 1)}, false, true, {}},
+          {16, {startingUp(idle, 15)}, false, true, {}},
+          {20, {startingUp(running, 19)}, false, true, {}},
+          {40,
+           {startingUp(idle, 39)},
+           false,
+           true,
+           {u"Codex finished \u00B7 gamma | Worked 20 s"_qs}}}},
         {"a session that ends with its turn, as codex exec does",
          {{0, {a(running, -14, "Done.")}, false, true, {}},
           {2, {}, false, true, {u"Codex finished \u00B7 alpha | Worked 16 s\nDone."_qs}}}},

@@ -77,22 +77,35 @@ TEST_F(SessionLogLocatorTest, KeepsTheLogASessionClosedWhileItLives) {
     EXPECT_EQ(phaseOf(execSession(100, 101, 0)), TurnPhase::idle);
 
     // The same PID started anew is another session, which has no log yet.
-    EXPECT_EQ(phaseOf(execSession(100, 101, 30)), std::nullopt);
+    EXPECT_EQ(phaseOf(execSession(100, 101, 30)), TurnPhase::notStarted);
 
     // A refresh that went without the old one forgot its log.
-    EXPECT_EQ(phaseOf(execSession(100, 101, 0)), std::nullopt);
+    EXPECT_EQ(phaseOf(execSession(100, 101, 0)), TurnPhase::notStarted);
+
+    // Holders whose files cannot be listed (gone, or another user's) tell nothing.
+    EXPECT_EQ(phaseOf(execSession(200, 201, 0)), std::nullopt);
 }
 
-// A TUI's logs stay open in the shared service; one it no longer gets (a
-// second TUI opened in its directory) is not kept.
-TEST_F(SessionLogLocatorTest, KeepsNoClosedLogForATerminalSession) {
-    m_proc.append(m_log, sessionMeta(0) + taskStarted(1));
-    m_proc.open(900, 44, m_log);
+// A TUI's log is held by the shared service: before its first turn the
+// service holds none for it; where two TUIs share a directory nobody can tell
+// which log is whose, and the log it had is not kept.
+TEST_F(SessionLogLocatorTest, ATerminalSessionHasNoLogBeforeItsFirstTurn) {
+    const QString other = m_proc.logPath("rollout-2026-11-23T12-00-00-S0.jsonl");
+    m_proc.append(other, line(0, "session_meta", R"({"id":"S0","cwd":"/home/u/other"})"));
+    m_proc.open(900, 3, other);
     DetectedProcessSample tui = execSession(100, 900, 0);
     tui.interactive = true;
+    EXPECT_EQ(phaseOf(tui), TurnPhase::notStarted);
+
+    m_proc.append(m_log, sessionMeta(0) + taskStarted(1));
+    m_proc.open(900, 44, m_log);
     EXPECT_EQ(phaseOf(tui), TurnPhase::running);
-    m_proc.close(900, 44);
-    EXPECT_EQ(phaseOf(tui), std::nullopt);
+
+    DetectedProcessSample twin = execSession(300, 900, 5);
+    twin.interactive = true;
+    const auto states = m_locator.statesOf({tui, twin});
+    ASSERT_EQ(states.size(), 2);
+    EXPECT_FALSE(states[0] || states[1]);
 }
 
 } // namespace

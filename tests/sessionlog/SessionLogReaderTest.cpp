@@ -50,7 +50,7 @@ TEST(SessionLogReader, PhaseFollowsTheTurn) {
         QList<QByteArray> lines;
         QString expected;
     } cases[] = {
-        {"session_meta only", {sessionMeta(0)}, u"unknown"_s},
+        {"session_meta only: no turn yet", {sessionMeta(0)}, u"notStarted@0"_s},
         {"turn open",
          {sessionMeta(0), taskStarted(1), userMessage(2, R"("fix it")")},
          u"running@1"_s},
@@ -118,13 +118,17 @@ TEST(SessionLogReader, PhaseFollowsTheTurn) {
     }
 }
 
-// Logs of the real Codex CLI 0.169.0, cut after each stage. "exec": `codex
-// exec`, resumed three times, the third run killed while its command ran.
+// Logs of the real Codex CLI, cut after each stage. "exec": `codex exec`
+// 0.169.0, resumed three times, the third run killed while its command ran.
 // "tui": the TUI asks to approve a command, then is interrupted (Esc) during
-// one, quits, and is resumed for one more turn.
+// one, quits, and is resumed for one more turn. "0.130": two TUI turns, the
+// second a message and a tool call in one response. "0.80": the same turn
+// from `codex exec` 0.80.0, which writes no turn events.
 TEST(SessionLogReader, RealLogsAtEachStage) {
     const QList<QByteArray> exec = readFixture("rollout-resumed-0.169.0.jsonl").split('\n');
     const QList<QByteArray> tui = readFixture("rollout-tui-0.169.0.jsonl").split('\n');
+    const QList<QByteArray> tui130 = readFixture("rollout-tui-0.130.0.jsonl").split('\n');
+    const QList<QByteArray> exec80 = readFixture("rollout-exec-0.80.0.jsonl").split('\n');
     const struct {
         const char* name;
         const QList<QByteArray>& lines;
@@ -146,6 +150,20 @@ TEST(SessionLogReader, RealLogsAtEachStage) {
         {"tui: resumed", tui, 32, TurnPhase::idle},
         {"tui: resumed turn running its command", tui, 38, TurnPhase::awaitingToolOutput},
         {"tui: resumed turn complete", tui, 47, TurnPhase::idle},
+        {"0.130: first answer written", tui130, 11, TurnPhase::running},
+        {"0.130: turn complete", tui130, 12, TurnPhase::idle},
+        {"0.130: tool call after a message", tui130, 20, TurnPhase::awaitingToolOutput},
+        {"0.130: final answer, turn not yet complete", tui130, 26, TurnPhase::running},
+        {"0.130: second turn complete", tui130, 27, TurnPhase::idle},
+        {"0.80: context written, no prompt yet", exec80, 4, TurnPhase::notStarted},
+        {"0.80: prompt", exec80, 5, TurnPhase::running},
+        {"0.80: response opened", exec80, 7, TurnPhase::running},
+        {"0.80: a message before a tool call", exec80, 9, TurnPhase::running},
+        {"0.80: tool call", exec80, 11, TurnPhase::awaitingToolOutput},
+        {"0.80: tool output", exec80, 12, TurnPhase::running},
+        {"0.80: next response opened", exec80, 14, TurnPhase::running},
+        {"0.80: final answer, response not yet complete", exec80, 16, TurnPhase::running},
+        {"0.80: response complete", exec80, 17, TurnPhase::idle},
     };
     for (const auto& stage : stages) {
         const LogFile log;
@@ -153,7 +171,9 @@ TEST(SessionLogReader, RealLogsAtEachStage) {
         const SessionLogState state = SessionLogReader(log.path()).update();
         EXPECT_EQ(state.phase, stage.phase) << stage.name;
         ASSERT_TRUE(state.meta) << stage.name;
-        EXPECT_EQ(state.meta->originator, &stage.lines == &exec ? u"codex_exec" : u"codex-tui")
+        EXPECT_EQ(state.meta->originator, &stage.lines == &exec     ? u"codex_exec"
+                                          : &stage.lines == &exec80 ? u"codex_exec"
+                                                                    : u"codex-tui")
             << stage.name;
         EXPECT_EQ(state.meta->cwd, u"/tmp/codexrun/proj") << stage.name;
     }
@@ -166,7 +186,8 @@ TEST(SessionLogReader, RealLogsAtEachStage) {
 // Appended in pieces of several sizes, lines split anywhere: after each update
 // the reader tells what a fresh reader of the same bytes tells.
 TEST(SessionLogReader, IncrementalReadsMatchAFreshRead) {
-    for (const char* fixture : {"rollout-resumed-0.169.0.jsonl", "rollout-tui-0.169.0.jsonl"}) {
+    for (const char* fixture : {"rollout-resumed-0.169.0.jsonl", "rollout-tui-0.169.0.jsonl",
+                                "rollout-tui-0.130.0.jsonl", "rollout-exec-0.80.0.jsonl"}) {
         const QByteArray bytes = readFixture(fixture);
         for (const qsizetype step : {qsizetype(97), qsizetype(1000), qsizetype(7919)}) {
             const LogFile log;

@@ -46,7 +46,7 @@ TEST(SessionLogRobustness, HostileLogs) {
                  longer += tokenCount(1);
              log.append(longer);
          },
-         TurnPhase::unknown},
+         TurnPhase::notStarted},
         {"replaced by another log", kOpenTurn,
          [](const LogFile& log) { log.replace(sessionMeta(0) + taskStarted(5)); },
          TurnPhase::running},

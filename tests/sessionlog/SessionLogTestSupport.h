@@ -11,7 +11,8 @@
 namespace brenvik {
 
 inline void PrintTo(TurnPhase phase, std::ostream* out) {
-    constexpr const char* names[] = {"unknown", "idle", "running", "awaitingToolOutput"};
+    constexpr const char* names[] = {"unknown", "notStarted", "idle", "running",
+                                     "awaitingToolOutput"};
     *out << names[int(phase)];
 }
 
