@@ -696,8 +696,8 @@ function check() {
 }
 
 // The tray app's notices: each codex exec 15 s turn is announced once as finished after
-// it ended; each TUI approval question once as waiting, closed once it was approved; a
-// TUI left alone never.
+// it ended; each TUI approval question once as waiting, closed once it was approved, and
+// nothing else as waiting; a TUI left alone gets none.
 function checkNotifications(problems, summaries) {
   desktop.record.flush();
   const naming = (fe, kind) => desktop.record.notices.filter((n) => n.summary.startsWith(kind) && projectsOf(n).includes(path.basename(fe.dir)));
@@ -712,10 +712,11 @@ function checkNotifications(problems, summaries) {
     }
     const approval = fe.windows.find((w) => w.kind === "approval");
     const approved = fe.windows.find((w) => w.kind === "approved");
+    const waiting = naming(fe, "Codex is waiting for you · ");
+    if (!approval && waiting.length) problems.push(`${fe.name}: "waiting" notices, but no approval question: ${describeNotices(waiting)}`);
     if (approval && approved) {
       // The question shows as soon as the model asks: from the prompt that makes it ask.
       const asked = fe.prompts.find((p) => p.text.includes("[escalate]")).at;
-      const waiting = naming(fe, "Codex is waiting for you · ");
       const closed = waiting.length === 1 ? desktop.record.closedAt(waiting[0]) : undefined;
       if (waiting.length !== 1) problems.push(`${fe.name}: ${waiting.length} "waiting" notices, not 1: ${describeNotices(waiting)}`);
       else if (!(waiting[0].t >= asked && waiting[0].t <= approval.end)) problems.push(`${fe.name}: "waiting" at ${rel(waiting[0].t)}, outside the approval question ${rel(asked)}..${rel(approval.end)}`);
