@@ -246,17 +246,24 @@ namespace {
 
 // The status a session log decides, or nothing where it does not.
 std::optional<ProcessActivityStatus> statusFromLog(const CodexProcessMonitor::LogState& log,
-                                                   const DetectedProcessSample& sample) {
+                                                   const DetectedProcessSample& sample,
+                                                   const QDateTime& now) {
     if (!log)
         return std::nullopt;
     switch (log->phase) {
     case TurnPhase::running:
         return ProcessActivityStatus::running;
-    case TurnPhase::awaitingToolOutput:
+    case TurnPhase::awaitingToolOutput: {
         // A tool call without output is a command at work, or an approval
-        // question when no command runs.
-        return sample.runningCommands > 0 ? ProcessActivityStatus::running
-                                          : ProcessActivityStatus::waiting;
+        // question when no command runs. Codex writes the call before it
+        // forks its sandbox, so a call that young is a command starting.
+        const bool starting =
+            log->phaseSince &&
+            log->phaseSince->msecsTo(now) <
+                std::chrono::milliseconds(CodexProcessMonitor::commandStartAllowance).count();
+        return sample.runningCommands > 0 || starting ? ProcessActivityStatus::running
+                                                      : ProcessActivityStatus::waiting;
+    }
     case TurnPhase::idle:
     case TurnPhase::notStarted: // whatever its start-up costs
         return ProcessActivityStatus::idle;
@@ -298,7 +305,7 @@ CodexProcessMonitor::classify(const QList<DetectedProcessSample>& samples, const
             lastBusyAt = previous->lastBusyAt;
 
         const LogState& log = i < logs.size() ? logs[i] : LogState();
-        const std::optional<ProcessActivityStatus> logged = statusFromLog(log, sample);
+        const std::optional<ProcessActivityStatus> logged = statusFromLog(log, sample, now);
         ProcessActivityStatus status;
         if (logged) {
             status = *logged;

@@ -153,6 +153,10 @@ public:
     // interval are a timer or a spinner waking up (an idle Codex does every
     // few seconds), not work: a tree must use more to count as busy.
     static constexpr double cpuNoise = 0.025; // seconds of CPU time
+    // From writing a tool call to its command's first process, Codex forks
+    // and re-executes itself into its sandbox: a few hundred milliseconds,
+    // more under load. No question to the user is that young.
+    static constexpr std::chrono::milliseconds commandStartAllowance{2000};
 
     // Scans with scanCodexProcesses(), reads the session logs with
     // readSessionLogs() and the system clock.

@@ -28,7 +28,7 @@ TEST(MenuPopoverView, HeaderFollowsTheMonitorAndTheButtonOpensThePanel) {
         {"one running, one waiting",
          [&] {
              return scripted.refreshWith({group(7, u"codex"_s, 30.0), waits},
-                                         {std::nullopt, waitingLog(at(0))});
+                                         {std::nullopt, waitingLog(at(-5000))});
          },
          NamedColor::violet, u"2"_s, u"Waiting for you: brenvik"_s},
         {"failure", [&] { return scripted.failWith(u"ps: not found"_s); }, NamedColor::red, u"!"_s,
