@@ -72,8 +72,9 @@ const tuiTurns = [
 //   hold: seconds to stay in this state
 //   window: a name for the step's span, from its start (since: "launch": from the
 //     front-end's launch) to its end, for the checks.
-// Beside the named windows, each prompt gives its own: `turn` from the prompt to the
-// model's final answer (unless it asks for approval), `thinking` while the model thinks
+// Beside the named windows, each prompt gives its own: `turn` from Codex's taking it up
+// (its user message in the log) to the model's final answer (unless it asks for
+// approval), `thinking` while the model thinks
 // ([think:S]) and `turn end` from the final answer until the front-end's next prompt or
 // exit. `windowRules` says what Brenvik must show in each.
 // holdOutput: the driver stops reading the front-end's standard output until a
@@ -149,7 +150,7 @@ const scenarios = scenarioTable.flatMap((s) => s.releases.map((r) => {
 const frontEndDefinitions = scenarios.flatMap((s) => [s, ...(s.also ?? [])]);
 
 // What Brenvik must show in each kind of window, from `from` ms after its start to its
-// end. A turn from 2 s after its prompt; a burn from one refresh after it began; thinking
+// end. A turn from 2 s after Codex took up its prompt; a burn from one refresh after it began; thinking
 // from one refresh after the model got the request; a turn's end from the first refresh
 // after it, an approval question and an approved command within one or two refreshes; a
 // TUI left alone from 4 s after its launch; an idle TUI after its turns gets 10 s.
@@ -389,7 +390,8 @@ function promptWindows(fe) {
     const next = fe.prompts[i + 1]?.at ?? fe.exit;
     // A turn that waits for an approval is judged by its approval windows instead.
     const approval = fe.windows.some((w) => w.kind === "approval" && w.start >= p.at && (!final || w.start <= final.answeredAt));
-    if (final && !approval) windows.push({ kind: "turn", start: p.at, end: final.answeredAt });
+    // codex exec takes up its prompt once it has started, 1-3 s after its launch.
+    if (final && !approval) windows.push({ kind: "turn", start: promptTakenAt.get(p.text) ?? p.at, end: final.answeredAt });
     if (final && next) windows.push({ kind: "turn end", start: final.answeredAt, end: next });
   });
   return windows;
@@ -504,7 +506,9 @@ function turnsDone(fe) {
   return n;
 }
 
-// What the logs of this run say, for the timeline: turns and tool calls.
+// What the logs of this run say, for the timeline: turns and tool calls; and when Codex
+// took up each prompt (its user message), for the checks.
+const promptTakenAt = new Map(); // prompt text -> time
 function logEvents() {
   const byDir = new Map([...frontEnds.values()].map((fe) => [fe.dir, fe.id]));
   for (const { file, cwd } of sessionLogs()) {
@@ -513,6 +517,7 @@ function logEvents() {
       try { entry = JSON.parse(line); } catch { continue; }
       const type = entry.payload?.type;
       if (!["task_started", "task_complete", "turn_aborted", "user_message", "function_call", "function_call_output"].includes(type)) continue;
+      if (type === "user_message") promptTakenAt.set(entry.payload.message, Date.parse(entry.timestamp));
       events.push({ t: Date.parse(entry.timestamp), who: "log", text: `${byDir.get(cwd) ?? cwd}: ${type}` });
     }
   }
