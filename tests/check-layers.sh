@@ -5,7 +5,7 @@
 # Usage: check-layers.sh SOURCE_DIR
 set -euo pipefail
 cd "$1/src"
-order=(detection sessionlog monitor preferences notify views app cli)
+order=(detection sessionlog monitor places preferences notify views app cli)
 rank() {
     local i
     for i in "${!order[@]}"; do

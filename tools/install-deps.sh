@@ -8,6 +8,8 @@ packages=(
   g++ make cmake ninja-build pkg-config
   # Qt 6 and the platform plugins (xcb for desktops, offscreen for headless tests)
   qt6-base-dev qt6-base-dev-tools qt6-qpa-plugins libgl-dev libxcb1-dev
+  # going to a session's window: EWMH requests on X11
+  libxcb-ewmh-dev
   # tests and benchmarks
   libgtest-dev libbenchmark-dev
   # the process table tool the ps snapshot source runs
@@ -18,6 +20,8 @@ packages=(
   desktop-file-utils appstream
   # end-to-end: display server, tray host, window manager, input and pixels, private bus
   xvfb xauth trayer openbox xdotool x11-utils imagemagick dbus-daemon dbus-bin dunst
+  # end-to-end: the terminal a session runs in, to go to
+  xterm
   # end-to-end with a real StatusNotifierItem host: Xfce's panel and its settings daemon
   xfce4-panel xfconf
   # end-to-end on Wayland: weston's headless compositor and Qt's Wayland plugin

@@ -2,6 +2,8 @@
 
 #include "cli/StatusReport.h"
 #include "monitor/ProcessMonitoring.h"
+#include "places/GoToSession.h"
+#include "places/SessionPlaces.h"
 
 #include <QCoreApplication>
 #include <QSocketNotifier>
@@ -23,20 +25,24 @@ constexpr int kExitDetectionFailed = 1;
 constexpr int kExitUsage = 2;
 
 const char kUsage[] = R"(Usage: brenvik-status [--json] [--watch]
+       brenvik-status --go PID|waiting|running
 
 Shows the Codex CLI processes on this machine and whether each is running
 or idle. Without --watch it waits for two refreshes (about 2 seconds, so
 that CPU use is measured), prints the result and exits.
 
 Options:
-  --json      print JSON instead of text
-  --watch     print one line after every refresh (every 2 seconds) until
-              interrupted; with --json one JSON object per line
-  -h, --help  show this help and exit
-  --version   show the version and exit
+  --json        print JSON instead of text
+  --watch       print one line after every refresh (every 2 seconds) until
+                interrupted; with --json one JSON object per line
+  --go TARGET   go to a session: raise its terminal's window and select its
+                tmux pane. TARGET is a session's PID, "waiting" (the one
+                waiting longest) or "running" (the one running longest)
+  -h, --help    show this help and exit
+  --version     show the version and exit
 
-Exit status: 0 on success, 1 if the process table could not be read,
-2 on a usage error.
+Exit status: 0 on success, 1 if the process table could not be read or
+--go could not go there, 2 on a usage error.
 )";
 
 struct Options {
@@ -44,6 +50,7 @@ struct Options {
     bool watch = false;
     bool help = false;
     bool version = false;
+    std::optional<QString> go; // a PID, "waiting" or "running"
 };
 
 struct ParsedArguments {
@@ -63,11 +70,25 @@ ParsedArguments parseArguments(int argc, char** argv) {
             parsed.options.help = true;
         else if (argument == u"--version")
             parsed.options.version = true;
-        else if (argument.startsWith(u'-'))
+        else if (argument == u"--go" || argument.startsWith(u"--go=")) {
+            QString target = argument.mid(5);
+            if (argument == u"--go") {
+                if (++i >= argc)
+                    return {{}, QStringLiteral("--go needs a PID, 'waiting' or 'running'")};
+                target = QString::fromLocal8Bit(argv[i]);
+            }
+            bool isPID = false;
+            const qint64 pid = target.toLongLong(&isPID);
+            if (!(isPID && pid > 0) && target != u"waiting" && target != u"running")
+                return {{}, u"--go takes a PID, 'waiting' or 'running', not '" + target + u'\''};
+            parsed.options.go = target;
+        } else if (argument.startsWith(u'-'))
             return {{}, u"unknown option '" + argument + u'\''};
         else
             return {{}, u"unexpected argument '" + argument + u'\''};
     }
+    if (parsed.options.go && (parsed.options.json || parsed.options.watch))
+        return {{}, QStringLiteral("--go takes neither --json nor --watch")};
     return parsed;
 }
 
@@ -78,6 +99,48 @@ bool write(std::FILE* stream, const QString& text) {
     const bool written = std::fwrite(bytes.constData(), 1, static_cast<size_t>(bytes.size()),
                                      stream) == static_cast<size_t>(bytes.size());
     return std::fflush(stream) == 0 && written;
+}
+
+// The session --go names: by PID, or of those in a state the one that has
+// held it longest.
+std::optional<ProcessMatch> targetOf(const QList<ProcessMatch>& matches, const QString& target) {
+    bool isPID = false;
+    const qint64 pid = target.toLongLong(&isPID);
+    const ProcessActivityStatus status =
+        target == u"waiting" ? ProcessActivityStatus::waiting : ProcessActivityStatus::running;
+    std::optional<ProcessMatch> chosen;
+    for (const ProcessMatch& match : matches) {
+        if (isPID ? match.pid != pid : match.status != status)
+            continue;
+        const QDateTime since = match.since.value_or(QDateTime());
+        if (!chosen || (since.isValid() && (!chosen->since || since < *chosen->since)))
+            chosen = match;
+    }
+    return chosen;
+}
+
+// Goes to the session --go names: 0 when it went (a line on standard output
+// where only its tmux pane could be selected), 1 with the reason otherwise.
+int goTo(const QList<ProcessMatch>& matches, const QString& target) {
+    const std::optional<ProcessMatch> match = targetOf(matches, target);
+    if (!match) {
+        const QString none = target == u"waiting"   ? QStringLiteral("no Codex session waits")
+                             : target == u"running" ? QStringLiteral("no Codex session runs")
+                                                    : u"no Codex session has PID " + target;
+        write(stderr, u"brenvik-status: " + none + u'\n');
+        return kExitDetectionFailed;
+    }
+    const GoResult result = goToSession({match->pid, match->cwd}, PlaceEnvironment::system());
+    switch (result.outcome) {
+    case GoResult::Outcome::went:
+        return 0;
+    case GoResult::Outcome::selected:
+        return write(stdout, result.text + u'\n') || errno == EPIPE ? 0 : kExitDetectionFailed;
+    case GoResult::Outcome::failed:
+        break;
+    }
+    write(stderr, u"brenvik-status: " + result.text + u'\n');
+    return kExitDetectionFailed;
 }
 
 // Writes a report to standard output, or ends the program: quietly with 0
@@ -173,25 +236,39 @@ int main(int argc, char** argv) {
     }
 
     CodexProcessMonitor monitor;
+    // Only JSON shows places; each is looked up once, when its session appears.
+    std::optional<SessionPlaces> places;
+    if (options.json)
+        places.emplace();
     int refreshesEnded = 0;
+    bool goesToPID = false;
+    if (options.go)
+        (void)options.go->toLongLong(&goesToPID);
     // Queued: the monitor stores the new value only after the notice.
     QObject::connect(
         &monitor, &CodexProcessMonitor::lastUpdatedChanged, &app,
         [&] {
-            const StatusReport report = StatusReport::of(monitor);
+            if (places)
+                places->update(monitor.matches());
+            const StatusReport report = StatusReport::of(monitor, places ? &*places : nullptr);
             if (options.watch) {
                 (void)::report((options.json ? statusJson(report) : statusLine(report)) + u'\n');
                 return;
             }
             // The first refresh sees every process for the first time; the
-            // second one measures their CPU use since then.
-            if (++refreshesEnded < 2)
+            // second one measures their CPU use since then. Going to a PID
+            // needs no verdict, and a key binding no wait.
+            if (++refreshesEnded < (goesToPID ? 1 : 2))
                 return;
             if (options.json && !::report(statusJson(report) + u'\n'))
                 return;
             if (report.state.asError()) {
                 write(stderr, u"brenvik-status: " + statusLine(report) + u'\n');
                 QCoreApplication::exit(kExitDetectionFailed);
+                return;
+            }
+            if (options.go) {
+                QCoreApplication::exit(goTo(report.matches, *options.go));
                 return;
             }
             if (!options.json && !::report(statusText(report, terminalWidth())))

@@ -58,9 +58,27 @@ constexpr qsizetype kStatusWidth = 7;
     return QString::number(value);
 }
 
+// {"terminal":…,"window":…,"tmux":{…}|null,"guess":…}, every key there
+// also when nothing is known.
+[[nodiscard]] QString jsonPlace(const SessionPlace& place) {
+    QString tmux = QStringLiteral("null");
+    if (place.tmux) {
+        tmux = u"{\"socket\":" + jsonString(place.tmux->socket) + u",\"session\":" +
+               jsonString(place.tmux->session) + u",\"window\":" +
+               jsonNumber(qint64(place.tmux->window)) + u",\"pane\":" +
+               jsonNumber(qint64(place.tmux->pane)) + u'}';
+    }
+    return u"{\"terminal\":" +
+           (place.terminal.isEmpty() ? QStringLiteral("null") : jsonString(place.terminal)) +
+           u",\"window\":" +
+           (place.window ? jsonNumber(qint64(*place.window)) : QStringLiteral("null")) +
+           u",\"tmux\":" + tmux + u",\"guess\":" +
+           (place.guess ? QStringLiteral("true") : QStringLiteral("false")) + u'}';
+}
+
 } // namespace
 
-StatusReport StatusReport::of(const CodexProcessMonitor& monitor) {
+StatusReport StatusReport::of(const CodexProcessMonitor& monitor, const SessionPlaces* places) {
     // The monitor keeps UTC so that a zone change cannot stretch its grace
     // period; a reader wants the time where the machine is now.
     std::optional<QDateTime> updated = monitor.lastUpdated();
@@ -73,7 +91,13 @@ StatusReport StatusReport::of(const CodexProcessMonitor& monitor) {
                 *time = (*time)->toLocalTime();
         }
     }
-    return {monitor.runState(), monitor.summary(), std::move(matches), updated};
+    QHash<qint64, SessionPlace> placeOf;
+    for (const ProcessMatch& match : matches) {
+        const auto lookup = places ? places->lookupOf(match.pid) : std::nullopt;
+        if (lookup && lookup->place)
+            placeOf.insert(match.pid, *lookup->place);
+    }
+    return {monitor.runState(), monitor.summary(), std::move(matches), updated, std::move(placeOf)};
 }
 
 QString statusLine(const StatusReport& report) {
@@ -164,7 +188,8 @@ QString statusJson(const StatusReport& report) {
                                  : QStringLiteral("null")) +
                 u",\"since\":" +
                 (match.since ? jsonString(isoTimestamp(*match.since)) : QStringLiteral("null")) +
-                u",\"source\":" + jsonString(rawValue(match.source)) + u'}';
+                u",\"source\":" + jsonString(rawValue(match.source)) + u",\"place\":" +
+                jsonPlace(report.places.value(match.pid)) + u'}';
     }
     json += u"]}";
     return json;

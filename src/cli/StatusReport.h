@@ -1,8 +1,11 @@
 #pragma once
 
 #include "monitor/ProcessMonitoring.h"
+#include "places/SessionPlace.h"
+#include "places/SessionPlaces.h"
 
 #include <QDateTime>
+#include <QHash>
 #include <QList>
 #include <QString>
 #include <optional>
@@ -16,8 +19,12 @@ struct StatusReport {
     QString summary;
     QList<ProcessMatch> matches;
     std::optional<QDateTime> updated;
+    // By root PID; a session without one has no known place.
+    QHash<qint64, SessionPlace> places = {};
 
-    [[nodiscard]] static StatusReport of(const CodexProcessMonitor& monitor);
+    // With `places`, the place of each session where one was found.
+    [[nodiscard]] static StatusReport of(const CodexProcessMonitor& monitor,
+                                         const SessionPlaces* places = nullptr);
 };
 
 // The detail line alone, as status bars show it. No line break.

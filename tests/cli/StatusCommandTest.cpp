@@ -291,6 +291,107 @@ TEST(StatusCommand, EndToEndSeesFakeCodexProcessesComeAndGo) {
     EXPECT_EQ(reportedOf(ours), QStringList());
 }
 
+// A tmux server of the test's own, on a socket in a fresh folder; ended
+// with the test.
+class PrivateTmux {
+public:
+    PrivateTmux() {
+        m_socket = m_directory.path() + u"/sock";
+        QFile script(m_directory.path() + u"/codex");
+        m_ready = m_directory.isValid() && script.open(QIODevice::WriteOnly) &&
+                  script.write("#!/bin/sh\nsleep 600\n") > 0 &&
+                  script.setPermissions(QFileDevice::ReadOwner | QFileDevice::WriteOwner |
+                                        QFileDevice::ExeOwner);
+    }
+    ~PrivateTmux() { (void)run({QStringLiteral("kill-server")}); }
+    PrivateTmux(const PrivateTmux&) = delete;
+    PrivateTmux& operator=(const PrivateTmux&) = delete;
+
+    [[nodiscard]] bool isReady() const { return m_ready; }
+    [[nodiscard]] const QString& socket() const { return m_socket; }
+    [[nodiscard]] QString directory() const { return m_directory.path(); }
+
+    // Its standard output, trimmed; none when it failed.
+    std::optional<QString> run(const QStringList& arguments) const {
+        QProcess process;
+        process.start(QStringLiteral("tmux"),
+                      QStringList{QStringLiteral("-S"), m_socket, QStringLiteral("-f"),
+                                  QStringLiteral("/dev/null")} +
+                          arguments);
+        if (!process.waitForFinished(kBound) || process.exitCode() != 0)
+            return std::nullopt;
+        return QString::fromUtf8(process.readAllStandardOutput()).trimmed();
+    }
+
+private:
+    QTemporaryDir m_directory{kFakeDirectoryTemplate};
+    QString m_socket;
+    bool m_ready = false;
+};
+
+// A stand-in Codex session in pane 1 of window 1 of a detached tmux session
+// with a hostile name, while window 0 is the current one: the report names
+// the pane, and --go selects it, with no X server (the tests run offscreen).
+TEST(StatusCommand, GoesToTheTmuxPaneOfASession) {
+    PrivateTmux tmux;
+    ASSERT_TRUE(tmux.isReady());
+    const QString name = QStringLiteral("work\"$(touch pwned)");
+    const std::optional<QString> sessionId =
+        tmux.run({QStringLiteral("new-session"), QStringLiteral("-d"), QStringLiteral("-P"),
+                  QStringLiteral("-F"), QStringLiteral("#{session_id}"), QStringLiteral("-s"), name,
+                  QStringLiteral("-x"), QStringLiteral("80"), QStringLiteral("-y"),
+                  QStringLiteral("24"), QStringLiteral("-c"), tmux.directory()});
+    ASSERT_TRUE(sessionId);
+    const QString window = *sessionId + u":1";
+    ASSERT_TRUE(tmux.run({QStringLiteral("new-window"), QStringLiteral("-d"), QStringLiteral("-t"),
+                          window, QStringLiteral("-c"), tmux.directory()}));
+    ASSERT_TRUE(
+        tmux.run({QStringLiteral("split-window"), QStringLiteral("-d"), QStringLiteral("-t"),
+                  window, QStringLiteral("-c"), tmux.directory(), tmux.directory() + u"/codex"}));
+    const auto active = [&] {
+        return tmux
+            .run({QStringLiteral("display-message"), QStringLiteral("-p"), QStringLiteral("-t"),
+                  *sessionId, QStringLiteral("#{window_index}.#{pane_index}")})
+            .value_or(QString());
+    };
+    ASSERT_EQ(active(), u"0.0");
+
+    // The stand-in's group, once a report shows it.
+    QJsonObject group;
+    ASSERT_TRUE(QTest::qWaitFor(
+        [&] {
+            const auto report = parseReport(runStatus({QStringLiteral("--json")}).out);
+            for (const QJsonValue& candidate :
+                 report.value_or(QJsonObject())[u"groups"].toArray()) {
+                if (candidate[u"command"].toString().contains(tmux.directory() + u"/codex"))
+                    group = candidate.toObject();
+            }
+            return !group.isEmpty();
+        },
+        kBound));
+    const QJsonObject expectedPlace{{u"terminal"_qs, QJsonValue::Null},
+                                    {u"window"_qs, QJsonValue::Null},
+                                    {u"tmux"_qs, QJsonObject{{u"socket"_qs, tmux.socket()},
+                                                             {u"session"_qs, name},
+                                                             {u"window"_qs, 1},
+                                                             {u"pane"_qs, 1}}},
+                                    {u"guess"_qs, false}};
+    EXPECT_EQ(group[u"place"].toObject(), expectedPlace);
+
+    const QString pid = QString::number(group[u"pid"].toInteger());
+    const CommandResult go = runStatus({QStringLiteral("--go"), pid});
+    EXPECT_EQ(go.exitCode, 0) << go.err.toStdString();
+    EXPECT_EQ(go.out, u"In tmux " + name +
+                          u":1.1, which no terminal shows: its pane is selected for the next "
+                          u"attach\n");
+    EXPECT_EQ(active(), u"1.1");
+    EXPECT_FALSE(QFile::exists(tmux.directory() + u"/pwned")) << "a name is never run";
+
+    const CommandResult nowhere = runStatus({QStringLiteral("--go"), QStringLiteral("1")});
+    EXPECT_EQ(nowhere.exitCode, 1);
+    EXPECT_EQ(nowhere.err, u"brenvik-status: no Codex session has PID 1\n");
+}
+
 } // namespace
 
 int main(int argc, char** argv) {

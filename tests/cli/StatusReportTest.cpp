@@ -30,12 +30,12 @@ ProcessMatch match(qint64 pid, QString command, ProcessActivityStatus status, do
             .lastMessage = {}};
 }
 
-StatusReport observedReport(QList<ProcessMatch> matches) {
+StatusReport observedReport(QList<ProcessMatch> matches, QHash<qint64, SessionPlace> places = {}) {
     const auto runningCount = std::count_if(matches.cbegin(), matches.cend(),
                                             [](const auto& m) { return m.status == running; });
     const auto total = static_cast<qint64>(matches.size());
     return {CodexRunState::observed(total, runningCount, total - runningCount),
-            QStringLiteral("summary text"), std::move(matches), kUpdated};
+            QStringLiteral("summary text"), std::move(matches), kUpdated, std::move(places)};
 }
 
 TEST(StatusText, DetailLineThenAnAlignedRowPerGroup) {
@@ -85,6 +85,7 @@ TEST(StatusText, DetailLineThenAnAlignedRowPerGroup) {
 }
 
 // Held as exact text, so key order, escaping and number forms all show.
+// A place's names are data: quoted, never cut short or left raw.
 TEST(StatusJson, KeysInAFixedOrderOnOneLine) {
     const QString awkward =
         QStringLiteral("codex \"q\" back\\slash\t\x01\b\f\r\n \u00E9\U0001F600");
@@ -113,7 +114,13 @@ TEST(StatusJson, KeysInAFixedOrderOnOneLine) {
              {match(2'200'000'000, awkward, running, 250.125, 1e-3, 4, QStringLiteral("/home/u/w"),
                     kUpdated.addSecs(-90)),
               match(1, QStringLiteral("codex"), idle, std::numeric_limits<double>::quiet_NaN(),
-                    std::numeric_limits<double>::infinity(), 1)}),
+                    std::numeric_limits<double>::infinity(), 1)},
+             {{2'200'000'000, SessionPlace{QStringLiteral("GNOME Terminal"), 0x40000d,
+                                           TmuxPane{QStringLiteral("/tmp/tmux-1000/default"),
+                                                    QStringLiteral("a\"b\n$(x) y"),
+                                                    QStringLiteral("$3"), 2, QStringLiteral("@4"),
+                                                    QStringLiteral("w"), 1, QStringLiteral("%9")},
+                                           true}}}),
          QStringLiteral(
              R"({"state":"observed","total":2,"running":1,"idle":1,"waiting":0,"summary":"summary text",)"
              R"("detail":"2 total · 1 running · 1 idle","error":null,)"
@@ -122,9 +129,12 @@ TEST(StatusJson, KeysInAFixedOrderOnOneLine) {
              QStringLiteral(
                  R"(","status":"running","instantaneousCPUPercent":250.125,)"
                  R"("cumulativeCPUTime":0.001,"memberCount":4,"processCount":5,"cwd":"/home/u/w",)"
-                 R"("startedAt":"2026-11-23T04:03:36+01:00","since":null,"source":"cpu"},{"pid":1,"command":"codex",)"
+                 R"("startedAt":"2026-11-23T04:03:36+01:00","since":null,"source":"cpu",)"
+                 R"("place":{"terminal":"GNOME Terminal","window":4194317,"tmux":{"socket":"/tmp/tmux-1000/default",)"
+                 R"("session":"a\"b\n$(x) y","window":2,"pane":1},"guess":true}},{"pid":1,"command":"codex",)"
                  R"("status":"idle","instantaneousCPUPercent":null,"cumulativeCPUTime":null,)"
-                 R"("memberCount":1,"processCount":2,"cwd":null,"startedAt":null,"since":null,"source":"cpu"}]})")},
+                 R"("memberCount":1,"processCount":2,"cwd":null,"startedAt":null,"since":null,"source":"cpu",)"
+                 R"("place":{"terminal":null,"window":null,"tmux":null,"guess":false}}]})")},
     };
     for (const auto& testCase : cases) {
         EXPECT_EQ(statusJson(testCase.report).toStdString(), testCase.expected.toStdString())

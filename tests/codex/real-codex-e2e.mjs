@@ -692,6 +692,17 @@ function check() {
       judge(`${name}: judged by its log once it exists`, logged, (l) => ofKind(l, id)[0].source === "log",
         (l) => describeGroups(ofKind(l, id)));
     }
+    // The TUI runs in pane 0.0 of session "main" of its own tmux server (-L, and a
+    // TMUX_TMPDIR that brenvik-status does not share).
+    if (fe.tmux) {
+      judge(`${name}: its place names its tmux pane`, alive.filter((l) => ofKind(l, id).length === 1),
+        (l) => {
+          const t = ofKind(l, id)[0].place?.tmux;
+          return t?.session === "main" && t.window === 0 && t.pane === 0 &&
+            t.socket === path.join(env.TMUX_TMPDIR, `tmux-${process.getuid()}`, fe.tmux);
+        },
+        (l) => JSON.stringify(ofKind(l, id)[0].place));
+    }
     const windows = [...held].map(([kind, n]) => `${n} ${kind}`).join(", ") || "none";
     summaries.push(`ok  ${name}: one session at each of ${alive.length} refreshes while it ran; windows judged: ${windows}; ` +
       `source "log" at ${fromLog} of ${logged.length} refreshes after its log appeared`);

@@ -1,0 +1,87 @@
+#include "places/Tmux.h"
+
+#include <QProcess>
+
+namespace brenvik {
+
+namespace {
+
+// tmux answers in milliseconds; a server that hangs must not hang the caller.
+constexpr int kTimeoutMs = 3000;
+
+} // namespace
+
+std::optional<QString> runTmux(const QStringList& arguments) {
+    QProcess process;
+    process.setStandardInputFile(QProcess::nullDevice());
+    process.setStandardErrorFile(QProcess::nullDevice());
+    process.start(QStringLiteral("tmux"), arguments);
+    if (!process.waitForStarted(kTimeoutMs))
+        return std::nullopt;
+    if (!process.waitForFinished(kTimeoutMs)) {
+        process.kill();
+        process.waitForFinished(kTimeoutMs);
+        return std::nullopt;
+    }
+    if (process.exitStatus() != QProcess::NormalExit || process.exitCode() != 0)
+        return std::nullopt;
+    return QString::fromUtf8(process.readAllStandardOutput());
+}
+
+std::optional<QString> TmuxServer::run(QStringList arguments) const {
+    if (m_socket.isEmpty() || !m_run)
+        return std::nullopt;
+    arguments.prepend(m_socket);
+    arguments.prepend(QStringLiteral("-S"));
+    return m_run(arguments);
+}
+
+std::optional<QString> TmuxServer::format(const QString& target, const QString& format) const {
+    std::optional<QString> text = run({QStringLiteral("display-message"), QStringLiteral("-p"),
+                                       QStringLiteral("-t"), target, format});
+    if (text && text->endsWith(u'\n'))
+        text->chop(1);
+    return text;
+}
+
+std::optional<TmuxPane> TmuxServer::paneOf(const QList<AncestorProcess>& ancestry) const {
+    const std::optional<QString> output =
+        run({QStringLiteral("list-panes"), QStringLiteral("-a"), QStringLiteral("-F"),
+             QString::fromLatin1(kTmuxPaneFormat)});
+    if (!output)
+        return std::nullopt;
+    const std::optional<TmuxPaneRow> row = brenvik::paneOf(parseTmuxPanes(*output), ancestry);
+    if (!row)
+        return std::nullopt;
+    // Asked one by one: a name may hold anything, even a line break.
+    return TmuxPane{
+        .socket = m_socket,
+        .session = format(row->paneId, QStringLiteral("#{session_name}")).value_or(row->sessionId),
+        .sessionId = row->sessionId,
+        .window = row->window,
+        .windowId = row->windowId,
+        .windowName = format(row->paneId, QStringLiteral("#{window_name}")).value_or(QString()),
+        .pane = row->pane,
+        .paneId = row->paneId};
+}
+
+QList<TmuxClientRow> TmuxServer::clients() const {
+    const std::optional<QString> output = run({QStringLiteral("list-clients"), QStringLiteral("-F"),
+                                               QString::fromLatin1(kTmuxClientFormat)});
+    return output ? parseTmuxClients(*output) : QList<TmuxClientRow>();
+}
+
+bool TmuxServer::select(const TmuxPane& pane) const {
+    return run({QStringLiteral("select-window"), QStringLiteral("-t"), pane.windowId}) &&
+           run({QStringLiteral("select-pane"), QStringLiteral("-t"), pane.paneId});
+}
+
+bool TmuxServer::switchClient(const QString& tty, const TmuxPane& pane) const {
+    QStringList arguments{QStringLiteral("switch-client")};
+    if (!tty.isEmpty())
+        arguments << QStringLiteral("-c") << tty;
+    arguments << QStringLiteral("-t") << pane.paneId;
+    return run(arguments).has_value();
+}
+
+} // namespace brenvik
