@@ -387,7 +387,8 @@ function promptWindows(fe) {
       if (r.directives?.think && !r.followUp && r.answeredAt) windows.push({ kind: "thinking", start: r.t, end: r.answeredAt });
     }
     const final = asked.findLast((r) => r.final && r.answeredAt);
-    const next = fe.prompts[i + 1]?.at ?? fe.exit;
+    // As for "while it runs": a refresh just before its exit is seen may no longer show it.
+    const next = fe.prompts[i + 1]?.at ?? (fe.exit && fe.exit - 500);
     // A turn that waits for an approval is judged by its approval windows instead.
     const approval = fe.windows.some((w) => w.kind === "approval" && w.start >= p.at && (!final || w.start <= final.answeredAt));
     // codex exec takes up its prompt once it has started, 1-3 s after its launch.
