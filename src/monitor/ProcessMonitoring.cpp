@@ -245,9 +245,11 @@ void CodexProcessMonitor::finishRefresh() {
 namespace {
 
 // The status a session log decides, or nothing where it does not.
+// `commandRan`: a command of the session was seen since its pending tool
+// call was written.
 std::optional<ProcessActivityStatus> statusFromLog(const CodexProcessMonitor::LogState& log,
                                                    const DetectedProcessSample& sample,
-                                                   const QDateTime& now) {
+                                                   bool commandRan, const QDateTime& now) {
     if (!log)
         return std::nullopt;
     switch (log->phase) {
@@ -256,13 +258,16 @@ std::optional<ProcessActivityStatus> statusFromLog(const CodexProcessMonitor::Lo
     case TurnPhase::awaitingToolOutput: {
         // A tool call without output is a command at work, or an approval
         // question when no command runs. Codex writes the call before it
-        // forks its sandbox, so a call that young is a command starting.
+        // forks its sandbox, so a call that young is a command starting;
+        // and a question always comes before its command, so once one ran
+        // the call is running until Codex writes its output.
         const bool starting =
             log->phaseSince &&
             log->phaseSince->msecsTo(now) <
                 std::chrono::milliseconds(CodexProcessMonitor::commandStartAllowance).count();
-        return sample.runningCommands > 0 || starting ? ProcessActivityStatus::running
-                                                      : ProcessActivityStatus::waiting;
+        return sample.runningCommands > 0 || starting || commandRan
+                   ? ProcessActivityStatus::running
+                   : ProcessActivityStatus::waiting;
     }
     case TurnPhase::idle:
     case TurnPhase::notStarted: // whatever its start-up costs
@@ -305,7 +310,11 @@ CodexProcessMonitor::classify(const QList<DetectedProcessSample>& samples, const
             lastBusyAt = previous->lastBusyAt;
 
         const LogState& log = i < logs.size() ? logs[i] : LogState();
-        const std::optional<ProcessActivityStatus> logged = statusFromLog(log, sample, now);
+        const bool awaitingCall = log && log->phase == TurnPhase::awaitingToolOutput;
+        const bool commandRan = awaitingCall && log->phaseSince && seenBefore &&
+                                previous->commandSeenFor == log->phaseSince;
+        const std::optional<ProcessActivityStatus> logged =
+            statusFromLog(log, sample, commandRan, now);
         ProcessActivityStatus status;
         if (logged) {
             status = *logged;
@@ -343,12 +352,17 @@ CodexProcessMonitor::classify(const QList<DetectedProcessSample>& samples, const
             .since = since,
             .source = logged ? StatusSource::log : StatusSource::cpu,
             .lastMessage = log ? log->lastAgentMessageLine.value_or(QString()) : QString()});
-        result.history.insert(sample.pid,
-                              ActivityHistory{.cumulativeCPUTime = sample.cumulativeCPUTime,
-                                              .lastBusyAt = lastBusyAt,
-                                              .seenAt = now,
-                                              .status = status,
-                                              .since = since});
+        result.history.insert(
+            sample.pid,
+            ActivityHistory{.commandSeenFor =
+                                awaitingCall && (commandRan || sample.runningCommands > 0)
+                                    ? log->phaseSince
+                                    : std::nullopt,
+                            .cumulativeCPUTime = sample.cumulativeCPUTime,
+                            .lastBusyAt = lastBusyAt,
+                            .seenAt = now,
+                            .status = status,
+                            .since = since});
     }
     return result;
 }

@@ -125,6 +125,9 @@ class CodexProcessMonitor : public QObject {
 
 public:
     struct ActivityHistory {
+        // The pending tool calls (by when the log says they began) for which
+        // a command of the session was seen.
+        std::optional<QDateTime> commandSeenFor;
         double cumulativeCPUTime = 0;
         std::optional<QDateTime> lastBusyAt;
         QDateTime seenAt; // the refresh that wrote this record

@@ -168,6 +168,43 @@ TEST(ActivityClassification, TheSessionLogDecidesWhereItCan) {
     }
 }
 
+// An approval question comes before its command: a pending call whose
+// command ran and ended reads running until Codex writes its output.
+TEST(ActivityClassification, APendingCallWaitsOnlyBeforeItsCommandRan) {
+    ScriptedScan scan;
+    ManualClock clock;
+    std::mutex mutex; // the logs are read on the scan's thread
+    CodexProcessMonitor::LogState log = logIn(TurnPhase::awaitingToolOutput, -5000);
+    CodexProcessMonitor monitor(scan.function(), clock.function(), nullptr,
+                                [&](const QList<DetectedProcessSample>&) {
+                                    std::lock_guard lock(mutex);
+                                    return QList<CodexProcessMonitor::LogState>{log};
+                                });
+    const struct {
+        qint64 atMs;
+        qint64 commands;
+        qint64 callSinceMs;
+        ProcessActivityStatus status;
+    } steps[] = {
+        {0, 0, -5000, ProcessActivityStatus::waiting}, // the question
+        {2000, 1, -5000, running},                     // approved: its command runs
+        {4000, 0, -5000, running},                     // it ended; no output written yet
+        {6000, 0, 5000, running},                      // the next call, just written
+        {8000, 0, 5000, ProcessActivityStatus::waiting},
+    };
+    for (const auto& step : steps) {
+        DetectedProcessSample s = sample(1, 0.0, base);
+        s.runningCommands = step.commands;
+        scan.returns({s});
+        {
+            std::lock_guard lock(mutex);
+            log = logIn(TurnPhase::awaitingToolOutput, step.callSinceMs);
+        }
+        ASSERT_TRUE(refreshAt(monitor, clock, step.atMs));
+        EXPECT_EQ(monitor.matches()[0].status, step.status) << "at " << step.atMs << " ms";
+    }
+}
+
 TEST(ActivityClassification, ATurnEndReadsIdleAtTheNextRefresh) {
     ScriptedScan scan;
     ManualClock clock;
