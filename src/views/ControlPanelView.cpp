@@ -124,11 +124,14 @@ QSize ControlPanelView::naturalSize() const {
     const int height = layout()->hasHeightForWidth() ? layout()->totalHeightForWidth(width)
                                                      : layout()->totalSizeHint().height();
     setListHeight(kProcessListMinimumHeight, listHeight);
-    // The missing-tray line lasts only until a tray comes: meanwhile the list
-    // gives way to it, rather than the window growing for good.
+    // Room for the line that names waiting sessions, so that nothing moves or
+    // scrolls when one starts waiting.
+    const int waiting = header()->waitingText().isEmpty() ? header()->waitingLineHeight() : 0;
+    // The missing-tray line lasts only until a tray comes: the window grows
+    // for it meanwhile, not for good.
     const int missingTray =
         m_missingTrayLine->isHidden() ? 0 : m_missingTrayLine->sizeHint().height() + kHeaderSpacing;
-    return {width, std::max(kHeight, height - missingTray)};
+    return {width, std::max(kHeight, height + waiting - missingTray)};
 }
 
 void ControlPanelView::setMissingTrayText(const QString& text) {
