@@ -110,8 +110,11 @@ QSize ControlPanelView::naturalSize() const {
     // The list at its full three rows, everything else as it wants to be at
     // this width (a larger font wraps the preferences' texts).
     const int width = std::max(kWidth, layout()->minimumSize().width());
-    // Three rows as tall as the font makes them.
-    const ProcessRowView row(ProcessMatch{}, QDateTime());
+    // Three rows as tall as the font makes them, measured on one with text in
+    // every line: with some fonts an empty line is a pixel shorter.
+    ProcessMatch sample;
+    sample.command = QStringLiteral("codex");
+    const ProcessRowView row(sample, QDateTime());
     const int listHeight = kProcessListHeight + 3 * (row.height() - ProcessRowView::kHeight);
     // A list of fixed height does not tell the layouts above it: they are told here.
     const auto setListHeight = [this](int minimum, int maximum) {
