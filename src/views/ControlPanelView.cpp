@@ -140,6 +140,10 @@ QSize ControlPanelView::naturalSize() const {
 void ControlPanelView::setMissingTrayText(const QString& text) {
     m_missingTrayLine->setFullText(text);
     m_missingTrayLine->setVisible(!text.isEmpty());
+    // The line names a package to install, so it is never cut short: with a
+    // wide font the panel widens for it meanwhile.
+    const int line = text.isEmpty() ? 0 : m_missingTrayLine->sizeHint().width() + 2 * kPadding;
+    setMinimumWidth(std::max(layout()->minimumSize().width(), line));
 }
 
 void ControlPanelView::updateFromMonitor() {

@@ -33,7 +33,8 @@ public:
     [[nodiscard]] QSize naturalSize() const;
 
     [[nodiscard]] ElidingLabel* errorLine() const noexcept { return m_errorLine; }
-    // Shown while `text` is not empty: no tray shows the icon.
+    // Shown while `text` is not empty: no tray shows the icon. Widens the
+    // panel's minimum where the line needs it.
     void setMissingTrayText(const QString& text);
     [[nodiscard]] ElidingLabel* missingTrayLine() const noexcept { return m_missingTrayLine; }
     [[nodiscard]] PreferencesControlsView* preferences() const noexcept { return m_preferences; }

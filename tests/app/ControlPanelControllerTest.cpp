@@ -66,18 +66,21 @@ TEST(ControlPanelController, BuildsOneFixedSizeWindowCentredOnce) {
 // what takes room at start-up: the panel opens before the first refresh ends,
 // which then brings three rows and a waiting session; launch at login says why
 // it is not available; a third preference; and the line for a missing tray.
-// Also at 16 pt. While the window could still grow, nothing scrolls and
-// nothing is cut; on a screen too small for it (the same test runs at scale 2
-// on a 500 px high screen), the content scrolls instead.
+// Also at 16 pt, and in DejaVu Sans Mono, where that line needs more than 420 px. While the window
+// could still grow, nothing scrolls and nothing is cut; on a screen too small for it (the same test
+// runs at scale 2 on a 500 px high screen), the content scrolls instead.
 TEST(ControlPanelController, ShowsItsWholeContentWithinTheScreen) {
     const QFont before = QApplication::font();
-    const std::tuple<const char*, qreal, bool> cases[] = {
-        {"9 pt", 9, true},
-        {"9 pt, no tray", 9, false},
-        {"16 pt", 16, true},
+    const QByteArray desktopBefore = qgetenv("XDG_CURRENT_DESKTOP");
+    qputenv("XDG_CURRENT_DESKTOP", "GNOME"); // the longest missing-tray line
+    const std::tuple<const char*, QString, qreal, bool> cases[] = {
+        {"9 pt", u"DejaVu Sans"_s, 9, true},
+        {"9 pt, no tray", u"DejaVu Sans"_s, 9, false},
+        {"monospace, no tray", u"DejaVu Sans Mono"_s, 9, false},
+        {"16 pt", u"DejaVu Sans"_s, 16, true},
     };
-    for (const auto& [name, points, tray] : cases) {
-        QFont font(u"DejaVu Sans"_s);
+    for (const auto& [name, family, points, tray] : cases) {
+        QFont font(family);
         font.setPointSizeF(points);
         QApplication::setFont(font);
         test::ScriptedMonitor scripted;
@@ -109,6 +112,9 @@ TEST(ControlPanelController, ShowsItsWholeContentWithinTheScreen) {
             EXPECT_TRUE(cut.isEmpty()) << name << ": " << cut.join(u" | "_s).toStdString();
             EXPECT_EQ(view->processList()->form(), ProcessListForm::plainStack)
                 << name << ": the rows scroll";
+            EXPECT_EQ(view->missingTrayLine()->text().toStdString(),
+                      view->missingTrayLine()->fullText().toStdString())
+                << name << ": the line cut short";
             EXPECT_GE(window->width(), 420) << name;
             EXPECT_GE(window->height(), 480) << name;
         } else {
@@ -123,6 +129,7 @@ TEST(ControlPanelController, ShowsItsWholeContentWithinTheScreen) {
         window->close();
     }
     QApplication::setFont(before);
+    qputenv("XDG_CURRENT_DESKTOP", desktopBefore);
 }
 
 TEST(ControlPanelPlacement, NaturalSizeWhereItFitsAndTheFrameAlwaysOnScreen) {
