@@ -9,6 +9,7 @@
 #include <QScrollArea>
 #include <QVBoxLayout>
 #include <QWindow>
+#include <algorithm>
 #include <functional>
 
 namespace brenvik {
@@ -53,6 +54,8 @@ ControlPanelController::~ControlPanelController() = default;
 void ControlPanelController::show() {
     if (!m_window)
         buildWindow();
+    // What changed while it was hidden.
+    fitWindow();
     // Left on another desktop, the window manager keeps it there (unmapped,
     // so not exposed): shown afresh, it comes to the desktop the user is on.
     if (m_window->isVisible() && !m_window->isMinimized() && m_window->windowHandle() &&
