@@ -155,7 +155,6 @@ TEST(ControlPanelPlacement, NaturalSizeWhereItFitsAndTheFrameAlwaysOnScreen) {
     const QRect area(0, 0, 1280, 800);
     const std::tuple<const char*, QRect, QSize, QRect> resized[] = {
         {"grows in place", QRect(100, 100, 420, 480), QSize(420, 500), QRect(100, 100, 420, 500)},
-        {"shrinks in place", QRect(100, 100, 420, 500), QSize(420, 480), QRect(100, 100, 420, 480)},
         {"grows up from the bottom", QRect(100, 300, 420, 480), QSize(420, 520),
          QRect(100, 800 - frame.bottom() - 520, 420, 520)},
         {"taller than the screen", QRect(100, 100, 420, 480), QSize(420, 900),
