@@ -12,6 +12,8 @@ namespace brenvik {
 namespace {
 constexpr qreal kDotDiameter = 11;
 constexpr int kDotMinimumWidth = 14;
+// Between the title, the summary and the waiting line.
+constexpr int kTextSpacing = 2;
 } // namespace
 
 NamedColor namedColor(StateColor color) {
@@ -75,7 +77,7 @@ StatusHeaderView::StatusHeaderView(const CodexRunState& state, const QString& su
     title->setText(tr("Codex CLI Status"));
 
     auto* texts = new QVBoxLayout;
-    texts->setSpacing(2);
+    texts->setSpacing(kTextSpacing);
     texts->setContentsMargins(0, 0, 0, 0);
     texts->addWidget(title);
     texts->addWidget(m_summary);
@@ -121,6 +123,10 @@ QString StatusHeaderView::badgeText() const {
 
 QString StatusHeaderView::waitingText() const {
     return m_waiting->isHidden() ? QString() : m_waiting->fullText();
+}
+
+int StatusHeaderView::waitingLineHeight() const {
+    return m_waiting->sizeHint().height() + kTextSpacing;
 }
 
 LastUpdatedLabel::LastUpdatedLabel(const std::optional<QDateTime>& lastUpdated, QWidget* parent)

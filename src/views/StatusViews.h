@@ -47,6 +47,8 @@ public:
     [[nodiscard]] QString badgeText() const;
     // "Waiting for you: brenvik" in full; empty while the line is absent.
     [[nodiscard]] QString waitingText() const;
+    // How much taller the line makes the header while it shows.
+    [[nodiscard]] int waitingLineHeight() const;
 
 private:
     StatusDotShapeView* m_dot;
