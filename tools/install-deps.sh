@@ -29,9 +29,10 @@ packages=(
   # end-to-end with the real Codex CLI: its TUI runs in tmux
   tmux
 )
-# The real Codex CLI comes from npm. A Node.js from elsewhere (nodesource) bundles npm,
-# and Debian's npm package would conflict with it: install each only when missing.
-command -v node >/dev/null || packages+=(nodejs)
+# The real Codex CLI comes from npm. Debian's npm brings Debian's Node.js (18 on Debian
+# 12, too old for Codex: tools/install-codex.sh then adds a pinned one from npm). A
+# Node.js from elsewhere (nodesource) bundles npm, and Debian's npm package would
+# conflict with it: install it only when missing.
 command -v npm >/dev/null || packages+=(npm)
 
 missing=()

@@ -9,8 +9,34 @@
 #include <QScrollArea>
 #include <QVBoxLayout>
 #include <QWindow>
+#include <algorithm>
+#include <functional>
 
 namespace brenvik {
+
+namespace {
+
+// Calls back whenever the watched widget's layout asks to be redone: its
+// content needs another size.
+class LayoutWatcher : public QObject {
+public:
+    LayoutWatcher(QWidget* widget, std::function<void()> changed)
+        : QObject(widget)
+        , m_changed(std::move(changed)) {
+        widget->installEventFilter(this);
+    }
+
+    bool eventFilter(QObject*, QEvent* event) override {
+        if (event->type() == QEvent::LayoutRequest)
+            m_changed();
+        return false;
+    }
+
+private:
+    std::function<void()> m_changed;
+};
+
+} // namespace
 
 ControlPanelController::ControlPanelController(CodexProcessMonitor& monitor,
                                                LaunchAtLoginController& launchAtLogin,
@@ -28,6 +54,8 @@ ControlPanelController::~ControlPanelController() = default;
 void ControlPanelController::show() {
     if (!m_window)
         buildWindow();
+    // What changed while it was hidden.
+    fitWindow();
     // Left on another desktop, the window manager keeps it there (unmapped,
     // so not exposed): shown afresh, it comes to the desktop the user is on.
     if (m_window->isVisible() && !m_window->isMinimized() && m_window->windowHandle() &&
@@ -71,16 +99,38 @@ void ControlPanelController::buildWindow() {
     setTrayHostAvailable(m_trayHostAvailable);
     // Not resizable; closing hides the window, which stays for the next show().
     view->ensurePolished(); // fonts and styles decide the sizes
-    const QSize natural = view->naturalSize();
+    m_naturalSize = view->naturalSize();
     const QScreen* screen = QGuiApplication::primaryScreen();
     if (!screen) {
-        m_window->setFixedSize(natural);
+        m_window->setFixedSize(m_naturalSize);
         return;
     }
     const QMargins frame = controlPanelFrameEstimate;
-    const QRect content = controlPanelGeometry(natural, frame, screen->availableGeometry());
+    const QRect content = controlPanelGeometry(m_naturalSize, frame, screen->availableGeometry());
     m_window->setFixedSize(content.size());
     // move() places the frame, not the content.
+    m_window->move(content.topLeft() - QPoint(frame.left(), frame.top()));
+    new LayoutWatcher(view, [this] { fitWindow(); });
+}
+
+void ControlPanelController::fitWindow() {
+    const QScreen* screen = m_window->screen();
+    if (!screen)
+        return;
+    // A scroll area scrolls once its content wants more than it has, so the
+    // window gives it that (no less than the natural size) while the screen
+    // has room.
+    const int width = std::max(m_naturalSize.width(), m_view->minimumWidth());
+    const QSize wanted(width, std::max(m_naturalSize.height(), m_view->heightForWidth(width)));
+    if (wanted == m_window->size())
+        return;
+    const QMargins frame = controlPanelFrameEstimate;
+    const QRect content = resizedControlPanelGeometry(
+        QRect(m_window->pos() + QPoint(frame.left(), frame.top()), m_window->size()), wanted, frame,
+        screen->availableGeometry());
+    if (content.size() == m_window->size())
+        return;
+    m_window->setFixedSize(content.size());
     m_window->move(content.topLeft() - QPoint(frame.left(), frame.top()));
 }
 

@@ -27,7 +27,9 @@ public:
     ControlPanelController& operator=(const ControlPanelController&) = delete;
 
     // Builds the window once (centred on the primary screen), then shows it,
-    // raises it and activates it.
+    // raises it and activates it. The window is as large as its content, at
+    // least its natural size, within the screen; it follows what the content
+    // needs later, and scrolls only where the screen is too small.
     void show();
 
     // None until the first show().
@@ -38,6 +40,7 @@ public:
 
 private:
     void buildWindow();
+    void fitWindow();
 
     CodexProcessMonitor& m_monitor;
     LaunchAtLoginController& m_launchAtLogin;
@@ -47,6 +50,7 @@ private:
     bool m_trayHostAvailable = true;
     std::unique_ptr<QWidget> m_window;
     ControlPanelView* m_view = nullptr; // owned by m_window
+    QSize m_naturalSize;
 };
 
 } // namespace brenvik

@@ -17,4 +17,9 @@ inline constexpr QMargins controlPanelFrameEstimate{8, 44, 8, 8};
 [[nodiscard]] QRect controlPanelGeometry(const QSize& natural, const QMargins& frame,
                                          const QRect& area);
 
+// The panel whose content lies at `content`, resized to `size` as far as the
+// area allows: it stays where it is unless its frame would leave the area.
+[[nodiscard]] QRect resizedControlPanelGeometry(const QRect& content, const QSize& size,
+                                                const QMargins& frame, const QRect& area);
+
 } // namespace brenvik

@@ -110,8 +110,11 @@ QSize ControlPanelView::naturalSize() const {
     // The list at its full three rows, everything else as it wants to be at
     // this width (a larger font wraps the preferences' texts).
     const int width = std::max(kWidth, layout()->minimumSize().width());
-    // Three rows as tall as the font makes them.
-    const ProcessRowView row(ProcessMatch{}, QDateTime());
+    // Three rows as tall as the font makes them, measured on one with text in
+    // every line: with some fonts an empty line is a pixel shorter.
+    ProcessMatch sample;
+    sample.command = QStringLiteral("codex");
+    const ProcessRowView row(sample, QDateTime());
     const int listHeight = kProcessListHeight + 3 * (row.height() - ProcessRowView::kHeight);
     // A list of fixed height does not tell the layouts above it: they are told here.
     const auto setListHeight = [this](int minimum, int maximum) {
@@ -124,16 +127,23 @@ QSize ControlPanelView::naturalSize() const {
     const int height = layout()->hasHeightForWidth() ? layout()->totalHeightForWidth(width)
                                                      : layout()->totalSizeHint().height();
     setListHeight(kProcessListMinimumHeight, listHeight);
-    // The missing-tray line lasts only until a tray comes: meanwhile the list
-    // gives way to it, rather than the window growing for good.
+    // Room for the line that names waiting sessions, so that nothing moves or
+    // scrolls when one starts waiting.
+    const int waiting = header()->waitingText().isEmpty() ? header()->waitingLineHeight() : 0;
+    // The missing-tray line lasts only until a tray comes: the window grows
+    // for it meanwhile, not for good.
     const int missingTray =
         m_missingTrayLine->isHidden() ? 0 : m_missingTrayLine->sizeHint().height() + kHeaderSpacing;
-    return {width, std::max(kHeight, height - missingTray)};
+    return {width, std::max(kHeight, height + waiting - missingTray)};
 }
 
 void ControlPanelView::setMissingTrayText(const QString& text) {
     m_missingTrayLine->setFullText(text);
     m_missingTrayLine->setVisible(!text.isEmpty());
+    // The line names a package to install, so it is never cut short: with a
+    // wide font the panel widens for it meanwhile.
+    const int line = text.isEmpty() ? 0 : m_missingTrayLine->sizeHint().width() + 2 * kPadding;
+    setMinimumWidth(std::max(layout()->minimumSize().width(), line));
 }
 
 void ControlPanelView::updateFromMonitor() {

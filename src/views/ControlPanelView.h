@@ -13,7 +13,7 @@ class PreferencesControlsView;
 class ProcessListSectionView;
 class StyledButton;
 
-// The whole control panel, 420 × 480: header with the error line and the
+// The whole control panel, 420 × 480 or larger: header with the error line and the
 // missing-tray line, preferences, the process list, the last refresh time, "Refresh Now" (also
 // the R key) and "Quit".
 class ControlPanelView : public MonitorStatusView {
@@ -28,11 +28,13 @@ public:
     static constexpr int kHeight = 480;
 
     // 420 × 480 where that holds everything, larger where a font, a scale or
-    // more preferences need it.
+    // more preferences need it: the list at its full three rows, and room
+    // for the line that names waiting sessions.
     [[nodiscard]] QSize naturalSize() const;
 
     [[nodiscard]] ElidingLabel* errorLine() const noexcept { return m_errorLine; }
-    // Shown while `text` is not empty: no tray shows the icon.
+    // Shown while `text` is not empty: no tray shows the icon. Widens the
+    // panel's minimum where the line needs it.
     void setMissingTrayText(const QString& text);
     [[nodiscard]] ElidingLabel* missingTrayLine() const noexcept { return m_missingTrayLine; }
     [[nodiscard]] PreferencesControlsView* preferences() const noexcept { return m_preferences; }

@@ -11,11 +11,20 @@ namespace brenvik {
 
 namespace {
 
+// A caption under a switch, on as many lines as it needs: a status says in
+// full why a switch is off.
 StyledLabel* explanation(NamedColor color, QWidget* parent) {
     auto* label = new StyledLabel(TextStyle::caption, color, parent);
-    label->setMaximumLines(2);
+    label->setWordWrap(true);
     label->setAlignment(Qt::AlignLeft | Qt::AlignTop);
     label->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    return label;
+}
+
+// A failure text in red, at most two lines; its tool tip holds all of it.
+StyledLabel* failureText(QWidget* parent) {
+    StyledLabel* label = explanation(NamedColor::red, parent);
+    label->setMaximumLines(2);
     return label;
 }
 
@@ -37,10 +46,10 @@ PreferencesControlsView::PreferencesControlsView(LaunchAtLoginController& launch
     , m_updates(new CoalescedUpdate([this] { updateFromControllers(); }, this))
     , m_launchSwitch(new ToggleSwitch(tr("Launch at login"), this))
     , m_launchStatus(explanation(NamedColor::secondary, this))
-    , m_launchError(explanation(NamedColor::red, this))
+    , m_launchError(failureText(this))
     , m_dockSwitch(new ToggleSwitch(tr("Show in taskbar while running"), this))
     , m_dockDescription(explanation(NamedColor::secondary, this))
-    , m_dockError(explanation(NamedColor::red, this))
+    , m_dockError(failureText(this))
     , m_notifications(notifications) {
     auto* column = new QVBoxLayout(this);
     column->setContentsMargins(0, 0, 0, 0);
@@ -54,7 +63,7 @@ PreferencesControlsView::PreferencesControlsView(LaunchAtLoginController& launch
         m_notifySwitch = new ToggleSwitch(tr("Notify when a session finishes or needs you"), this);
         StyledLabel* description = explanation(NamedColor::secondary, this);
         description->setText(tr("A desktop notification when a session is done or asks you"));
-        m_notifyError = explanation(NamedColor::red, this);
+        m_notifyError = failureText(this);
         column->addWidget(m_notifySwitch);
         column->addWidget(description);
         column->addWidget(m_notifyError);

@@ -12,6 +12,8 @@ namespace brenvik {
 namespace {
 constexpr qreal kDotDiameter = 11;
 constexpr int kDotMinimumWidth = 14;
+// Between the title, the summary and the waiting line.
+constexpr int kTextSpacing = 2;
 } // namespace
 
 NamedColor namedColor(StateColor color) {
@@ -76,7 +78,7 @@ StatusHeaderView::StatusHeaderView(const CodexRunState& state, const QString& su
     title->setText(tr("Codex CLI Status"));
 
     auto* texts = new QVBoxLayout;
-    texts->setSpacing(2);
+    texts->setSpacing(kTextSpacing);
     texts->setContentsMargins(0, 0, 0, 0);
     texts->addWidget(title);
     texts->addWidget(m_summary);
@@ -140,6 +142,10 @@ QString StatusHeaderView::limitsText() const {
 
 NamedColor StatusHeaderView::limitsColor() const {
     return m_limits->color();
+}
+
+int StatusHeaderView::waitingLineHeight() const {
+    return m_waiting->sizeHint().height() + kTextSpacing;
 }
 
 LastUpdatedLabel::LastUpdatedLabel(const std::optional<QDateTime>& lastUpdated, QWidget* parent)

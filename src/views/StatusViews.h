@@ -52,6 +52,8 @@ public:
     void setLimits(const QStringList& lines, LimitsLevel level);
     [[nodiscard]] QString limitsText() const;
     [[nodiscard]] NamedColor limitsColor() const;
+    // How much taller the line makes the header while it shows.
+    [[nodiscard]] int waitingLineHeight() const;
 
 private:
     StatusDotShapeView* m_dot;

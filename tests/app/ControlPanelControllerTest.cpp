@@ -4,14 +4,16 @@
 #include "tests/app/ShellTestSupport.h"
 #include "views/ControlPanelView.h"
 #include "views/ProcessListSectionView.h"
-#include "views/ProcessRowView.h"
+#include "views/StatusViews.h"
 
 #include <QApplication>
+#include <QDir>
 #include <QScreen>
 #include <gtest/gtest.h>
 
 namespace brenvik {
 namespace {
+using namespace Qt::StringLiterals;
 
 TEST(ControlPanelController, BuildsOneFixedSizeWindowCentredOnce) {
     test::ScriptedMonitor scripted;
@@ -25,8 +27,10 @@ TEST(ControlPanelController, BuildsOneFixedSizeWindowCentredOnce) {
     ASSERT_NE(window, nullptr);
     EXPECT_TRUE(window->isVisible());
     EXPECT_EQ(window->windowTitle(), QStringLiteral("Brenvik"));
-    EXPECT_EQ(window->minimumSize(), QSize(420, 480)) << "resizable";
-    EXPECT_EQ(window->maximumSize(), QSize(420, 480)) << "resizable";
+    EXPECT_EQ(window->minimumSize(), window->maximumSize()) << "resizable";
+    EXPECT_GE(window->width(), 420);
+    EXPECT_GE(window->height(), 480);
+    const QSize size = window->size();
     EXPECT_NE(window->findChild<ControlPanelView*>(), nullptr);
     const QPoint centre = QGuiApplication::primaryScreen()->availableGeometry().center();
     const QRect frame(window->pos(), window->size().grownBy(controlPanelFrameEstimate));
@@ -49,7 +53,7 @@ TEST(ControlPanelController, BuildsOneFixedSizeWindowCentredOnce) {
         EXPECT_EQ(controller.window(), window) << name;
         EXPECT_TRUE(window->isVisible()) << name;
         EXPECT_EQ(window->pos(), before) << name;
-        EXPECT_EQ(window->size(), QSize(420, 480)) << name;
+        EXPECT_EQ(window->size(), size) << name;
     }
     window->showMinimized();
     controller.show();
@@ -58,42 +62,74 @@ TEST(ControlPanelController, BuildsOneFixedSizeWindowCentredOnce) {
     window->close();
 }
 
-// A 16 pt font: the panel grows until nothing in it is cut, within the screen;
-// where the screen is too small for that (the same test runs at scale 2 on a
-// 500 px high screen), the content scrolls.
-TEST(ControlPanelController, GrowsForALargerFontWithinTheScreen) {
+// Debian's default font, DejaVu Sans 9 pt (which make test installs), with
+// what takes room at start-up: the panel opens before the first refresh ends,
+// which then brings three rows and a waiting session; launch at login says why
+// it is not available; a third preference; and the line for a missing tray.
+// Also at 16 pt, and in DejaVu Sans Mono, where that line needs more than 420 px. While the window
+// could still grow, nothing scrolls and nothing is cut; on a screen too small for it (the same test
+// runs at scale 2 on a 500 px high screen), the content scrolls instead.
+TEST(ControlPanelController, ShowsItsWholeContentWithinTheScreen) {
     const QFont before = QApplication::font();
-    QFont large = before;
-    large.setPointSize(16);
-    QApplication::setFont(large);
-    {
+    const QByteArray desktopBefore = qgetenv("XDG_CURRENT_DESKTOP");
+    qputenv("XDG_CURRENT_DESKTOP", "GNOME"); // the longest missing-tray line
+    const std::tuple<const char*, QString, qreal, bool> cases[] = {
+        {"9 pt", u"DejaVu Sans"_s, 9, true},
+        {"9 pt, no tray", u"DejaVu Sans"_s, 9, false},
+        {"monospace, no tray", u"DejaVu Sans Mono"_s, 9, false},
+        {"16 pt", u"DejaVu Sans"_s, 16, true},
+    };
+    for (const auto& [name, family, points, tray] : cases) {
+        QFont font(family);
+        font.setPointSizeF(points);
+        QApplication::setFont(font);
         test::ScriptedMonitor scripted;
-        test::PrivatePreferences preferences;
+        test::PrivatePreferences preferences(/*temporaryProgram=*/true);
         test::RecordingActions actions;
         ControlPanelController controller(scripted.monitor, preferences.launchAtLogin,
-                                          preferences.appVisibility, actions);
+                                          preferences.appVisibility, actions,
+                                          &preferences.notifications);
+        controller.setTrayHostAvailable(tray);
         controller.show();
+        QList<DetectedProcessSample> groups;
+        for (int i = 1; i <= 3; ++i) {
+            groups.append(test::group(1000 + i, u"codex"_s));
+            groups.last().cwd = QDir::homePath() + u"/projects/p%1"_s.arg(i);
+        }
+        ASSERT_TRUE(scripted.refreshWith(
+            groups, {std::nullopt, test::waitingLog(test::at(-120'000)), std::nullopt}));
+        test::settle();
+
         QWidget* window = controller.window();
         const auto* view = window->findChild<ControlPanelView*>();
+        ASSERT_FALSE(view->header()->waitingText().isEmpty()) << name;
         const QRect area = QGuiApplication::primaryScreen()->availableGeometry();
-        EXPECT_TRUE(
-            area.contains(QRect(window->pos(), window->size().grownBy(controlPanelFrameEstimate))))
-            << "off the screen";
-        EXPECT_GE(window->width(), 420);
-        if (window->size() == view->naturalSize()) {
-            EXPECT_GE(window->height(), 480);
-            const ProcessRowView row(ProcessMatch{}, QDateTime());
-            EXPECT_GE(view->processList()->height(), 3 * row.height()) << "three rows";
+        const QRect outer(window->pos(), window->size().grownBy(controlPanelFrameEstimate));
+        EXPECT_TRUE(area.contains(outer)) << name << ": off the screen";
+        if (outer.height() < area.height()) {
+            EXPECT_FALSE(test::panelScrolls(*window)) << name << ": scrolls";
+            const QStringList cut = test::cutTexts(*window);
+            EXPECT_TRUE(cut.isEmpty()) << name << ": " << cut.join(u" | "_s).toStdString();
+            EXPECT_EQ(view->processList()->form(), ProcessListForm::plainStack)
+                << name << ": the rows scroll";
+            EXPECT_EQ(view->missingTrayLine()->text().toStdString(),
+                      view->missingTrayLine()->fullText().toStdString())
+                << name << ": the line cut short";
+            EXPECT_GE(window->width(), 420) << name;
+            EXPECT_GE(window->height(), 480) << name;
+        } else {
+            EXPECT_GE(view->height(), view->minimumHeight()) << name << ": cut, not scrolled";
         }
-        EXPECT_GE(view->height(), view->minimumHeight()) << "cut instead of scrolled";
         for (const QWidget* button : {static_cast<const QWidget*>(view->refreshButton()),
                                       static_cast<const QWidget*>(view->quitButton())})
-            EXPECT_GE(button->width(), button->sizeHint().width()) << "a button cut short";
+            EXPECT_GE(button->width(), button->sizeHint().width()) << name << ": a button cut";
         EXPECT_GE(view->lastUpdatedLabel()->width(),
-                  view->lastUpdatedLabel()->minimumSizeHint().width());
+                  view->lastUpdatedLabel()->minimumSizeHint().width())
+            << name;
         window->close();
     }
     QApplication::setFont(before);
+    qputenv("XDG_CURRENT_DESKTOP", desktopBefore);
 }
 
 TEST(ControlPanelPlacement, NaturalSizeWhereItFitsAndTheFrameAlwaysOnScreen) {
@@ -114,6 +150,18 @@ TEST(ControlPanelPlacement, NaturalSizeWhereItFitsAndTheFrameAlwaysOnScreen) {
     EXPECT_EQ(controlPanelGeometry(QSize(420, 480), frame, QRect(0, 0, 10, 10)).topLeft(),
               QPoint(frame.left(), frame.top()))
         << "smaller than its frame: top-left wins";
+
+    // Resized where it stands, moved only as far as keeps the frame on the screen.
+    const QRect area(0, 0, 1280, 800);
+    const std::tuple<const char*, QRect, QSize, QRect> resized[] = {
+        {"grows in place", QRect(100, 100, 420, 480), QSize(420, 500), QRect(100, 100, 420, 500)},
+        {"grows up from the bottom", QRect(100, 300, 420, 480), QSize(420, 520),
+         QRect(100, 800 - frame.bottom() - 520, 420, 520)},
+        {"taller than the screen", QRect(100, 100, 420, 480), QSize(420, 900),
+         QRect(100, frame.top(), 420, 800 - frame.top() - frame.bottom())},
+    };
+    for (const auto& [name, content, size, expected] : resized)
+        EXPECT_EQ(resizedControlPanelGeometry(content, size, frame, area), expected) << name;
 }
 
 } // namespace

@@ -2,7 +2,11 @@
 
 #include "app/TraySurface.h"
 #include "notify/DesktopNotifier.h"
+#include "tests/views/CutTexts.h"
 #include "tests/views/ViewTestSupport.h"
+
+#include <QScrollArea>
+#include <QScrollBar>
 
 namespace brenvik::test {
 
@@ -33,5 +37,11 @@ public:
 
     QStringList summaries;
 };
+
+// Whether the control panel window scrolls its whole content.
+inline bool panelScrolls(const QWidget& window) {
+    const auto* scroll = window.findChild<QScrollArea*>(QString(), Qt::FindDirectChildrenOnly);
+    return scroll && scroll->verticalScrollBar()->isVisible();
+}
 
 } // namespace brenvik::test

@@ -1,9 +1,11 @@
 // A scripted stand-in for the model: answers the Responses API on 127.0.0.1 with
 // server-sent events, steered by directives in the latest user prompt:
 //   [think:S]       keep the stream open S seconds before answering
-//   [shell:CMD]     call the shell tool exec_command with {"cmd": CMD}
+//   [shell:CMD]     call the shell tool the request offers: exec_command {"cmd": CMD}, or
+//                   shell {"command": ["bash", "-lc", CMD]} (releases before ~0.100)
 //   [escalate]      ... asking to run it outside the sandbox (the TUI asks for approval)
-//   [say:TEXT]      answer TEXT
+//   [say:TEXT]      answer TEXT; with [shell], the same response also carries TEXT as a
+//                   message before the call
 //   [pad:K]         ... followed by K KiB of filler lines
 //   [usage:T]       every response of the turn reports T tokens used (else 2)
 //   [limits:P/S/R]  ... and the rate-limit headers: the 5 h window P % used, resetting
@@ -29,30 +31,35 @@ function textOf(item) {
 
 // What the model is asked to do: a tool's output to answer, or the newest prompt
 // (`prompt`, the user's text, tells which turn a request belongs to).
-function requestKind(input) {
+function requestKind(input, tools) {
   const message = input.findLast((i) => i.type === "message" && i.role === "user" && !textOf(i).startsWith("<"));
   const prompt = message ? textOf(message) : "";
-  if (input.at(-1)?.type === "function_call_output") return { followUp: true, prompt, directives: {} };
-  return { followUp: false, prompt, directives: parseDirectives(prompt) };
+  const shellTool = tools.some((t) => t.name === "exec_command") ? "exec_command" : "shell";
+  if (input.at(-1)?.type === "function_call_output") return { followUp: true, prompt, directives: {}, shellTool };
+  return { followUp: false, prompt, directives: parseDirectives(prompt), shellTool };
 }
 
 function sse(res, type, body) {
   res.write(`event: ${type}\ndata: ${JSON.stringify({ type, ...body })}\n\n`);
 }
 
-function outputItem(n, { directives, followUp, title }) {
-  if (title) return message(n, JSON.stringify({ title: "Test turn" }));
+// The items of one response: a message, a tool call, or a message and then a call.
+function outputItems(n, { directives, followUp, title, shellTool }) {
+  if (title) return [message(n, JSON.stringify({ title: "Test turn" }))];
   if (!followUp && typeof directives.shell === "string") {
-    const args = { cmd: directives.shell, yield_time_ms: 30000 };
+    const args = shellTool === "exec_command"
+      ? { cmd: directives.shell, yield_time_ms: 30000 }
+      : { command: ["bash", "-lc", directives.shell], timeout_ms: 60000 };
     if (directives.escalate) {
       args.sandbox_permissions = "require_escalated";
       args.justification = "the test asks for it";
     }
-    return { type: "function_call", id: `fc_${n}`, call_id: `call_${n}`, name: "exec_command", arguments: JSON.stringify(args) };
+    const call = { type: "function_call", id: `fc_${n}`, call_id: `call_${n}`, name: shellTool, arguments: JSON.stringify(args) };
+    return typeof directives.say === "string" ? [message(n, directives.say), call] : [call];
   }
   const text = followUp ? "The command finished." : typeof directives.say === "string" ? directives.say : "Done.";
   const pad = Number(directives.pad ?? 0);
-  return message(n, pad > 0 ? `${text}\n${"filler: a long answer that fills a pipe, sixty-four bytes a line\n".repeat(pad * 16)}` : text);
+  return [message(n, pad > 0 ? `${text}\n${"filler: a long answer that fills a pipe, sixty-four bytes a line\n".repeat(pad * 16)}` : text)];
 }
 
 function message(n, text) {
@@ -114,18 +121,18 @@ export function startFakeModel({ log = () => {} } = {}) {
       }
       const body = JSON.parse(raw);
       const n = ++count;
-      Object.assign(entry, { n, title: body.text?.format?.type === "json_schema", ...requestKind(body.input ?? []) });
+      Object.assign(entry, { n, title: body.text?.format?.type === "json_schema", ...requestKind(body.input ?? [], body.tools ?? []) });
       entry.figures = figuresOf(entry.prompt);
       log(entry);
       res.writeHead(200, { "content-type": "text/event-stream", "cache-control": "no-cache", ...entry.figures.headers });
       sse(res, "response.created", { response: { id: `resp_${n}` } });
       const answer = () => {
         timers.delete(timer);
-        const item = outputItem(n, entry);
+        const items = outputItems(n, entry);
         entry.answeredAt = Date.now();
-        // A message that is no title ends the turn.
-        entry.final = item.type === "message" && !entry.title;
-        sse(res, "response.output_item.done", { item });
+        // A response without a tool call that is no title ends the turn.
+        entry.final = items.every((i) => i.type === "message") && !entry.title;
+        for (const item of items) sse(res, "response.output_item.done", { item });
         sse(res, "response.completed", {
           response: { id: `resp_${n}`, usage: entry.figures.usage },
         });

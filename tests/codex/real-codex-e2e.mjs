@@ -1,17 +1,20 @@
 #!/usr/bin/env node
 // The real Codex CLI (codex exec, the TUI in tmux, acpx driving codex-acp), offline
 // against our fake model on 127.0.0.1, watched by `brenvik-status --watch --json`, and
-// with --brenvik by the tray app, whose desktop notifications go to dunst.
+// with --brenvik by the tray app, whose desktop notifications go to dunst. Each pinned
+// release runs its own scenarios, the releases side by side.
 //
 // Usage: node real-codex-e2e.mjs --brenvik-status PATH [--brenvik PATH] [--codex-cache DIR]
 //                                [--record DIR] [--timeline] [--keep] [--only ID,...]
+//   (real-codex-e2e.sh runs it under a Node.js new enough for Codex, codex-acp and acpx)
 //   --brenvik PATH     also run the tray app on a private bus with dunst (needs Xvfb,
 //                      dunst and dbus-monitor) and check its notifications
-//   --codex-cache DIR  where tools/install-codex.sh keeps the pinned npm install
+//   --codex-cache DIR  where tools/install-codex.sh keeps the pinned npm installs
 //   --record DIR       also write the process table of each marked moment to DIR/<moment>.tsv
 //   --timeline         print the timeline on success too
 //   --keep             keep the temporary folder
-//   --only ID,...      run only these scenarios (exec-think, exec, tui, acpx)
+//   --only ID,...      run only these scenarios (ids as in the table below, e.g. tui,
+//                      exec-0.80.0) or releases (0.130.0)
 import { spawn, spawnSync } from "node:child_process";
 import fs from "node:fs";
 import os from "node:os";
@@ -22,32 +25,69 @@ import { projectsOf, startDesktop } from "./desktop-notifications.mjs";
 import { startFakeModel } from "./fake-model-server.mjs";
 
 const REFRESH = 2000; // brenvik-status refreshes every 2 s
-const HARD_CAP_S = 270;
+const HARD_CAP_S = 420;
 const sourceDir = path.resolve(path.dirname(fileURLToPath(import.meta.url)), "../..");
 
-// A tool command that waits, then burns one core, writing when the burn starts and ends.
-const burn = (tag) =>
-  `sleep 2; date +%s.%N > ${tag}.burn-start; timeout 5 sh -c 'while :; do :; done'; date +%s.%N > ${tag}.burn-end`;
+// The releases tools/install-codex.sh installs (the newest also brings codex-acp and acpx):
+//   daemon: its TUIs share a background service (app-server --managed-daemon)
+//   turnEvents: its log opens and closes each turn (task_started, task_complete); older
+//     logs only show the user's message and the final answer
+//   logSource: Brenvik judges its sessions by their log once it exists (source "log")
+const newest = "0.169.0";
+const releases = {
+  "0.169.0": { daemon: true, turnEvents: true, logSource: true },
+  "0.130.0": { turnEvents: true, logSource: true },
+  "0.80.0": { turnEvents: false, logSource: true },
+};
 
-// One front-end each (the TUI scenario opens a second one), each in its own project
-// directory. Steps run in order:
+// A tool command that waits, then burns one core, writing when the burn starts and ends.
+const burn = `sleep 2; date +%s.%N > burn-start; timeout 5 sh -c 'while :; do :; done'; date +%s.%N > burn-end`;
+
+// A TUI's turns: an answer, a tool command, and an approval question, answered.
+const tuiTurns = [
+  { type: "[say:Hello from the fake model]", until: "turn done" },
+  { hold: 5 },
+  { type: `[shell:${burn}]`, until: "burning", record: ["tui-tool-burning", "TUI turn: the daemon runs the tool command, which burns a core"] },
+  { until: "turn done" },
+  { hold: 5 },
+  { type: "[escalate][shell:sleep 8; touch approved]", until: "approval shown",
+    record: ["tui-waiting-approval", "TUI asks the user to approve an escalated command"] },
+  { hold: 6, window: "approval" },
+  { keys: ["y"], until: "file:approved", window: "approved",
+    record: ["tui-approved-command", "TUI: the approved command runs outside the sandbox"] },
+  { until: "turn done" },
+  { hold: 5 },
+];
+
+// Scenarios, each run once per release it names, in its own project directory (the
+// directory named here, with "-<release>" for all but the newest). A release's scenarios
+// run in this order; the releases run at the same time. Each starts one front-end (the
+// TUI scenario opens a second one). Steps run in order:
 //   open: start another front-end of the scenario (one of `also`)
 //   at: the front-end a step acts on (default: the scenario's own)
 //   type: text to type into the TUI (then Enter)   keys: tmux keys to send
 //   release: read the front-end's output again (see `holdOutput`)
 //   until: condition to wait for (see `conditions`)
-//   record: [moment, what Codex is doing] to record then (--record)
+//   record: [moment, what Codex is doing] to record then (--record; newest release only)
 //   hold: seconds to stay in this state
-//   window: a name for the step's span, from its start to its end, for the checks.
-// Beside the named windows, each prompt gives its own: `thinking` while the model
-// thinks ([think:S]) and `turn end` from the model's final answer until the front-end's
-// next prompt or exit. `windowRules` says what Brenvik must show in each.
-// logSource: once its log exists, the session is judged by it (source "log").
+//   window: a name for the step's span, from its start (since: "launch": from the
+//     front-end's launch) to its end, for the checks.
+// Beside the named windows, each prompt gives its own: `turn` from Codex's taking it up
+// (its user message in the log) to the model's final answer (unless it asks for
+// approval), `thinking` while the model thinks
+// ([think:S]) and `turn end` from the final answer until the front-end's next prompt or
+// exit. `windowRules` says what Brenvik must show in each.
 // holdOutput: the driver stops reading the front-end's standard output until a
 // `release` step; codex exec then blocks writing a long final answer, after its turn.
-const scenarios = [
+const all = Object.keys(releases);
+const older = all.filter((r) => r !== newest);
+const scenarioTable = [
   {
-    id: "exec-think", name: "codex exec thinking", dir: "E", kind: "exec", logSource: true, holdOutput: true,
+    id: "fresh", name: "TUI left alone", dir: "F", kind: "tui", releases: [newest, "0.130.0"],
+    steps: [{ hold: 20, window: "left alone", since: "launch" }, { type: "/quit", until: "exited" }],
+  },
+  {
+    id: "exec-think", name: "codex exec thinking", dir: "E", kind: "exec", holdOutput: true, releases: all,
     prompt: "[think:15][say:Thought it over][pad:256]",
     steps: [
       { until: "thinking", record: ["exec-thinking", "codex exec waits 15 s on the model's open stream, no tool"] },
@@ -58,30 +98,19 @@ const scenarios = [
     ],
   },
   {
-    id: "exec", name: "codex exec", dir: "A", kind: "exec", logSource: true,
-    prompt: `[think:3][shell:${burn("exec")}]`,
+    id: "exec", name: "codex exec", dir: "A", kind: "exec", releases: all,
+    prompt: `[think:3][shell:${burn}]`,
     steps: [
-      { until: "burning:exec", record: ["exec-tool-burning", "codex exec runs its tool command, which burns a core"] },
+      { until: "burning", record: ["exec-tool-burning", "codex exec runs its tool command, which burns a core"] },
       { until: "exited" },
     ],
   },
   {
-    id: "tui", name: "TUI", dir: "B", kind: "tui", logSource: true,
-    also: [{ id: "tui2", name: "second TUI", dir: "D", kind: "tui", logSource: true }],
+    id: "tui", name: "TUI", dir: "B", kind: "tui", releases: [newest],
+    also: [{ id: "tui2", name: "second TUI", dir: "D", kind: "tui" }],
     steps: [
       { record: ["tui-fresh", "TUI just started, its daemon up, no turn yet"] },
-      { type: "[say:Hello from the fake model]", until: "turn done" },
-      { hold: 5 },
-      { type: `[shell:${burn("tui")}]`, until: "burning:tui", record: ["tui-tool-burning", "TUI turn: the daemon runs the tool command, which burns a core"] },
-      { until: "turn done" },
-      { hold: 5 },
-      { type: "[escalate][shell:sleep 8; touch approved]", until: "approval shown",
-        record: ["tui-waiting-approval", "TUI asks the user to approve an escalated command"] },
-      { hold: 6, window: "approval" },
-      { keys: ["y"], until: "file:approved", window: "approved",
-        record: ["tui-approved-command", "TUI: the approved command runs outside the sandbox"] },
-      { until: "turn done" },
-      { hold: 5 },
+      ...tuiTurns,
       // A second TUI of the same CODEX_HOME, in another project: one daemon serves both.
       { open: "tui2" },
       { at: "tui2", type: "[say:Hello from the second TUI][usage:95608][limits:42/13/600]", until: "turn done" },
@@ -101,27 +130,42 @@ const scenarios = [
     ],
   },
   {
-    id: "acpx", name: "acpx + codex-acp", dir: "C", kind: "acpx", logSource: true,
-    prompt: `[shell:${burn("acpx")}]`,
+    id: "tui", name: "TUI", dir: "B", kind: "tui", releases: older,
+    steps: [...tuiTurns, { type: "[think:6][say:Thought]", until: "turn done" }, { hold: 5 }, { type: "/quit", until: "exited" }],
+  },
+  {
+    id: "acpx", name: "acpx + codex-acp", dir: "C", kind: "acpx", releases: [newest],
+    prompt: `[shell:${burn}]`,
     steps: [
-      { until: "burning:acpx", record: ["acpx-tool-burning", "acpx drives codex-acp, whose tool command burns a core"] },
+      { until: "burning", record: ["acpx-tool-burning", "acpx drives codex-acp, whose tool command burns a core"] },
       { until: "exited" },
     ],
   },
 ];
+// One scenario (and front-end) per release it names; the newest keeps the plain names.
+const scenarios = scenarioTable.flatMap((s) => s.releases.map((r) => {
+  const rename = (id) => (id && r !== newest ? `${id}-${r}` : id);
+  const ofRelease = (def) => ({ ...def, release: r, id: rename(def.id), name: r === newest ? def.name : `${def.name} ${r}`,
+    dir: r === newest ? def.dir : `${def.dir}-${r}` });
+  const steps = s.steps.map((st) => ({ ...st, at: rename(st.at), open: rename(st.open), record: r === newest ? st.record : undefined }));
+  return { ...ofRelease(s), also: s.also?.map(ofRelease), steps };
+}));
 const frontEndDefinitions = scenarios.flatMap((s) => [s, ...(s.also ?? [])]);
 
 // What Brenvik must show in each kind of window, from `from` ms after its start to its
-// end. A burn counts from one refresh after it began; thinking from one refresh after
-// the model got the request (the turn started before); a turn's end, an approval
-// question and an approved command within one or two refreshes; an idle TUI gets 10 s.
+// end. A turn from 2 s after Codex took up its prompt; a burn from one refresh after it began; thinking
+// from one refresh after the model got the request; a turn's end from the first refresh
+// after it, an approval question and an approved command within one or two refreshes; a
+// TUI left alone from 4 s after its launch; an idle TUI after its turns gets 10 s.
 // A span shorter than a refresh (codex exec exits as its turn ends) may hold no refresh.
 const windowRules = {
+  turn: { status: "running", from: 2000 },
   burn: { status: "running", from: REFRESH + 500 },
   thinking: { status: "running", from: REFRESH },
-  "turn end": { status: "idle", from: REFRESH + 500 },
+  "turn end": { status: "idle", from: 1000 },
   approval: { status: "waiting", from: 2 * REFRESH },
   approved: { status: "running", from: 2 * REFRESH },
+  "left alone": { status: "idle", from: 4000 },
   idle: { status: "not running", from: 10_000 },
 };
 const statusMatches = {
@@ -138,8 +182,10 @@ const failures = [];
 const note = (who, text) => events.push({ t: Date.now(), who, text });
 const sleep = (ms) => new Promise((r) => setTimeout(r, ms));
 
-const prefix = installCodex();
-const bin = (name) => path.join(prefix, "node_modules/.bin", name);
+const { prefix, nodeDir } = installCodex();
+// Each older release sits in a prefix of its own, codex-<release>/.
+const bin = (name, release = newest) => path.join(prefix, release === newest ? "" : `codex-${release}`, "node_modules/.bin", name);
+for (const r of older) if (!fs.existsSync(bin("codex", r))) fatal(`${bin("codex", r)} is missing: tools/install-codex.sh installs release ${r}`);
 // codex-acp finds no bwrap of its own; the one Codex ships will do.
 const [arch, triple] = process.arch === "arm64" ? ["arm64", "aarch64"] : ["x64", "x86_64"];
 const bwrapDir = path.join(prefix, `node_modules/@openai/codex-linux-${arch}/vendor/${triple}-unknown-linux-musl/codex-resources`);
@@ -150,15 +196,18 @@ for (const p of [prefix, os.tmpdir()]) if (/brenvik/i.test(p)) fatal(`${p} names
 const runId = `${process.pid}-${t0}`;
 const temp = fs.realpathSync(fs.mkdtempSync(path.join(os.tmpdir(), "codex-e2e-")));
 const home = path.join(temp, "home");
-const codexHome = path.join(temp, "codex-home");
-const frontEnds = new Map(); // id -> { scenario, dir, start, exit, child?, tmux?, turnsBefore }
+// One per release (releases keep state files of different versions there); the newest
+// keeps the plain name that the recorded process tables show.
+const codexHome = (release) => path.join(temp, release === newest ? "codex-home" : `codex-home-${release}`);
+const frontEnds = new Map(); // id -> { scenario, release, dir, env, start, exit, child?, tmux?, turnsBefore }
 const children = new Set();
 let model, brenvik, desktop;
 
+// What every front-end gets; each adds its release's `codex` and CODEX_HOME (fe.env).
+// The shims' `#!/usr/bin/env node` finds the Node.js the installer chose first.
 const env = {
-  PATH: `${path.dirname(bin("codex"))}:${bwrapDir}:${process.env.PATH}`,
+  PATH: `${nodeDir ? `${nodeDir}:` : ""}${path.dirname(bin("codex"))}:${bwrapDir}:${process.env.PATH}`,
   HOME: home,
-  CODEX_HOME: codexHome,
   TMPDIR: path.join(temp, "tmp"),
   TMUX_TMPDIR: path.join(temp, "tmp"),
   MOCK_API_KEY: "offline",
@@ -188,19 +237,22 @@ function fatal(message) {
   process.exit(1);
 }
 
+// The install's folder, and the folder of the Node.js it brought (none: the machine's will do).
 function installCodex() {
   const r = spawnSync(path.join(sourceDir, "tools/install-codex.sh"), opts.codexCache ? [opts.codexCache] : [], {
-    encoding: "utf8", stdio: ["ignore", "pipe", "inherit"], timeout: 300_000,
+    encoding: "utf8", stdio: ["ignore", "pipe", "inherit"], timeout: 600_000,
   });
   if (r.status !== 0) fatal("could not install the pinned Codex CLI (see above)");
-  return r.stdout.trim();
+  const [prefix, node] = r.stdout.trim().split("\n");
+  return { prefix, nodeDir: node.startsWith(prefix) ? path.dirname(node) : undefined };
 }
 
 async function setUp() {
-  for (const d of [home, env.TMPDIR, codexHome, ...frontEndDefinitions.map((s) => path.join(home, s.dir))]) fs.mkdirSync(d, { recursive: true });
+  const homes = [...new Set(frontEndDefinitions.map((s) => codexHome(s.release)))];
+  for (const d of [home, env.TMPDIR, ...homes, ...frontEndDefinitions.map((s) => path.join(home, s.dir))]) fs.mkdirSync(d, { recursive: true });
   model = await startFakeModel({
-    log: (r) => note("model", r.followUp ? `#${r.n} tool output back: final answer`
-      : r.n ? `#${r.n} ${r.title ? "title request" : JSON.stringify(r.directives)}`
+    log: (r) => note("model", r.followUp ? `#${r.n} ${ownerOf(r)}: tool output back: final answer`
+      : r.n ? `#${r.n} ${ownerOf(r)}: ${r.title ? "title request" : JSON.stringify(r.directives)}`
       : `${r.method} ${r.path}${r.refused ? " (outside, refused)" : ""}${r.error ? `: ${r.error}` : ""}`),
   });
   // What Codex would fetch from outside goes to the fake model, which refuses it.
@@ -209,7 +261,7 @@ async function setUp() {
     NO_PROXY: "127.0.0.1,localhost", no_proxy: "127.0.0.1,localhost" });
   // Every outside service off: the update check, plugin sync, apps, analytics, tips.
   const projects = frontEndDefinitions.map((s) => `[projects.${JSON.stringify(path.join(home, s.dir))}]\ntrust_level = "trusted"\n`);
-  fs.writeFileSync(path.join(codexHome, "config.toml"), `model = "mock-model"
+  for (const h of homes) fs.writeFileSync(path.join(h, "config.toml"), `model = "mock-model"
 model_provider = "mock"
 check_for_update_on_startup = false
 [model_providers.mock]
@@ -277,9 +329,10 @@ async function runScenario(s) {
     }
     const fe = step.at ? frontEnds.get(step.at) : own;
     if (step.type !== undefined) {
-      fe.turnsBefore = turnsDone(fe.dir);
-      await typeInto(fe, step.type);
-      fe.prompts.push({ text: step.type, at: Date.now() });
+      fe.turnsBefore = turnsDone(fe);
+      const text = tagged(fe, step.type);
+      await typeInto(fe, text);
+      fe.prompts.push({ text, at: Date.now() });
     }
     if (step.keys) {
       note(fe.id, `keys ${step.keys.join(" ")}`);
@@ -299,13 +352,13 @@ async function runScenario(s) {
       note(fe.id, `hold ${step.hold} s${step.window ? ` (${step.window})` : ""}`);
       await sleep(step.hold * 1000); // the scenario's own duration, not a synchronisation
     }
-    if (step.window) fe.windows.push({ kind: step.window, start: from, end: Date.now() });
+    if (step.window) fe.windows.push({ kind: step.window, start: step.since === "launch" ? fe.start : from, end: Date.now() });
   }
   for (const fe of frontEnds.values()) {
     if (fe.scenario !== s) continue;
     // The burn's own markers prove that the tool command really ran.
-    if (s.steps.some((st) => st.until === `burning:${fe.id}`)) {
-      const read = (end) => Number(fs.readFileSync(path.join(fe.dir, `${fe.id}.burn-${end}`), "utf8")) * 1000;
+    if (s.steps.some((st) => st.until === "burning" && (st.at ?? s.id) === fe.id)) {
+      const read = (end) => Number(fs.readFileSync(path.join(fe.dir, `burn-${end}`), "utf8")) * 1000;
       try {
         fe.windows.push({ kind: "burn", start: read("start"), end: read("end") });
       } catch {
@@ -319,12 +372,17 @@ async function runScenario(s) {
 // A front-end of scenario `s`, or of one of its `also`: def says which.
 function openFrontEnd(def) {
   const scenario = scenarios.find((s) => s === def || s.also?.includes(def));
-  const fe = { ...def, scenario, dir: path.join(home, def.dir), start: Date.now(), windows: [], prompts: [], turnsBefore: 0 };
+  const fe = { ...def, scenario, dir: path.join(home, def.dir), start: Date.now(), windows: [], prompts: [], turnsBefore: 0,
+    env: { ...env, PATH: `${path.dirname(bin("codex", def.release))}:${env.PATH}`, CODEX_HOME: codexHome(def.release) } };
   frontEnds.set(fe.id, fe);
   note(fe.id, `start in ${fe.dir}`);
-  if (def.prompt) fe.prompts.push({ text: def.prompt, at: fe.start });
+  if (def.prompt) fe.prompts.push({ text: tagged(fe, def.prompt), at: fe.start });
   return fe;
 }
+
+// A prompt names its front-end, so that the model's requests tell whose they are.
+const tagged = (fe, text) => (text.startsWith("/") ? text : `${text} [from:${fe.id}]`);
+const ownerOf = (request) => /\[from:([^\]]+)\]$/.exec(request.prompt ?? "")?.[1] ?? "?";
 
 // Each prompt's own windows, from what the model was asked and when it answered.
 function promptWindows(fe) {
@@ -335,7 +393,12 @@ function promptWindows(fe) {
       if (r.directives?.think && !r.followUp && r.answeredAt) windows.push({ kind: "thinking", start: r.t, end: r.answeredAt });
     }
     const final = asked.findLast((r) => r.final && r.answeredAt);
-    const next = fe.prompts[i + 1]?.at ?? fe.exit;
+    // As for "while it runs": a refresh just before its exit is seen may no longer show it.
+    const next = fe.prompts[i + 1]?.at ?? (fe.exit && fe.exit - 500);
+    // A turn that waits for an approval is judged by its approval windows instead.
+    const approval = fe.windows.some((w) => w.kind === "approval" && w.start >= p.at && (!final || w.start <= final.answeredAt));
+    // codex exec takes up its prompt once it has started, 1-3 s after its launch.
+    if (final && !approval) windows.push({ kind: "turn", start: promptTakenAt.get(p.text) ?? p.at, end: final.answeredAt });
     if (final && next) windows.push({ kind: "turn end", start: final.answeredAt, end: next });
   });
   return windows;
@@ -344,10 +407,11 @@ function promptWindows(fe) {
 function startChild(fe) {
   const { dir } = fe;
   const s = fe;
+  const prompt = fe.prompts[0].text;
   const args = s.kind === "exec"
-    ? [bin("codex"), ["exec", "--skip-git-repo-check", "-s", "workspace-write", s.prompt]]
-    : [bin("acpx"), ["--agent", bin("codex-acp"), "--cwd", dir, "--approve-all", "--format", "quiet", "exec", s.prompt]];
-  const child = spawn(...args, { cwd: dir, env: { ...env, BRENVIK_E2E_FRONTEND: s.id }, stdio: ["ignore", "pipe", "pipe"] });
+    ? [bin("codex", fe.release), ["exec", "--skip-git-repo-check", "-s", "workspace-write", prompt]]
+    : [bin("acpx"), ["--agent", bin("codex-acp"), "--cwd", dir, "--approve-all", "--format", "quiet", "exec", prompt]];
+  const child = spawn(...args, { cwd: dir, env: { ...fe.env, BRENVIK_E2E_FRONTEND: s.id }, stdio: ["ignore", "pipe", "pipe"] });
   children.add(child);
   fe.child = child;
   let output = "";
@@ -370,13 +434,13 @@ async function startTui(fe) {
   tmux(fe, "send-keys", "-t", "main", "-l", `BRENVIK_E2E_FRONTEND=${fe.id} codex -a on-request -s workspace-write`);
   tmux(fe, "send-keys", "-t", "main", "Enter");
   fe.start = Date.now();
-  await until("the TUI's daemon pid file", daemonStarted, 60);
+  if (releases[fe.release].daemon) await until("the TUI's daemon pid file", () => daemonStarted(fe.release), 60);
   await until("the TUI's prompt", () => pane(fe).includes("›"), 30);
-  note(fe.id, "TUI ready, daemon up");
+  note(fe.id, "TUI ready");
 }
 
 function tmux(fe, ...args) {
-  const r = spawnSync("tmux", ["-L", fe.tmux, ...args], { env, encoding: "utf8", timeout: 10_000 });
+  const r = spawnSync("tmux", ["-L", fe.tmux, ...args], { env: fe.env, encoding: "utf8", timeout: 10_000 });
   if (r.status !== 0) throw new Error(`tmux ${args.join(" ")}: ${r.stderr}`);
   return r.stdout;
 }
@@ -395,12 +459,12 @@ function conditions(fe, what) {
   const [name, arg] = what.split(/:(.*)/);
   switch (name) {
     case "thinking":
-      return model.requests.some((r) => r.t >= fe.start && r.directives?.think && !r.answeredAt);
+      return model.requests.some((r) => ownerOf(r) === fe.id && r.directives?.think && !r.answeredAt);
     case "burning":
-      return fs.existsSync(path.join(fe.dir, `${arg}.burn-start`)) &&
-        scan().some((p) => p.cmdline.includes("while :; do :; done") && p.argv[0] === "sh");
+      return fs.existsSync(path.join(fe.dir, "burn-start")) &&
+        scan().some((p) => p.cmdline.includes("while :; do :; done") && p.argv[0] === "sh" && p.cwd === fe.dir);
     case "turn done":
-      return turnsDone(fe.dir) > fe.turnsBefore;
+      return turnsDone(fe) > fe.turnsBefore;
     case "approval shown":
       return pane(fe).includes("Would you like to run");
     case "file":
@@ -410,7 +474,7 @@ function conditions(fe, what) {
     case "usage":
       return usageReported(fe);
     case "limits reset": {
-      const primary = lines.at(-1)?.report.limits.find((l) => l.codexHome === codexHome)?.primary;
+      const primary = lines.at(-1)?.report.limits.find((l) => l.codexHome === codexHome(fe.release))?.primary;
       return primary?.usedPercent === 0 && Date.parse(primary.resetsAt) <= Date.now();
     }
     default:
@@ -426,7 +490,7 @@ function usageReported(fe) {
   const last = mine.at(-1)?.figures;
   const report = lines.at(-1)?.report;
   const group = report?.groups.find((g) => g.cwd === fe.dir);
-  const limits = report?.limits.find((l) => l.codexHome === codexHome);
+  const limits = report?.limits.find((l) => l.codexHome === codexHome(fe.release));
   const windowIs = (w, want) => w?.usedPercent === want.usedPercent && w.windowMinutes === want.windowMinutes &&
     Date.parse(w.resetsAt) === want.resetsAt * 1000;
   const ok = last && group?.model === "mock-model" &&
@@ -440,27 +504,43 @@ function usageReported(fe) {
 // The session logs of this run: { file, cwd } once their first line is written.
 const logCwds = new Map(); // file -> cwd
 function sessionLogs() {
-  const sessions = path.join(codexHome, "sessions");
-  if (!fs.existsSync(sessions)) return [];
-  for (const f of fs.readdirSync(sessions, { recursive: true })) {
-    if (!f.endsWith(".jsonl") || logCwds.has(f)) continue;
-    const text = readOr(path.join(sessions, f), "");
-    if (!text.includes("\n")) continue; // its first line is still being written
-    logCwds.set(f, JSON.parse(text.slice(0, text.indexOf("\n"))).payload?.cwd);
+  for (const r of Object.keys(releases)) {
+    const sessions = path.join(codexHome(r), "sessions");
+    if (!fs.existsSync(sessions)) continue;
+    for (const name of fs.readdirSync(sessions, { recursive: true })) {
+      const f = path.join(sessions, name);
+      if (!f.endsWith(".jsonl") || logCwds.has(f)) continue;
+      const text = readOr(f, "");
+      if (!text.includes("\n")) continue; // its first line is still being written
+      logCwds.set(f, JSON.parse(text.slice(0, text.indexOf("\n"))).payload?.cwd);
+    }
   }
-  return [...logCwds].map(([f, cwd]) => ({ file: path.join(sessions, f), cwd }));
+  return [...logCwds].map(([file, cwd]) => ({ file, cwd }));
 }
 
-// Completed turns of the sessions in DIR, from their session logs.
-function turnsDone(dir) {
+// Completed turns of a front-end's sessions, from their logs: task_complete events, or
+// where the release writes none, each response that answered without calling a tool
+// (closed by the token_count that follows it).
+function turnsDone(fe) {
   let n = 0;
   for (const { file, cwd } of sessionLogs()) {
-    if (cwd === dir) n += readOr(file, "").split('"type":"task_complete"').length - 1;
+    if (cwd !== fe.dir) continue;
+    const text = readOr(file, "");
+    if (releases[fe.release].turnEvents) { n += text.split('"type":"task_complete"').length - 1; continue; }
+    let answered = false;
+    for (const line of text.split("\n").slice(0, -1)) { // the last is not written in full yet
+      const p = JSON.parse(line).payload ?? {};
+      if (p.type === "message" && p.role === "assistant") answered = true;
+      else if (p.type === "function_call" || p.type === "user_message") answered = false;
+      else if (p.type === "token_count" && answered) { n++; answered = false; }
+    }
   }
   return n;
 }
 
-// What the logs of this run say, for the timeline: turns and tool calls.
+// What the logs of this run say, for the timeline: turns and tool calls; and when Codex
+// took up each prompt (its user message), for the checks.
+const promptTakenAt = new Map(); // prompt text -> time
 function logEvents() {
   const byDir = new Map([...frontEnds.values()].map((fe) => [fe.dir, fe.id]));
   for (const { file, cwd } of sessionLogs()) {
@@ -468,7 +548,8 @@ function logEvents() {
       let entry;
       try { entry = JSON.parse(line); } catch { continue; }
       const type = entry.payload?.type;
-      if (!["task_started", "task_complete", "turn_aborted", "function_call", "function_call_output"].includes(type)) continue;
+      if (!["task_started", "task_complete", "turn_aborted", "user_message", "function_call", "function_call_output"].includes(type)) continue;
+      if (type === "user_message") promptTakenAt.set(entry.payload.message, Date.parse(entry.timestamp));
       events.push({ t: Date.parse(entry.timestamp), who: "log", text: `${byDir.get(cwd) ?? cwd}: ${type}` });
     }
   }
@@ -515,9 +596,9 @@ function describe(pid) {
 
 const isDaemon = (p) => p.argv[1] === "app-server";
 // The pid file appears empty first; the daemon is up once it names a PID.
-function daemonStarted() {
+function daemonStarted(release) {
   try {
-    return JSON.parse(fs.readFileSync(path.join(codexHome, "app-server-daemon/daemon.pid"), "utf8")).pid > 0;
+    return JSON.parse(fs.readFileSync(path.join(codexHome(release), "app-server-daemon/daemon.pid"), "utf8")).pid > 0;
   } catch {
     return false;
   }
@@ -639,7 +720,7 @@ function check() {
     // Once the session's log exists, the log decides (source "log").
     const logged = alive.filter((l) => fe.logSeen !== undefined && l.t >= fe.logSeen + REFRESH && ofKind(l, id).length === 1);
     const fromLog = logged.filter((l) => ofKind(l, id)[0].source === "log").length;
-    if (fe.logSource) {
+    if (releases[fe.release].logSource && fe.logSeen !== undefined) {
       judge(`${name}: judged by its log once it exists`, logged, (l) => ofKind(l, id)[0].source === "log",
         (l) => describeGroups(ofKind(l, id)));
     }
@@ -662,33 +743,40 @@ function check() {
   return { problems, summaries };
 }
 
-// The tray app's notices: codex exec's 15 s turn is announced once as finished after
-// it ended; the TUI's approval question once as waiting, closed once it was approved.
+// The tray app's notices: each codex exec 15 s turn is announced once as finished after
+// it ended; each TUI approval question once as waiting, closed once it was approved, and
+// nothing else as waiting; a TUI left alone gets none.
 function checkNotifications(problems, summaries) {
   desktop.record.flush();
   const naming = (fe, kind) => desktop.record.notices.filter((n) => n.summary.startsWith(kind) && projectsOf(n).includes(path.basename(fe.dir)));
   const said = [];
-  const think = frontEnds.get("exec-think");
-  if (think) {
-    const finished = naming(think, "Codex finished · ");
-    const turnEnd = promptWindows(think).find((w) => w.kind === "turn end")?.start;
-    if (finished.length !== 1) problems.push(`${think.name}: ${finished.length} "finished" notices, not 1: ${describeNotices(finished)}`);
-    else if (!(finished[0].t >= turnEnd)) problems.push(`${think.name}: "finished" at ${rel(finished[0].t)}, before its turn ended at ${rel(turnEnd)}`);
-    else said.push(`"${finished[0].summary}" ${((finished[0].t - turnEnd) / 1000).toFixed(1)} s after its turn ended`);
-  }
-  const tui = frontEnds.get("tui");
-  const approval = tui?.windows.find((w) => w.kind === "approval");
-  const approved = tui?.windows.find((w) => w.kind === "approved");
-  if (approval && approved) {
-    // The question shows as soon as the model asks: from the prompt that makes it ask.
-    const asked = tui.prompts.find((p) => p.text.includes("[escalate]")).at;
-    const waiting = naming(tui, "Codex is waiting for you · ");
-    const closed = waiting.length === 1 ? desktop.record.closedAt(waiting[0]) : undefined;
-    if (waiting.length !== 1) problems.push(`${tui.name}: ${waiting.length} "waiting" notices, not 1: ${describeNotices(waiting)}`);
-    else if (!(waiting[0].t >= asked && waiting[0].t <= approval.end)) problems.push(`${tui.name}: "waiting" at ${rel(waiting[0].t)}, outside the approval question ${rel(asked)}..${rel(approval.end)}`);
-    else if (closed === undefined) problems.push(`${tui.name}: the "waiting" notice (id ${waiting[0].id}) was never closed`);
-    else if (!(closed >= approved.start && closed <= approved.start + 3 * REFRESH)) problems.push(`${tui.name}: the "waiting" notice closed at ${rel(closed)}, not within 3 refreshes of the approval at ${rel(approved.start)}`);
-    else said.push(`"${waiting[0].summary}" ${((waiting[0].t - asked) / 1000).toFixed(1)} s after the prompt that asks, closed ${((closed - approved.start) / 1000).toFixed(1)} s after the approval`);
+  for (const fe of frontEnds.values()) {
+    if (fe.holdOutput) {
+      const finished = naming(fe, "Codex finished · ");
+      const turnEnd = promptWindows(fe).find((w) => w.kind === "turn end")?.start;
+      if (finished.length !== 1) problems.push(`${fe.name}: ${finished.length} "finished" notices, not 1: ${describeNotices(finished)}`);
+      else if (!(finished[0].t >= turnEnd)) problems.push(`${fe.name}: "finished" at ${rel(finished[0].t)}, before its turn ended at ${rel(turnEnd)}`);
+      else said.push(`"${finished[0].summary}" ${((finished[0].t - turnEnd) / 1000).toFixed(1)} s after its turn ended`);
+    }
+    const approval = fe.windows.find((w) => w.kind === "approval");
+    const approved = fe.windows.find((w) => w.kind === "approved");
+    const waiting = naming(fe, "Codex is waiting for you · ");
+    if (!approval && waiting.length) problems.push(`${fe.name}: "waiting" notices, but no approval question: ${describeNotices(waiting)}`);
+    if (approval && approved) {
+      // The question shows as soon as the model asks: from the prompt that makes it ask.
+      const asked = fe.prompts.find((p) => p.text.includes("[escalate]")).at;
+      const closed = waiting.length === 1 ? desktop.record.closedAt(waiting[0]) : undefined;
+      if (waiting.length !== 1) problems.push(`${fe.name}: ${waiting.length} "waiting" notices, not 1: ${describeNotices(waiting)}`);
+      else if (!(waiting[0].t >= asked && waiting[0].t <= approval.end)) problems.push(`${fe.name}: "waiting" at ${rel(waiting[0].t)}, outside the approval question ${rel(asked)}..${rel(approval.end)}`);
+      else if (closed === undefined) problems.push(`${fe.name}: the "waiting" notice (id ${waiting[0].id}) was never closed`);
+      else if (!(closed >= approved.start && closed <= approved.start + 3 * REFRESH)) problems.push(`${fe.name}: the "waiting" notice closed at ${rel(closed)}, not within 3 refreshes of the approval at ${rel(approved.start)}`);
+      else said.push(`"${waiting[0].summary}" ${((waiting[0].t - asked) / 1000).toFixed(1)} s after the prompt that asks, closed ${((closed - approved.start) / 1000).toFixed(1)} s after the approval`);
+    }
+    if (fe.windows.some((w) => w.kind === "left alone")) {
+      const any = naming(fe, "");
+      if (any.length) problems.push(`${fe.name}: notices about a TUI left alone: ${describeNotices(any)}`);
+      else said.push(`none about ${fe.name}`);
+    }
   }
   // One notice as the second TUI's turn took the 5 h limit to 92 %.
   if (frontEnds.get("tui2")) {
@@ -707,7 +795,7 @@ const describeGroups = (groups) =>
 
 function printTimeline() {
   const rows = [
-    ...events.map((e) => ({ t: e.t, text: `${e.who.padEnd(7)} ${e.text}` })),
+    ...events.map((e) => ({ t: e.t, text: `${e.who.padEnd(16)} ${e.text}` })),
     ...lines.map((l) => {
       const ours = l.report.groups.filter((g) => attribute(g) !== null);
       const others = l.report.groups.filter((g) => attribute(g) === null).map((g) => `${g.pid} ${g.cwd ?? "-"}`);
@@ -749,12 +837,13 @@ async function finish(code) {
 async function cleanUp() {
   // The daemon's updater keeps its socket under /tmp whatever TMPDIR says; its link
   // may go with the daemon, so read it first.
-  const sock = linkOr(path.join(codexHome, "app-server-daemon/daemon-updater.sock"));
+  const withDaemon = Object.keys(releases).filter((r) => releases[r].daemon && fs.existsSync(codexHome(r)));
+  const socks = withDaemon.map((r) => linkOr(path.join(codexHome(r), "app-server-daemon/daemon-updater.sock")));
   for (const fe of frontEnds.values()) if (fe.tmux) spawnSync("tmux", ["-L", fe.tmux, "kill-server"], { env, timeout: 10_000 });
   for (const c of children) if (c !== brenvik) c.kill("SIGTERM");
-  if (prefix && fs.existsSync(codexHome)) {
+  for (const r of withDaemon) {
     // It waits for a turn in progress; the sweep below ends what it leaves.
-    spawnSync(bin("codex"), ["app-server", "daemon", "stop"], { env, stdio: "ignore", timeout: 5_000 });
+    spawnSync(bin("codex", r), ["app-server", "daemon", "stop"], { env: { ...env, CODEX_HOME: codexHome(r) }, stdio: "ignore", timeout: 5_000 });
   }
   // Whatever is left (`daemon stop` leaves its pid-update-loop running): TERM, then KILL.
   for (const sig of ["SIGTERM", "SIGKILL"]) {
@@ -769,7 +858,7 @@ async function cleanUp() {
     try { await until("brenvik-status to exit", () => brenvik.exitCode !== null || brenvik.signalCode !== null, 10); } catch { brenvik.kill("SIGKILL"); }
   }
   await model?.close();
-  if (/^\/tmp\/codex-daemon-\d+\/[0-9a-f]+$/.test(sock)) for (const f of [sock, `${sock}.lock`]) fs.rmSync(f, { force: true });
+  for (const sock of socks) if (/^\/tmp\/codex-daemon-\d+\/[0-9a-f]+$/.test(sock)) for (const f of [sock, `${sock}.lock`]) fs.rmSync(f, { force: true });
   if (opts.keep) console.log(`kept ${temp}`);
   else fs.rmSync(temp, { recursive: true, force: true });
 }
@@ -790,7 +879,11 @@ const watchdog = setTimeout(() => {
 
 try {
   await setUp();
-  for (const s of scenarios) if (!opts.only || opts.only.includes(s.id)) await runScenario(s);
+  const chosen = scenarios.filter((s) => !opts.only || opts.only.includes(s.id) || opts.only.includes(s.release));
+  // Each release's scenarios one after another, the releases side by side.
+  const lanes = Object.keys(releases).map((r) => chosen.filter((s) => s.release === r));
+  const ended = await Promise.allSettled(lanes.map(async (lane) => { for (const s of lane) await runScenario(s); }));
+  for (const e of ended) if (e.status === "rejected") failures.push(String(e.reason?.message ?? e.reason));
   // Two more refreshes, so that the last front-end's exit is seen.
   const seen = lines.length;
   await until("two more refreshes", () => lines.length >= seen + 2, 3 * REFRESH / 1000 + 5);

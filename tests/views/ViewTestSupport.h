@@ -4,6 +4,7 @@
 
 #include "preferences/AppVisibilityController.h"
 #include "preferences/LaunchAtLoginController.h"
+#include "preferences/NotificationsController.h"
 #include "tests/monitor/MonitorTestSupport.h"
 #include "views/ViewActions.h"
 
@@ -86,20 +87,27 @@ struct ScriptedMonitor {
     }
 };
 
-// Both preference controllers on files in a temporary folder.
+// The preference controllers on files in a temporary folder.
 class PrivatePreferences {
     QTemporaryDir m_dir;
-    // A program file that exists, so the entry can be registered.
+    bool m_temporaryProgram;
+    // A program file that exists, so the entry can be registered unless it
+    // counts as temporary.
     AutostartEntry entry() const {
         const QString program = m_dir.filePath(QStringLiteral("brenvik"));
         QFile(program).open(QIODevice::WriteOnly);
-        return AutostartEntry({m_dir.filePath(QStringLiteral("autostart")), program, {}});
+        return AutostartEntry({m_dir.filePath(QStringLiteral("autostart")), program,
+                               m_temporaryProgram ? QStringList{m_dir.path()} : QStringList()});
     }
 
 public:
+    // A temporary program: launch at login is not available, and the panel says why.
+    explicit PrivatePreferences(bool temporaryProgram = false)
+        : m_temporaryProgram(temporaryProgram) {}
     RecordingPolicy policy;
     LaunchAtLoginController launchAtLogin{entry()};
     AppVisibilityController appVisibility{policy, m_dir.filePath(QStringLiteral("Brenvik.conf"))};
+    NotificationsController notifications{m_dir.filePath(QStringLiteral("Brenvik.conf"))};
 };
 
 } // namespace brenvik::test
