@@ -64,6 +64,15 @@ TEST_F(StatusItem, DrawsAtOnceAndRedrawsOnTheTurnAfterEachPublish) {
     QApplication::processEvents();
     EXPECT_EQ(m_controller.appearance()->color, StateColor::yellow);
     EXPECT_EQ(m_surface.toolTips.last(), u"1 Codex process running"_s);
+
+    // A log that names the plan's limits adds their line under the status.
+    SessionLogState log;
+    log.phase = TurnPhase::idle;
+    log.codexHome = u"/h"_s;
+    log.rateLimits = RateLimits{RateLimitWindow{42, 300, {}}, {}, {}, {}, {}};
+    ASSERT_TRUE(m_scripted.refreshWith({test::sample(300, 0.0, 1.0, true)}, {log}));
+    QApplication::processEvents();
+    EXPECT_EQ(m_surface.toolTips.last(), u"1 Codex process idle\nLimits: 5 h 42 %"_s);
 }
 
 TEST_F(StatusItem, LeftClickTogglesOnePopoverNextToTheIcon) {

@@ -475,7 +475,9 @@ function conditions(fe, what) {
       return usageReported(fe);
     case "limits reset": {
       const primary = lines.at(-1)?.report.limits.find((l) => l.codexHome === codexHome(fe.release))?.primary;
-      return primary?.usedPercent === 0 && Date.parse(primary.resetsAt) <= Date.now();
+      const reset = primary?.usedPercent === 0 && Date.parse(primary.resetsAt) <= Date.now();
+      if (reset) usageSeen.push(`the 5 h window reset at ${primary.resetsAt}`);
+      return reset;
     }
     default:
       throw new Error(`unknown condition ${what}`);
@@ -485,6 +487,7 @@ function conditions(fe, what) {
 // Whether brenvik-status's latest report holds exactly the figures the fake chose for the
 // front-end's latest turn: its model, the tokens of all its responses, the context left
 // after the last one, and the account's limits. The run fails where it never does.
+const usageSeen = []; // what brenvik-status reported as the fake chose it, for the summary
 function usageReported(fe) {
   const mine = model.requests.filter((r) => r.n && !r.title && fe.prompts.some((p) => p.text === r.prompt));
   const last = mine.at(-1)?.figures;
@@ -497,6 +500,8 @@ function usageReported(fe) {
     group.tokens === mine.reduce((sum, r) => sum + r.figures.usage.total_tokens, 0) &&
     group.contextLeftPercent === Math.floor(100 * (1 - last.usage.total_tokens / 258400)) &&
     windowIs(limits?.primary, last.limits.primary) && windowIs(limits?.secondary, last.limits.secondary);
+  if (ok) usageSeen.push(`${fe.name}: ${group.tokens} tokens, ${group.contextLeftPercent} % context left, ` +
+    `5 h ${limits.primary.usedPercent} %, week ${limits.secondary.usedPercent} %`);
   fe.lastUsage = JSON.stringify({ group: group && { model: group.model, tokens: group.tokens, contextLeftPercent: group.contextLeftPercent }, limits });
   return ok;
 }
@@ -739,6 +744,7 @@ function check() {
     summaries.push(`ok  ${name}: one session at each of ${alive.length} refreshes while it ran; windows judged: ${windows}; ` +
       `source "log" at ${fromLog} of ${logged.length} refreshes after its log appeared`);
   }
+  if (usageSeen.length) summaries.push(`ok  usage as the fake reported it: ${usageSeen.join("; ")}`);
   if (desktop) checkNotifications(problems, summaries);
   return { problems, summaries };
 }
