@@ -1,5 +1,6 @@
 #include "views/ProcessListSectionView.h"
 
+#include "places/SessionPlaceTracker.h"
 #include "views/CoalescedUpdate.h"
 #include "views/ProcessRowsView.h"
 #include "views/ViewStyle.h"
@@ -19,9 +20,11 @@ namespace {
 constexpr int kScrollBarGap = 8;
 } // namespace
 
-ProcessListSectionView::ProcessListSectionView(CodexProcessMonitor& monitor, QWidget* parent)
+ProcessListSectionView::ProcessListSectionView(CodexProcessMonitor& monitor, QWidget* parent,
+                                               const SessionPlaceTracker* places)
     : QWidget(parent)
     , m_monitor(monitor)
+    , m_places(places)
     , m_updates(new CoalescedUpdate([this] { updateFromMonitor(); }, this))
     , m_pages(new QStackedLayout(this))
     , m_placeholder(new StyledLabel(TextStyle::subheadline, NamedColor::secondary, this))
@@ -58,6 +61,10 @@ ProcessListSectionView::ProcessListSectionView(CodexProcessMonitor& monitor, QWi
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
 
     m_updates->observe(&m_monitor);
+    if (m_places)
+        connect(m_places, &SessionPlaceTracker::placesChanged, m_updates,
+                &CoalescedUpdate::schedule);
+    connect(m_rows, &ProcessRowsView::goRequested, this, &ProcessListSectionView::goRequested);
     updateFromMonitor();
 }
 
@@ -95,9 +102,14 @@ ProcessListForm ProcessListSectionView::fittingForm() const {
 }
 
 void ProcessListSectionView::updateFromMonitor() {
+    QStringList places;
+    if (m_places) {
+        for (const ProcessMatch& match : m_monitor.matches())
+            places.append(processRowPlace(m_places->placeOf(match.pid).value_or(SessionPlace{})));
+    }
     // Durations count to the refresh that measured them.
     m_rows->setMatches(m_monitor.matches(),
-                       m_monitor.lastUpdated().value_or(QDateTime::currentDateTimeUtc()));
+                       m_monitor.lastUpdated().value_or(QDateTime::currentDateTimeUtc()), places);
     setForm(fittingForm());
     if (m_form == ProcessListForm::placeholder)
         m_placeholder->setText(

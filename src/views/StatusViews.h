@@ -47,12 +47,22 @@ public:
     [[nodiscard]] QString badgeText() const;
     // "Waiting for you: brenvik" in full; empty while the line is absent.
     [[nodiscard]] QString waitingText() const;
+    [[nodiscard]] ElidingLabel* waitingLine() const noexcept { return m_waiting; }
+    // Makes the waiting line a link: a click on it emits waitingClicked().
+    void setWaitingClickable(bool clickable);
+
+Q_SIGNALS:
+    void waitingClicked();
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
     StatusDotShapeView* m_dot;
     StyledLabel* m_summary;
     ElidingLabel* m_waiting;
     StyledLabel* m_badge;
+    bool m_waitingClickable = false;
 };
 
 // "Checking now", or "Updated " and the time of day of the last refresh.

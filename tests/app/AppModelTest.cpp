@@ -43,6 +43,13 @@ protected:
             settings.remove(u"showDockIcon"_s);
     }
 
+    // No session has a place here; going there does what m_goResult says.
+    static PlaceLookup placeFinder(const SessionQuery&) { return {std::nullopt, u"none"_s}; }
+    SessionPlaceTracker::GoFunction goTo = [this](const SessionQuery& query, const auto&) {
+        m_wentTo.push_back(query.pid);
+        return m_goResult;
+    };
+
     AppModel& makeModel() {
         const auto runAfter = [this](auto delay, auto step) { m_deferred.append({delay, step}); };
         m_model = std::make_unique<AppModel>(AppModel::Parts{.scan = m_scan.function(),
@@ -51,7 +58,9 @@ protected:
                                                              .traySurface = &m_surface,
                                                              .runAfter = runAfter,
                                                              .notificationBus = &m_bus,
-                                                             .settingsFile = {}});
+                                                             .settingsFile = {},
+                                                             .placeFinder = placeFinder,
+                                                             .goTo = goTo});
         return *m_model;
     }
 
@@ -63,6 +72,8 @@ protected:
     // Start-up steps the model asked to run later, with their delays.
     QList<std::pair<std::chrono::milliseconds, std::function<void()>>> m_deferred;
     std::unique_ptr<AppModel> m_model;
+    std::vector<qint64> m_wentTo; // not QList: Qt 6.4 compares an emptied one with memcmp
+    GoResult m_goResult;
 };
 
 TEST_F(Startup, StatusItemBeforeTheFirstResultAndThePanelOnTheNextTurn) {
@@ -109,6 +120,60 @@ TEST_F(Startup, FinishedSessionsAreAnnouncedUnlessTurnedOff) {
         EXPECT_EQ(m_bus.summaries,
                   enabled ? QStringList{u"Codex finished \u00B7 brenvik"_s} : QStringList());
         m_model.reset();
+    }
+}
+
+// A notice goes to the session it names; where going fails, or only its pane
+// could be selected, the panel comes forward and says so.
+TEST_F(Startup, GoesToTheSessionOfANoticeAndThePanelSaysWhatFailed) {
+    AppModel& model = makeModel();
+    model.bootstrap(/*openControlPanel=*/false);
+    ASSERT_TRUE(test::waitForRefreshToEnd(model.monitor()));
+    DetectedProcessSample busy = test::sample(41, 50.0, 3.0, true);
+    busy.cwd = u"/home/u/brenvik"_s;
+    DetectedProcessSample quiet = busy;
+    quiet.totalCPUPercent = 0;
+    quiet.hasHotState = false;
+    for (const auto& [ms, sample] : {std::pair{2000, busy}, {8000, busy}, {20000, quiet}}) {
+        m_scan.returns({sample});
+        ASSERT_TRUE(test::refreshAt(model.monitor(), m_clock, ms));
+        QApplication::processEvents();
+    }
+    ASSERT_EQ(m_bus.summaries, QStringList{u"Codex finished \u00B7 brenvik"_s});
+    const auto panelShown = [&] {
+        return model.controlPanel().window() && model.controlPanel().window()->isVisible();
+    };
+    using enum GoResult::Outcome;
+    // Name, what going says, the notice clicked, whether it went, the panel's line.
+    const std::tuple<const char*, GoResult, quint32, bool, QString> cases[] = {
+        {"went: nothing else happens", {went, {}}, 1, true, QString()},
+        {"failed: the panel says why",
+         {failed, u"Cannot go to the session: gone"_s},
+         1,
+         true,
+         u"Cannot go to the session: gone"_s},
+        {"only its pane: the panel says where",
+         {selected, u"In tmux w:1.0: its pane is selected"_s},
+         1,
+         true,
+         u"In tmux w:1.0: its pane is selected"_s},
+        {"a notice no longer known opens the panel",
+         {went, {}},
+         7,
+         false,
+         u"In tmux w:1.0: its pane is selected"_s},
+    };
+    for (const auto& [name, result, notice, goes, line] : cases) {
+        if (QWidget* window = model.controlPanel().window())
+            window->close();
+        m_wentTo.clear();
+        m_goResult = result;
+        model.goToSessionOfNotice(notice);
+        EXPECT_EQ(m_wentTo, goes ? std::vector<qint64>{41} : std::vector<qint64>()) << name;
+        EXPECT_EQ(panelShown(), !line.isEmpty()) << name;
+        if (panelShown()) {
+            EXPECT_EQ(model.controlPanel().view()->goResultLine()->fullText(), line) << name;
+        }
     }
 }
 

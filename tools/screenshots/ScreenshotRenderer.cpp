@@ -4,6 +4,7 @@
 //   brenvik_screenshots <output folder>
 
 #include "app/TrayIconPainter.h"
+#include "places/SessionPlaceTracker.h"
 #include "preferences/NotificationsController.h"
 #include "views/ControlPanelView.h"
 #include "views/MenuPopoverView.h"
@@ -17,6 +18,7 @@
 #include <QSignalSpy>
 #include <QStyleFactory>
 #include <QTemporaryDir>
+#include <QTest>
 #include <cstdio>
 #include <variant>
 
@@ -84,7 +86,41 @@ public:
     void openControlPanel() override {}
     void refreshNow() override {}
     void quit() override {}
+    void goToSession(qint64) override {}
 };
+
+// Where the pictured sessions run, by PID: two tmux panes in xterms, an
+// editor's session in Zed.
+PlaceLookup placeOf(const SessionQuery& query) {
+    const auto pane = [](QString session, int window, int pane) {
+        return TmuxPane{QStringLiteral("/tmp/tmux-1000/default"),
+                        std::move(session),
+                        {},
+                        window,
+                        {},
+                        {},
+                        pane,
+                        {}};
+    };
+    SessionPlace place;
+    switch (query.pid) {
+    case 4242:
+        place = {QStringLiteral("xterm"), 0x1200007, pane(QStringLiteral("work"), 1, 0), false};
+        break;
+    case 51873:
+        place = {QStringLiteral("xterm"), 0x1400007, pane(QStringLiteral("work"), 2, 1), false};
+        break;
+    case 8810:
+        place = {QStringLiteral("Zed"), 0x1600003, std::nullopt, false};
+        break;
+    case 1207:
+        place = {QStringLiteral("Konsole"), 0x1800005, pane(QStringLiteral("parser"), 0, 0), false};
+        break;
+    default:
+        return {std::nullopt, QStringLiteral("not in a terminal")};
+    }
+    return {place, {}};
+}
 
 // A desktop that refuses the Dock switch, so the refusal shows.
 class RefusingPolicy : public ActivationPolicy {
@@ -137,11 +173,20 @@ bool render(const Scene& scene, const QDir& out, const QString& suffix) {
             return std::get<QList<DetectedProcessSample>>(outcome);
         },
         [] { return kNow; }, nullptr, [logs](const QList<DetectedProcessSample>&) { return logs; });
+    SessionPlaceTracker places(monitor, placeOf, [](const SessionQuery&, const auto&) {
+        return GoResult{GoResult::Outcome::went, {}};
+    });
     if (!std::holds_alternative<std::monostate>(outcome)) {
         QSignalSpy ended(&monitor, &CodexProcessMonitor::lastUpdatedChanged);
         monitor.refresh();
         if (ended.isEmpty() && !ended.wait(20'000)) {
             std::fprintf(stderr, "%s: the refresh did not end\n", scene.name);
+            return false;
+        }
+        // Looked up after the monitor published its matches.
+        QCoreApplication::processEvents();
+        if (!QTest::qWaitFor([&] { return places.isIdle(); }, 20'000)) {
+            std::fprintf(stderr, "%s: the places were not looked up\n", scene.name);
             return false;
         }
     }
@@ -160,7 +205,7 @@ bool render(const Scene& scene, const QDir& out, const QString& suffix) {
     if (scene.panel)
         view = std::make_unique<ControlPanelView>(monitor, preferences.launchAtLogin,
                                                   preferences.appVisibility, actions, nullptr,
-                                                  &preferences.notifications);
+                                                  &preferences.notifications, &places);
     else
         view = std::make_unique<MenuPopoverView>(monitor, actions);
     view->show();
