@@ -40,8 +40,15 @@ void SessionPlaceTracker::lookUp() {
         m_pending = true; // the latest matches, once this lookup ends
         return;
     }
-    m_inFlight = true;
     m_pending = false;
+    std::vector<std::pair<qint64, qint64>> sessions;
+    for (const ProcessMatch& match : m_monitor.matches())
+        sessions.push_back(
+            {match.pid, match.startedAt ? match.startedAt->toMSecsSinceEpoch() : -1});
+    if (sessions == m_lookedUp)
+        return;
+    m_lookedUp = std::move(sessions);
+    m_inFlight = true;
     m_watcher.setFuture(
         QtConcurrent::run(&m_pool, [places = m_places, matches = m_monitor.matches()] {
             places->update(matches); // asks only about sessions it has not seen

@@ -11,6 +11,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <vector>
 
 namespace brenvik {
 
@@ -56,6 +57,9 @@ private:
     GoFunction m_go;
     std::shared_ptr<SessionPlaces> m_places; // touched by the worker only
     Snapshot m_snapshot;
+    // The sessions (root PID, start) of the latest lookup: a refresh that
+    // brings none new and ends none costs no lookup at all.
+    std::vector<std::pair<qint64, qint64>> m_lookedUp; // not QList: Qt 6.4 may memcmp a null one
     bool m_inFlight = false;
     bool m_pending = false;
     QThreadPool m_pool; // one worker: one lookup at a time
