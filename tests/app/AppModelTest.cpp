@@ -119,61 +119,32 @@ TEST_F(Startup, FinishedSessionsAreAnnouncedUnlessTurnedOff) {
         }
         EXPECT_EQ(m_bus.summaries,
                   enabled ? QStringList{u"Codex finished \u00B7 brenvik"_s} : QStringList());
-        m_model.reset();
-    }
-}
-
-// A notice goes to the session it names; where going fails, or only its pane
-// could be selected, the panel comes forward and says so.
-TEST_F(Startup, GoesToTheSessionOfANoticeAndThePanelSaysWhatFailed) {
-    AppModel& model = makeModel();
-    model.bootstrap(/*openControlPanel=*/false);
-    ASSERT_TRUE(test::waitForRefreshToEnd(model.monitor()));
-    DetectedProcessSample busy = test::sample(41, 50.0, 3.0, true);
-    busy.cwd = u"/home/u/brenvik"_s;
-    DetectedProcessSample quiet = busy;
-    quiet.totalCPUPercent = 0;
-    quiet.hasHotState = false;
-    for (const auto& [ms, sample] : {std::pair{2000, busy}, {8000, busy}, {20000, quiet}}) {
-        m_scan.returns({sample});
-        ASSERT_TRUE(test::refreshAt(model.monitor(), m_clock, ms));
-        QApplication::processEvents();
-    }
-    ASSERT_EQ(m_bus.summaries, QStringList{u"Codex finished \u00B7 brenvik"_s});
-    const auto panelShown = [&] {
-        return model.controlPanel().window() && model.controlPanel().window()->isVisible();
-    };
-    using enum GoResult::Outcome;
-    // Name, what going says, the notice clicked, whether it went, the panel's line.
-    const std::tuple<const char*, GoResult, quint32, bool, QString> cases[] = {
-        {"went: nothing else happens", {went, {}}, 1, true, QString()},
-        {"failed: the panel says why",
-         {failed, u"Cannot go to the session: gone"_s},
-         1,
-         true,
-         u"Cannot go to the session: gone"_s},
-        {"only its pane: the panel says where",
-         {selected, u"In tmux w:1.0: its pane is selected"_s},
-         1,
-         true,
-         u"In tmux w:1.0: its pane is selected"_s},
-        {"a notice no longer known opens the panel",
-         {went, {}},
-         7,
-         false,
-         u"In tmux w:1.0: its pane is selected"_s},
-    };
-    for (const auto& [name, result, notice, goes, line] : cases) {
-        if (QWidget* window = model.controlPanel().window())
-            window->close();
-        m_wentTo.clear();
-        m_goResult = result;
-        model.goToSessionOfNotice(notice);
-        EXPECT_EQ(m_wentTo, goes ? std::vector<qint64>{41} : std::vector<qint64>()) << name;
-        EXPECT_EQ(panelShown(), !line.isEmpty()) << name;
-        if (panelShown()) {
-            EXPECT_EQ(model.controlPanel().view()->goResultLine()->fullText(), line) << name;
+        // A click on it goes to its session; where that fails or only selects
+        // its pane, the panel comes forward and says so. A notice no longer
+        // known opens the panel.
+        using enum GoResult::Outcome;
+        const std::tuple<GoResult, quint32, bool, QString> clicks[] = {
+            {{went, {}}, 1, true, {}},
+            {{failed, u"Cannot go: gone"_s}, 1, true, u"Cannot go: gone"_s},
+            {{selected, u"In tmux w:1.0"_s}, 1, true, u"In tmux w:1.0"_s},
+            {{went, {}}, 7, false, u"In tmux w:1.0"_s},
+        };
+        for (const auto& [result, notice, goes, line] : clicks) {
+            if (!enabled)
+                break;
+            if (QWidget* window = model.controlPanel().window())
+                window->close();
+            m_wentTo.clear();
+            m_goResult = result;
+            model.goToSessionOfNotice(notice);
+            EXPECT_EQ(m_wentTo, goes ? std::vector<qint64>{41} : std::vector<qint64>()) << notice;
+            QWidget* panel = model.controlPanel().window();
+            EXPECT_EQ(panel && panel->isVisible(), !line.isEmpty()) << result.text.toStdString();
+            if (panel) {
+                EXPECT_EQ(model.controlPanel().view()->goResultLine()->fullText(), line);
+            }
         }
+        m_model.reset();
     }
 }
 
