@@ -59,8 +59,6 @@ public:
     [[nodiscard]] ControlPanelController& controlPanel() noexcept { return *m_controlPanel; }
     [[nodiscard]] StatusItemController& statusItem() noexcept { return *m_statusItem; }
     [[nodiscard]] NotificationsController& notifications() noexcept { return *m_notifications; }
-    [[nodiscard]] SessionPlaceTracker& places() noexcept { return *m_places; }
-    [[nodiscard]] DesktopNotifier& notifier() noexcept { return *m_notifier; }
 
     // Start-up, in order: draw the status item, start the monitor, schedule the
     // stored taskbar preference, and open the control panel on the next
