@@ -5,6 +5,7 @@
 #include "views/ProcessRowsView.h"
 #include "views/ViewStyle.h"
 
+#include <QApplication>
 #include <QEvent>
 #include <QResizeEvent>
 #include <QScrollArea>
@@ -119,7 +120,11 @@ void ProcessListSectionView::updateFromMonitor() {
 void ProcessListSectionView::setForm(ProcessListForm form) {
     if (form == m_form && m_pages->currentIndex() == int(form))
         return;
-    // The one rows view moves between the plain page and the scroll area.
+    // The one rows view moves between the plain page and the scroll area;
+    // the selected row keeps the focus, which a move would take from it.
+    QWidget* focused = QApplication::focusWidget();
+    if (!m_rows->isAncestorOf(focused))
+        focused = nullptr;
     if (form == ProcessListForm::scrollingList && m_scroll->widget() != m_rows) {
         m_rows->setContentsMargins(0, 0, kScrollBarGap, 0);
         m_scroll->setWidget(m_rows);
@@ -131,6 +136,8 @@ void ProcessListSectionView::setForm(ProcessListForm form) {
     }
     m_form = form;
     m_pages->setCurrentIndex(int(form));
+    if (focused)
+        focused->setFocus();
 }
 
 } // namespace brenvik

@@ -214,9 +214,11 @@ TEST_F(ControlPanel, ARowGoesToItsSessionAndTheListSaysWhatHappened) {
         {"went: nothing to say", {went, {}}, NamedColor::secondary},
     };
     ElidingLabel* line = m_panel.goResultLine();
+    rows[1]->setFocus();
     for (const auto& [name, result, color] : results) {
         m_panel.showGoResult(result);
         settle();
+        EXPECT_TRUE(rows[1]->hasFocus()) << name << ": the selected row keeps the focus";
         EXPECT_EQ(line->isVisible(), !result.text.isEmpty()) << name;
         EXPECT_EQ(line->fullText(), result.text) << name;
         if (line->isVisible()) {
