@@ -8,6 +8,9 @@
 #include "preferences/NotificationsController.h"
 #include "views/ControlPanelView.h"
 #include "views/MenuPopoverView.h"
+#include "views/ProcessListSectionView.h"
+#include "views/ProcessRowView.h"
+#include "views/ProcessRowsView.h"
 
 #include <QApplication>
 #include <QDir>
@@ -161,6 +164,8 @@ struct Scene {
     void (*preferences)(Preferences&) = nullptr;
     Logs logs = {};    // one per session; the rest are judged by CPU
     int pointSize = 0; // else the application font's
+    // The panel's second row selected, and what going to it said.
+    std::optional<GoResult> went = std::nullopt;
 };
 
 bool render(const Scene& scene, const QDir& out, const QString& suffix) {
@@ -210,6 +215,12 @@ bool render(const Scene& scene, const QDir& out, const QString& suffix) {
         view = std::make_unique<MenuPopoverView>(monitor, actions);
     view->show();
     QCoreApplication::processEvents();
+    if (auto* panel = dynamic_cast<ControlPanelView*>(view.get()); panel && scene.went) {
+        panel->activateWindow();
+        (void)QTest::qWaitForWindowActive(panel); // drawn as it is either way
+        panel->processList()->rowsView()->rows().value(1)->setFocus();
+        panel->showGoResult(*scene.went);
+    }
     QCoreApplication::processEvents();
     const QString file =
         out.filePath(QString::fromUtf8(scene.name) + suffix + QStringLiteral(".png"));
@@ -349,6 +360,11 @@ int main(int argc, char** argv) {
         {"control-panel-preference-failures", true, three, bothFail},
         {"control-panel-three-states", true, threeStates, loginOn, threeStateLogs},
         {"control-panel-16pt", true, threeStates, dockRefused, threeStateLogs, 16},
+        {"control-panel-go-to", true, threeStates, loginOn, threeStateLogs, 0,
+         GoResult{GoResult::Outcome::selected,
+                  QStringLiteral("In xterm, tmux work:2.1: its pane is selected; the window was "
+                                 "not raised: a Wayland desktop lets no program raise another's "
+                                 "window")}},
         {"popover-checking", false, checking},
         {"popover-nothing-found", false, noMatch},
         {"popover-idle", false, idle},
