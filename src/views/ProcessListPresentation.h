@@ -1,6 +1,7 @@
 #pragma once
 
 #include "monitor/ProcessMonitoring.h"
+#include "places/SessionPlace.h"
 
 #include <QDateTime>
 #include <QDir>
@@ -39,6 +40,10 @@ inline constexpr qsizetype kPlainStackMaximumRows = 3;
 // "PID n" where the directory is unknown.
 [[nodiscard]] QString processRowTitle(const ProcessMatch& match,
                                       const QString& home = QDir::homePath());
+
+// Where a row's session runs: "tmux work:2.1 \u00B7 xterm", "tmux work:2.1",
+// "GNOME Terminal"; empty where that is not known.
+[[nodiscard]] QString processRowPlace(const SessionPlace& place);
 
 // A row's tool tip: the directory, the PID and process count, the start time,
 // and whether the session log or the CPU use decided the status.

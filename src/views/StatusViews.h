@@ -49,12 +49,22 @@ public:
     [[nodiscard]] QString waitingText() const;
     // How much taller the line makes the header while it shows.
     [[nodiscard]] int waitingLineHeight() const;
+    [[nodiscard]] ElidingLabel* waitingLine() const noexcept { return m_waiting; }
+    // Makes the waiting line a link: a click on it emits waitingClicked().
+    void setWaitingClickable(bool clickable);
+
+Q_SIGNALS:
+    void waitingClicked();
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
     StatusDotShapeView* m_dot;
     StyledLabel* m_summary;
     ElidingLabel* m_waiting;
     StyledLabel* m_badge;
+    bool m_waitingClickable = false;
 };
 
 // "Checking now", or "Updated " and the time of day of the last refresh.
