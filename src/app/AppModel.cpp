@@ -3,6 +3,7 @@
 #include "app/ControlPanelController.h"
 #include "app/StatusItemController.h"
 #include "notify/DesktopNotifier.h"
+#include "notify/NoticeTarget.h"
 #include "preferences/AppVisibilityController.h"
 #include "preferences/LaunchAtLoginController.h"
 #include "preferences/NotificationsController.h"
@@ -20,6 +21,13 @@ std::unique_ptr<CodexProcessMonitor> makeMonitor(const AppModel::Parts& parts) {
     return std::make_unique<CodexProcessMonitor>(
         parts.scan ? parts.scan : [] { return scanCodexProcesses(); },
         parts.clock ? parts.clock : &QDateTime::currentDateTimeUtc);
+}
+
+std::unique_ptr<SessionPlaceTracker> makePlaces(CodexProcessMonitor& monitor,
+                                                const AppModel::Parts& parts) {
+    if (!parts.placeFinder || !parts.goTo)
+        return std::make_unique<SessionPlaceTracker>(monitor);
+    return std::make_unique<SessionPlaceTracker>(monitor, parts.placeFinder, parts.goTo);
 }
 
 std::unique_ptr<AppVisibilityController> makeAppVisibility(const AppModel::Parts& parts) {
@@ -54,11 +62,13 @@ AppModel::AppModel(Parts parts, QObject* parent)
                                   }))
     , m_clock(parts.clock ? parts.clock : &QDateTime::currentDateTimeUtc)
     , m_monitor(makeMonitor(parts))
+    , m_places(makePlaces(*m_monitor, parts))
     , m_launchAtLogin(std::make_unique<LaunchAtLoginController>())
     , m_appVisibility(makeAppVisibility(parts))
     , m_notifications(std::make_unique<NotificationsController>(parts.settingsFile))
-    , m_controlPanel(std::make_unique<ControlPanelController>(
-          *m_monitor, *m_launchAtLogin, *m_appVisibility, *this, m_notifications.get()))
+    , m_controlPanel(
+          std::make_unique<ControlPanelController>(*m_monitor, *m_launchAtLogin, *m_appVisibility,
+                                                   *this, m_notifications.get(), m_places.get()))
     , m_statusItem(parts.traySurface
                        ? std::make_unique<StatusItemController>(*this, *parts.traySurface)
                        : std::make_unique<StatusItemController>(*this))
@@ -68,6 +78,8 @@ AppModel::AppModel(Parts parts, QObject* parent)
         auto* dbus = new DBusNotificationBus();
         m_ownNotificationBus.reset(dbus);
         connect(dbus, &DBusNotificationBus::defaultActionInvoked, this,
+                &AppModel::goToSessionOfNotice);
+        connect(dbus, &DBusNotificationBus::openControlPanelInvoked, this,
                 [this] { openControlPanel(); });
         connect(dbus, &DBusNotificationBus::notificationClosed, this,
                 [this](quint32 id) { m_notifier->forget(id); });
@@ -127,6 +139,22 @@ void AppModel::openControlPanel() {
 void AppModel::refreshNow() {
     m_launchAtLogin->setStatus(m_launchAtLogin->systemStatus());
     m_monitor->refresh();
+}
+
+void AppModel::goToSession(qint64 pid) {
+    m_statusItem->popover().hide();
+    const GoResult result = m_places->goTo(pid);
+    m_controlPanel->showGoResult(result);
+    if (result.outcome != GoResult::Outcome::went)
+        m_controlPanel->show();
+}
+
+void AppModel::goToSessionOfNotice(quint32 id) {
+    if (const std::optional<qint64> pid =
+            noticeTarget(m_notifier->sessionsOf(id), m_monitor->matches()))
+        goToSession(*pid);
+    else
+        openControlPanel();
 }
 
 void AppModel::quit() {

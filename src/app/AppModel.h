@@ -2,6 +2,7 @@
 
 #include "monitor/ProcessMonitoring.h"
 #include "notify/LimitNoticePolicy.h"
+#include "places/SessionPlaceTracker.h"
 #include "views/ViewActions.h"
 
 #include <QObject>
@@ -42,6 +43,8 @@ public:
         RunAfter runAfter;                            // delayed start-up steps
         NotificationBus* notificationBus = nullptr;   // must outlive the model
         QString settingsFile;                         // an INI file instead of the native one
+        SessionPlaces::Finder placeFinder;            // with goTo: instead of tmux and X11
+        SessionPlaceTracker::GoFunction goTo;
     };
 
     // The one instance, made on first use and kept until the application
@@ -66,6 +69,12 @@ public:
     void openControlPanel() override;
     void refreshNow() override;
     void quit() override;
+    // Goes there; where it could not, or only selected its tmux pane, the
+    // control panel comes forward and says why.
+    void goToSession(qint64 pid) override;
+    // A notice's default action: to the session it names that waits (else
+    // the first still there); the control panel once none is.
+    void goToSessionOfNotice(quint32 id);
 
 private:
     // After every refresh: what changed, announced where the user wants it.
@@ -74,6 +83,7 @@ private:
     RunAfter m_runAfter;
     CodexProcessMonitor::WallClock m_clock;
     std::unique_ptr<CodexProcessMonitor> m_monitor;
+    std::unique_ptr<SessionPlaceTracker> m_places;
     std::unique_ptr<LaunchAtLoginController> m_launchAtLogin;
     std::unique_ptr<AppVisibilityController> m_appVisibility;
     std::unique_ptr<NotificationsController> m_notifications;

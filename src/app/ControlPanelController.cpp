@@ -42,12 +42,14 @@ ControlPanelController::ControlPanelController(CodexProcessMonitor& monitor,
                                                LaunchAtLoginController& launchAtLogin,
                                                AppVisibilityController& appVisibility,
                                                ViewActions& actions,
-                                               NotificationsController* notifications)
+                                               NotificationsController* notifications,
+                                               const SessionPlaceTracker* places)
     : m_monitor(monitor)
     , m_launchAtLogin(launchAtLogin)
     , m_appVisibility(appVisibility)
     , m_actions(actions)
-    , m_notifications(notifications) {}
+    , m_notifications(notifications)
+    , m_places(places) {}
 
 ControlPanelController::~ControlPanelController() = default;
 
@@ -77,6 +79,12 @@ void ControlPanelController::setTrayHostAvailable(bool available) {
     }
 }
 
+void ControlPanelController::showGoResult(const GoResult& result) {
+    m_goResult = result;
+    if (m_view)
+        m_view->showGoResult(result);
+}
+
 void ControlPanelController::buildWindow() {
     // Titled, closable and minimisable; a fixed-size window has nothing to maximise.
     m_window = std::make_unique<QWidget>(
@@ -87,7 +95,7 @@ void ControlPanelController::buildWindow() {
     auto* layout = new QVBoxLayout(m_window.get());
     layout->setContentsMargins(0, 0, 0, 0);
     auto* view = new ControlPanelView(m_monitor, m_launchAtLogin, m_appVisibility, m_actions,
-                                      nullptr, m_notifications);
+                                      nullptr, m_notifications, m_places);
     // Where a large font or scale needs more than the screen has, the content
     // scrolls instead of being cut.
     auto* scroll = new QScrollArea(m_window.get());
@@ -97,6 +105,7 @@ void ControlPanelController::buildWindow() {
     layout->addWidget(scroll);
     m_view = view;
     setTrayHostAvailable(m_trayHostAvailable);
+    view->showGoResult(m_goResult);
     // Not resizable; closing hides the window, which stays for the next show().
     view->ensurePolished(); // fonts and styles decide the sizes
     m_naturalSize = view->naturalSize();

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "places/GoToSession.h"
+
 #include <QSize>
 #include <QWidget>
 #include <memory>
@@ -11,6 +13,7 @@ class CodexProcessMonitor;
 class ControlPanelView;
 class LaunchAtLoginController;
 class NotificationsController;
+class SessionPlaceTracker;
 class ViewActions;
 
 // The control panel window "Brenvik": built on first use, kept for the life of
@@ -21,7 +24,8 @@ public:
 
     ControlPanelController(CodexProcessMonitor& monitor, LaunchAtLoginController& launchAtLogin,
                            AppVisibilityController& appVisibility, ViewActions& actions,
-                           NotificationsController* notifications = nullptr);
+                           NotificationsController* notifications = nullptr,
+                           const SessionPlaceTracker* places = nullptr);
     ~ControlPanelController();
     ControlPanelController(const ControlPanelController&) = delete;
     ControlPanelController& operator=(const ControlPanelController&) = delete;
@@ -38,6 +42,11 @@ public:
     // While no tray host is there, the panel says so and what to install.
     void setTrayHostAvailable(bool available);
 
+    // What going to a session last said, under the list (kept until the
+    // window is built).
+    void showGoResult(const GoResult& result);
+    [[nodiscard]] ControlPanelView* view() const noexcept { return m_view; }
+
 private:
     void buildWindow();
     void fitWindow();
@@ -47,7 +56,9 @@ private:
     AppVisibilityController& m_appVisibility;
     ViewActions& m_actions;
     NotificationsController* m_notifications;
+    const SessionPlaceTracker* m_places;
     bool m_trayHostAvailable = true;
+    GoResult m_goResult{GoResult::Outcome::went, {}};
     std::unique_ptr<QWidget> m_window;
     ControlPanelView* m_view = nullptr; // owned by m_window
     QSize m_naturalSize;

@@ -39,11 +39,22 @@ void StatusItemController::configure(CodexProcessMonitor& monitor) {
                     << connect(&monitor, &CodexProcessMonitor::lastErrorChanged, this,
                                &StatusItemController::redrawFromMonitor, Qt::QueuedConnection);
     updateButton(monitor.runState());
+    updateMenu(monitor.matches());
 }
 
 void StatusItemController::redrawFromMonitor() {
-    if (m_monitor)
-        updateButton(m_monitor->runState());
+    if (!m_monitor)
+        return;
+    updateButton(m_monitor->runState());
+    updateMenu(m_monitor->matches());
+}
+
+void StatusItemController::updateMenu(const QList<ProcessMatch>& matches) {
+    QList<SessionMenuItem> items = sessionMenuItems(matches);
+    if (m_menuItems == items)
+        return;
+    m_surface->setSessionItems(items);
+    m_menuItems = std::move(items);
 }
 
 void StatusItemController::updateButton(const CodexRunState& state) {

@@ -44,6 +44,8 @@ public:
 
     // Draws `state`; pushes to the tray only what changed.
     void updateButton(const CodexRunState& state);
+    // Offers the sessions that wait or run in the menu, when they changed.
+    void updateMenu(const QList<ProcessMatch>& matches);
 
     [[nodiscard]] const std::optional<Appearance>& appearance() const noexcept { return m_shown; }
     [[nodiscard]] TraySurface& surface() noexcept { return *m_surface; }
@@ -58,6 +60,7 @@ private:
     CodexProcessMonitor* m_monitor = nullptr;
     QList<QMetaObject::Connection> m_subscriptions;
     std::optional<Appearance> m_shown;
+    std::optional<QList<SessionMenuItem>> m_menuItems;
 };
 
 } // namespace brenvik

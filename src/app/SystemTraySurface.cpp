@@ -5,7 +5,8 @@
 namespace brenvik {
 
 SystemTraySurface::SystemTraySurface(ViewActions& actions, QObject* parent)
-    : TraySurface(parent) {
+    : TraySurface(parent)
+    , m_actions(actions) {
     m_menu.setWindowTitle(QStringLiteral("Brenvik Menu"));
     m_menu.addAction(QStringLiteral("Open Control Panel"), this,
                      [&actions] { actions.openControlPanel(); });
@@ -36,6 +37,27 @@ void SystemTraySurface::setToolTip(const QString& text) {
     m_toolTip = text;
     if (m_trayIcon)
         m_trayIcon->setToolTip(m_toolTip);
+}
+
+void SystemTraySurface::setSessionItems(const QList<SessionMenuItem>& items) {
+    for (QAction* action : std::as_const(m_sessionActions)) {
+        m_menu.removeAction(action);
+        action->deleteLater(); // it may be the one being triggered
+    }
+    m_sessionActions.clear();
+    if (items.isEmpty())
+        return;
+    QAction* first = m_menu.actions().value(0);
+    for (const SessionMenuItem& item : items) {
+        auto* action = new QAction(item.text, &m_menu);
+        connect(action, &QAction::triggered, this,
+                [this, pid = item.pid] { m_actions.goToSession(pid); });
+        m_sessionActions.append(action);
+    }
+    auto* separator = new QAction(&m_menu);
+    separator->setSeparator(true);
+    m_sessionActions.append(separator);
+    m_menu.insertActions(first, m_sessionActions);
 }
 
 QRect SystemTraySurface::geometry() const {

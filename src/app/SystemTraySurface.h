@@ -23,15 +23,19 @@ public:
 
     void setIcon(const QIcon& icon) override;
     void setToolTip(const QString& text) override;
+    void setSessionItems(const QList<SessionMenuItem>& items) override;
     [[nodiscard]] QRect geometry() const override;
 
-    // The context menu: "Open Control Panel", "Refresh Now", "Quit".
+    // The context menu: one item per session that waits or runs, then
+    // "Open Control Panel", "Refresh Now", "Quit".
     [[nodiscard]] QMenu& menu() noexcept { return m_menu; }
 
 private:
     void createTrayIcon();
 
+    ViewActions& m_actions;
     QMenu m_menu;
+    QList<QAction*> m_sessionActions; // and their separator
     QIcon m_icon;
     QString m_toolTip;
     TrayHostWatcher m_hostWatcher;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "views/StatusPresentation.h"
+
 #include <QIcon>
 #include <QObject>
 #include <QRect>
@@ -22,6 +24,8 @@ public:
 
     virtual void setIcon(const QIcon& icon) = 0;
     virtual void setToolTip(const QString& text) = 0;
+    // The sessions its menu offers to go to, above the fixed items.
+    virtual void setSessionItems(const QList<SessionMenuItem>& items) = 0;
     // The icon's place on screen, in global coordinates; empty where the host
     // does not say (StatusNotifierItem hosts never do).
     [[nodiscard]] virtual QRect geometry() const = 0;

@@ -16,7 +16,7 @@ brenvik_app_library(brenvik_shell X11
         SystemTraySurface.cpp SystemTraySurface.h TrayHostWatcher.cpp TrayHostWatcher.h
         TraySurface.h
   PUBLIC brenvik_core brenvik_views brenvik_preferences brenvik_notification_preference
-         brenvik_notify brenvik_trayicon Qt6::Widgets Qt6::DBus)
+         brenvik_notify brenvik_places brenvik_trayicon Qt6::Widgets Qt6::DBus)
 
 add_executable(brenvik ${CMAKE_CURRENT_LIST_DIR}/BrenvikApp.cpp)
 target_link_libraries(brenvik PRIVATE brenvik_shell brenvik_warnings PkgConfig::XCB)

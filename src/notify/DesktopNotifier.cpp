@@ -12,6 +12,7 @@ namespace {
 const QString kService = QStringLiteral("org.freedesktop.Notifications");
 const QString kPath = QStringLiteral("/org/freedesktop/Notifications");
 const QString kInterface = QStringLiteral("org.freedesktop.Notifications");
+const QString kOpenControlPanel = QStringLiteral("open-control-panel");
 
 } // namespace
 
@@ -32,8 +33,9 @@ void DBusNotificationBus::notify(quint32 replacesId, const QString& summary, con
     const QVariantMap hints{{QStringLiteral("desktop-entry"), QStringLiteral("brenvik")},
                             {QStringLiteral("category"), QStringLiteral("im.received")}};
     call << QStringLiteral("Brenvik") << replacesId << QStringLiteral("brenvik") << summary << body
-         << QStringList{QStringLiteral("default"), QStringLiteral("Open Control Panel")} << hints
-         << qint32(-1);
+         << QStringList{QStringLiteral("default"), QStringLiteral("Go to the session"),
+                        kOpenControlPanel, QStringLiteral("Open Control Panel")}
+         << hints << qint32(-1);
     // Asynchronous: a missing server costs one failed call, nothing waits.
     auto* watcher =
         new QDBusPendingCallWatcher(QDBusConnection::sessionBus().asyncCall(call), this);
@@ -56,6 +58,8 @@ void DBusNotificationBus::close(quint32 id) {
 void DBusNotificationBus::onActionInvoked(quint32 id, const QString& action) {
     if (action == u"default")
         Q_EMIT defaultActionInvoked(id);
+    else if (action == kOpenControlPanel)
+        Q_EMIT openControlPanelInvoked(id);
 }
 
 void DBusNotificationBus::onNotificationClosed(quint32 id, quint32) {
@@ -101,12 +105,17 @@ void DesktopNotifier::apply(const NotificationPolicy::Decision& decision) {
                                  forget(old);
                              m_idByPID.insert(pid, id);
                          }
-                         m_shown.insert(
-                             id, Shown{notice.kind, notice.kind == Announcement::Kind::waiting
-                                                        ? notice.pids
-                                                        : QList<qint64>()});
+                         m_shown.insert(id, Shown{notice.kind,
+                                                  notice.kind == Announcement::Kind::waiting
+                                                      ? notice.pids
+                                                      : QList<qint64>(),
+                                                  notice.pids});
                      });
     }
+}
+
+QList<qint64> DesktopNotifier::sessionsOf(quint32 id) const {
+    return m_shown.value(id).pids;
 }
 
 void DesktopNotifier::forget(quint32 id) {

@@ -22,8 +22,8 @@ public:
 };
 
 // The freedesktop.org notification server on the session bus, spoken to
-// directly: app name "Brenvik", its icon and desktop entry, a default action.
-// Clicking a notification asks for the control panel.
+// directly: app name "Brenvik", its icon and desktop entry, a default action
+// (clicking the notification: go to its session) and "Open Control Panel".
 class DBusNotificationBus : public QObject, public NotificationBus {
     Q_OBJECT
 
@@ -36,6 +36,7 @@ public:
 
 Q_SIGNALS:
     void defaultActionInvoked(quint32 id);
+    void openControlPanelInvoked(quint32 id);
     void notificationClosed(quint32 id);
 
 private Q_SLOTS:
@@ -53,11 +54,15 @@ public:
     void apply(const NotificationPolicy::Decision& decision);
     // The server closed it (expired, dismissed): nothing to replace or close.
     void forget(quint32 id);
+    // The sessions the notification with this id names, in its order; none
+    // for one it does not know (any more).
+    [[nodiscard]] QList<qint64> sessionsOf(quint32 id) const;
 
 private:
     struct Shown {
         Announcement::Kind kind;
         QList<qint64> waitingPIDs; // of a waiting notice, those still waiting
+        QList<qint64> pids;        // all it names
     };
 
     NotificationBus& m_bus;

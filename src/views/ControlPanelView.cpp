@@ -32,12 +32,14 @@ QVBoxLayout* stack(int spacing, QWidget* owner = nullptr) {
 ControlPanelView::ControlPanelView(CodexProcessMonitor& monitor,
                                    LaunchAtLoginController& launchAtLogin,
                                    AppVisibilityController& appVisibility, ViewActions& actions,
-                                   QWidget* parent, NotificationsController* notifications)
+                                   QWidget* parent, NotificationsController* notifications,
+                                   const SessionPlaceTracker* places)
     : MonitorStatusView(monitor, actions, parent)
     , m_errorLine(new ElidingLabel(TextStyle::footnote, NamedColor::red, this))
     , m_missingTrayLine(new ElidingLabel(TextStyle::footnote, NamedColor::red, this))
     , m_preferences(new PreferencesControlsView(launchAtLogin, appVisibility, this, notifications))
-    , m_processList(new ProcessListSectionView(monitor, this))
+    , m_processList(new ProcessListSectionView(monitor, this, places))
+    , m_goResultLine(new ElidingLabel(TextStyle::footnote, NamedColor::red, this))
     , m_lastUpdated(new LastUpdatedLabel(monitor.lastUpdated(), this))
     , m_refreshButton(new StyledButton(tr("Refresh Now"), StyledButton::bordered, this))
     , m_quitButton(new StyledButton(tr("Quit"), StyledButton::bordered, this)) {
@@ -73,6 +75,9 @@ ControlPanelView::ControlPanelView(CodexProcessMonitor& monitor,
     m_processList->setMinimumHeight(kProcessListMinimumHeight);
     m_processList->setMaximumHeight(kProcessListHeight);
     processesStack->addWidget(m_processList, 1);
+    processesStack->addWidget(m_goResultLine);
+    m_goResultLine->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    m_goResultLine->hide();
     processesStack->addStretch(0);
 
     auto* footer = new QHBoxLayout;
@@ -93,6 +98,8 @@ ControlPanelView::ControlPanelView(CodexProcessMonitor& monitor,
     column->addWidget(new Divider(this));
     column->addLayout(footer);
 
+    connect(m_processList, &ProcessListSectionView::goRequested, this,
+            [this](qint64 pid) { m_actions.goToSession(pid); });
     connect(m_refreshButton, &StyledButton::clicked, this, [this] { m_actions.refreshNow(); });
     connect(m_quitButton, &StyledButton::clicked, this, [this] { m_actions.quit(); });
     // R alone, while this window is active, presses "Refresh Now".
@@ -144,6 +151,13 @@ void ControlPanelView::setMissingTrayText(const QString& text) {
     // wide font the panel widens for it meanwhile.
     const int line = text.isEmpty() ? 0 : m_missingTrayLine->sizeHint().width() + 2 * kPadding;
     setMinimumWidth(std::max(layout()->minimumSize().width(), line));
+}
+
+void ControlPanelView::showGoResult(const GoResult& result) {
+    m_goResultLine->setColor(result.outcome == GoResult::Outcome::failed ? NamedColor::red
+                                                                         : NamedColor::secondary);
+    m_goResultLine->setFullText(result.text);
+    m_goResultLine->setVisible(!result.text.isEmpty());
 }
 
 void ControlPanelView::updateFromMonitor() {

@@ -1,5 +1,6 @@
 #include "views/MenuPopoverView.h"
 
+#include "views/StatusPresentation.h"
 #include "views/StatusViews.h"
 #include "views/ViewStyle.h"
 
@@ -32,6 +33,12 @@ MenuPopoverView::MenuPopoverView(CodexProcessMonitor& monitor, ViewActions& acti
     column->addLayout(buttonRow);
 
     connect(m_openButton, &StyledButton::clicked, this, [this] { m_actions.openControlPanel(); });
+    // "Waiting for you: website" takes the user to website's session.
+    header()->setWaitingClickable(true);
+    connect(header(), &StatusHeaderView::waitingClicked, this, [this] {
+        if (const std::optional<qint64> pid = firstWaitingSession(m_monitor.matches()))
+            m_actions.goToSession(*pid);
+    });
 }
 
 } // namespace brenvik

@@ -6,7 +6,8 @@ namespace brenvik {
 
 class StyledButton;
 
-// The popover: the status header and "Open Control Panel". 300 points wide;
+// The popover: the status header and "Open Control Panel"; a click on the
+// "Waiting for you" line goes to the session that waits. 300 points wide;
 // its height follows the content.
 class MenuPopoverView : public MonitorStatusView {
     Q_OBJECT

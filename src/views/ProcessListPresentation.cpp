@@ -60,6 +60,16 @@ QString processRowUsageText(const ProcessMatch& match) {
     return parts.join(u" \u00B7 ");
 }
 
+QString processRowPlace(const SessionPlace& place) {
+    QStringList parts;
+    if (place.tmux)
+        parts << u"tmux " + place.tmux->session + u':' + QString::number(place.tmux->window) +
+                     u'.' + QString::number(place.tmux->pane);
+    if (!place.terminal.isEmpty())
+        parts << place.terminal;
+    return parts.join(u" \u00B7 ");
+}
+
 QString processRowToolTip(const ProcessMatch& match, const QString& home, const QLocale& locale) {
     QStringList lines;
     if (!match.cwd.isEmpty())

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "monitor/ProcessMonitoring.h"
+#include "places/SessionPlace.h"
 
 #include <QDateTime>
 #include <QDir>
@@ -43,6 +44,10 @@ inline constexpr qsizetype kPlainStackMaximumRows = 3;
 // What a row says of the session's usage: "gpt-5.5 · 63 % context left",
 // either part alone, or nothing where its log has no figures.
 [[nodiscard]] QString processRowUsageText(const ProcessMatch& match);
+
+// Where a row's session runs: "tmux work:2.1 \u00B7 xterm", "tmux work:2.1",
+// "GNOME Terminal"; empty where that is not known.
+[[nodiscard]] QString processRowPlace(const SessionPlace& place);
 
 // A row's tool tip: the directory, the PID and process count, the start time,
 // whether the session log or the CPU use decided the status, and the

@@ -1,9 +1,11 @@
 #include "views/ProcessListSectionView.h"
 
+#include "places/SessionPlaceTracker.h"
 #include "views/CoalescedUpdate.h"
 #include "views/ProcessRowsView.h"
 #include "views/ViewStyle.h"
 
+#include <QApplication>
 #include <QEvent>
 #include <QResizeEvent>
 #include <QScrollArea>
@@ -19,9 +21,11 @@ namespace {
 constexpr int kScrollBarGap = 8;
 } // namespace
 
-ProcessListSectionView::ProcessListSectionView(CodexProcessMonitor& monitor, QWidget* parent)
+ProcessListSectionView::ProcessListSectionView(CodexProcessMonitor& monitor, QWidget* parent,
+                                               const SessionPlaceTracker* places)
     : QWidget(parent)
     , m_monitor(monitor)
+    , m_places(places)
     , m_updates(new CoalescedUpdate([this] { updateFromMonitor(); }, this))
     , m_pages(new QStackedLayout(this))
     , m_placeholder(new StyledLabel(TextStyle::subheadline, NamedColor::secondary, this))
@@ -58,6 +62,10 @@ ProcessListSectionView::ProcessListSectionView(CodexProcessMonitor& monitor, QWi
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
 
     m_updates->observe(&m_monitor);
+    if (m_places)
+        connect(m_places, &SessionPlaceTracker::placesChanged, m_updates,
+                &CoalescedUpdate::schedule);
+    connect(m_rows, &ProcessRowsView::goRequested, this, &ProcessListSectionView::goRequested);
     updateFromMonitor();
 }
 
@@ -95,9 +103,14 @@ ProcessListForm ProcessListSectionView::fittingForm() const {
 }
 
 void ProcessListSectionView::updateFromMonitor() {
+    QStringList places;
+    if (m_places) {
+        for (const ProcessMatch& match : m_monitor.matches())
+            places.append(processRowPlace(m_places->placeOf(match.pid).value_or(SessionPlace{})));
+    }
     // Durations count to the refresh that measured them.
     m_rows->setMatches(m_monitor.matches(),
-                       m_monitor.lastUpdated().value_or(QDateTime::currentDateTimeUtc()));
+                       m_monitor.lastUpdated().value_or(QDateTime::currentDateTimeUtc()), places);
     setForm(fittingForm());
     if (m_form == ProcessListForm::placeholder)
         m_placeholder->setText(
@@ -107,7 +120,11 @@ void ProcessListSectionView::updateFromMonitor() {
 void ProcessListSectionView::setForm(ProcessListForm form) {
     if (form == m_form && m_pages->currentIndex() == int(form))
         return;
-    // The one rows view moves between the plain page and the scroll area.
+    // The one rows view moves between the plain page and the scroll area;
+    // the selected row keeps the focus, which a move would take from it.
+    QWidget* focused = QApplication::focusWidget();
+    if (!m_rows->isAncestorOf(focused))
+        focused = nullptr;
     if (form == ProcessListForm::scrollingList && m_scroll->widget() != m_rows) {
         m_rows->setContentsMargins(0, 0, kScrollBarGap, 0);
         m_scroll->setWidget(m_rows);
@@ -119,6 +136,8 @@ void ProcessListSectionView::setForm(ProcessListForm form) {
     }
     m_form = form;
     m_pages->setCurrentIndex(int(form));
+    if (focused)
+        focused->setFocus();
 }
 
 } // namespace brenvik

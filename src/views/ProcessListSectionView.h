@@ -12,6 +12,7 @@ namespace brenvik {
 
 class CoalescedUpdate;
 class ProcessRowsView;
+class SessionPlaceTracker;
 class StyledLabel;
 
 // The placeholder text, a plain stack of up to three rows, or a scrolling
@@ -22,13 +23,19 @@ class ProcessListSectionView : public QWidget {
     Q_OBJECT
 
 public:
-    explicit ProcessListSectionView(CodexProcessMonitor& monitor, QWidget* parent = nullptr);
+    // With `places`, each row shows where its session runs.
+    explicit ProcessListSectionView(CodexProcessMonitor& monitor, QWidget* parent = nullptr,
+                                    const SessionPlaceTracker* places = nullptr);
 
     [[nodiscard]] ProcessListForm form() const noexcept { return m_form; }
     [[nodiscard]] QString placeholderText() const;
     [[nodiscard]] ProcessRowsView* rowsView() const noexcept { return m_rows; }
     [[nodiscard]] QScrollArea* scrollArea() const noexcept { return m_scroll; }
     [[nodiscard]] int updateCount() const;
+
+Q_SIGNALS:
+    // A row asks to go to its session.
+    void goRequested(qint64 pid);
 
 protected:
     void changeEvent(QEvent* event) override;
@@ -41,6 +48,7 @@ private:
     void setForm(ProcessListForm form);
 
     CodexProcessMonitor& m_monitor;
+    const SessionPlaceTracker* m_places;
     CoalescedUpdate* m_updates;
     QStackedLayout* m_pages;
     StyledLabel* m_placeholder;

@@ -21,9 +21,15 @@ public:
     ProcessRowsView(const QList<ProcessMatch>& matches, const QDateTime& now,
                     QWidget* parent = nullptr);
 
-    // `now` is what the rows' "how long" counts to.
-    void setMatches(const QList<ProcessMatch>& matches, const QDateTime& now);
+    // `now` is what the rows' "how long" counts to; `places` are the rows'
+    // processRowPlace() texts, in the same order (fewer: no place).
+    void setMatches(const QList<ProcessMatch>& matches, const QDateTime& now,
+                    const QStringList& places = {});
     [[nodiscard]] const QList<ProcessRowView*>& rows() const noexcept { return m_rows; }
+
+Q_SIGNALS:
+    // A row asks to go to its session.
+    void goRequested(qint64 pid);
 
 private:
     QVBoxLayout* m_layout;

@@ -29,6 +29,29 @@ QString waitingText(const CodexRunState& state) {
     return QStringLiteral("Waiting for you: ") + observed->waitingProjects.join(u", ");
 }
 
+QList<SessionMenuItem> sessionMenuItems(const QList<ProcessMatch>& matches, const QString& home) {
+    QList<SessionMenuItem> items;
+    for (const ProcessActivityStatus status :
+         {ProcessActivityStatus::waiting, ProcessActivityStatus::running}) {
+        for (const ProcessMatch& match : matches) {
+            if (match.status == status)
+                items.append({match.pid, projectName(match, home) + u" \u00B7 " +
+                                             (status == ProcessActivityStatus::waiting
+                                                  ? QStringLiteral("Waiting for you")
+                                                  : QStringLiteral("Running"))});
+        }
+    }
+    return items;
+}
+
+std::optional<qint64> firstWaitingSession(const QList<ProcessMatch>& matches) {
+    for (const ProcessMatch& match : matches) {
+        if (match.status == ProcessActivityStatus::waiting)
+            return match.pid;
+    }
+    return std::nullopt;
+}
+
 QString missingTrayText(QStringView currentDesktop) {
     // GNOME has no tray of its own; elsewhere a panel usually has one to add.
     for (const QStringView desktop : currentDesktop.split(u':')) {

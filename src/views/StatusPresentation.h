@@ -22,6 +22,22 @@ enum class StateColor { green, yellow, violet, red };
 // while none does.
 [[nodiscard]] QString waitingText(const CodexRunState& state);
 
+// A session the tray menu offers to go to: "website \u00B7 Waiting for you".
+struct SessionMenuItem {
+    qint64 pid = 0;
+    QString text;
+    friend bool operator==(const SessionMenuItem&, const SessionMenuItem&) = default;
+};
+
+// The tray menu's sessions: those that wait for the user, then those that
+// run, each in list order; idle ones are not offered.
+[[nodiscard]] QList<SessionMenuItem> sessionMenuItems(const QList<ProcessMatch>& matches,
+                                                      const QString& home = QDir::homePath());
+
+// The session the "Waiting for you" line takes the user to: the first one
+// it names. None while no session waits.
+[[nodiscard]] std::optional<qint64> firstWaitingSession(const QList<ProcessMatch>& matches);
+
 // The one line saying that no tray shows the icon and what to install, for
 // the desktop named by XDG_CURRENT_DESKTOP (a colon-separated list).
 [[nodiscard]] QString missingTrayText(QStringView currentDesktop);

@@ -4,6 +4,7 @@
 #include "views/StatusDotShape.h"
 
 #include <QHBoxLayout>
+#include <QMouseEvent>
 #include <QPainter>
 #include <QVBoxLayout>
 
@@ -114,6 +115,30 @@ void StatusHeaderView::setState(const CodexRunState& state, const QString& summa
     m_badge->setText(badge);
     m_badge->setColor(color);
     m_badge->setVisible(!badge.isEmpty());
+}
+
+void StatusHeaderView::setWaitingClickable(bool clickable) {
+    m_waitingClickable = clickable;
+    if (clickable) {
+        m_waiting->setCursor(Qt::PointingHandCursor);
+        m_waiting->installEventFilter(this);
+    } else {
+        m_waiting->unsetCursor();
+        m_waiting->removeEventFilter(this);
+    }
+}
+
+bool StatusHeaderView::eventFilter(QObject* watched, QEvent* event) {
+    // Taking the press makes the release come here too.
+    if (watched == m_waiting && m_waitingClickable && event->type() == QEvent::MouseButtonPress)
+        return true;
+    if (watched == m_waiting && m_waitingClickable && event->type() == QEvent::MouseButtonRelease &&
+        static_cast<QMouseEvent*>(event)->button() == Qt::LeftButton &&
+        m_waiting->rect().contains(static_cast<QMouseEvent*>(event)->position().toPoint())) {
+        Q_EMIT waitingClicked();
+        return true;
+    }
+    return QWidget::eventFilter(watched, event);
 }
 
 QString StatusHeaderView::summaryText() const {

@@ -54,6 +54,15 @@ public:
     [[nodiscard]] NamedColor limitsColor() const;
     // How much taller the line makes the header while it shows.
     [[nodiscard]] int waitingLineHeight() const;
+    [[nodiscard]] ElidingLabel* waitingLine() const noexcept { return m_waiting; }
+    // Makes the waiting line a link: a click on it emits waitingClicked().
+    void setWaitingClickable(bool clickable);
+
+Q_SIGNALS:
+    void waitingClicked();
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
     StatusDotShapeView* m_dot;
@@ -61,6 +70,7 @@ private:
     ElidingLabel* m_waiting;
     StyledLabel* m_limits;
     StyledLabel* m_badge;
+    bool m_waitingClickable = false;
 };
 
 // "Checking now", or "Updated " and the time of day of the last refresh.

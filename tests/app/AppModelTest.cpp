@@ -43,6 +43,13 @@ protected:
             settings.remove(u"showDockIcon"_s);
     }
 
+    // No session has a place here; going there does what m_goResult says.
+    static PlaceLookup placeFinder(const SessionQuery&) { return {std::nullopt, u"none"_s}; }
+    SessionPlaceTracker::GoFunction goTo = [this](const SessionQuery& query, const auto&) {
+        m_wentTo.push_back(query.pid);
+        return m_goResult;
+    };
+
     AppModel& makeModel() {
         const auto runAfter = [this](auto delay, auto step) { m_deferred.append({delay, step}); };
         m_model = std::make_unique<AppModel>(AppModel::Parts{.scan = m_scan.function(),
@@ -51,7 +58,9 @@ protected:
                                                              .traySurface = &m_surface,
                                                              .runAfter = runAfter,
                                                              .notificationBus = &m_bus,
-                                                             .settingsFile = {}});
+                                                             .settingsFile = {},
+                                                             .placeFinder = placeFinder,
+                                                             .goTo = goTo});
         return *m_model;
     }
 
@@ -63,6 +72,8 @@ protected:
     // Start-up steps the model asked to run later, with their delays.
     QList<std::pair<std::chrono::milliseconds, std::function<void()>>> m_deferred;
     std::unique_ptr<AppModel> m_model;
+    std::vector<qint64> m_wentTo; // not QList: Qt 6.4 compares an emptied one with memcmp
+    GoResult m_goResult;
 };
 
 TEST_F(Startup, StatusItemBeforeTheFirstResultAndThePanelOnTheNextTurn) {
@@ -108,6 +119,31 @@ TEST_F(Startup, FinishedSessionsAreAnnouncedUnlessTurnedOff) {
         }
         EXPECT_EQ(m_bus.summaries,
                   enabled ? QStringList{u"Codex finished \u00B7 brenvik"_s} : QStringList());
+        // A click on it goes to its session; where that fails or only selects
+        // its pane, the panel comes forward and says so. A notice no longer
+        // known opens the panel.
+        using enum GoResult::Outcome;
+        const std::tuple<GoResult, quint32, bool, QString> clicks[] = {
+            {{went, {}}, 1, true, {}},
+            {{failed, u"Cannot go: gone"_s}, 1, true, u"Cannot go: gone"_s},
+            {{selected, u"In tmux w:1.0"_s}, 1, true, u"In tmux w:1.0"_s},
+            {{went, {}}, 7, false, u"In tmux w:1.0"_s},
+        };
+        for (const auto& [result, notice, goes, line] : clicks) {
+            if (!enabled)
+                break;
+            if (QWidget* window = model.controlPanel().window())
+                window->close();
+            m_wentTo.clear();
+            m_goResult = result;
+            model.goToSessionOfNotice(notice);
+            EXPECT_EQ(m_wentTo, goes ? std::vector<qint64>{41} : std::vector<qint64>()) << notice;
+            QWidget* panel = model.controlPanel().window();
+            EXPECT_EQ(panel && panel->isVisible(), !line.isEmpty()) << result.text.toStdString();
+            if (panel) {
+                EXPECT_EQ(model.controlPanel().view()->goResultLine()->fullText(), line);
+            }
+        }
         m_model.reset();
     }
 }

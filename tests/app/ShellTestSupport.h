@@ -15,12 +15,16 @@ class RecordingSurface : public TraySurface {
 public:
     void setIcon(const QIcon& icon) override { icons.append(icon); }
     void setToolTip(const QString& text) override { toolTips.append(text); }
+    void setSessionItems(const QList<SessionMenuItem>& items) override {
+        sessionItems.append(items);
+    }
     [[nodiscard]] QRect geometry() const override { return iconGeometry; }
     void click() { Q_EMIT triggered(); }
     using TraySurface::setHostAvailable;
 
     QList<QIcon> icons;
     QList<QString> toolTips;
+    QList<QList<SessionMenuItem>> sessionItems;
     QRect iconGeometry;
 };
 

@@ -50,6 +50,30 @@ TEST_F(StatusItem, PushesOnlyWhatChanged) {
     }
 }
 
+TEST_F(StatusItem, MenuOffersTheSessionsThatWaitOrRunWhenTheyChange) {
+    const auto session = [](qint64 pid, ProcessActivityStatus status) {
+        ProcessMatch match;
+        match.pid = pid;
+        match.status = status;
+        return match;
+    };
+    using enum ProcessActivityStatus;
+    // Name, matches, and whether the menu's sessions are pushed anew.
+    const std::tuple<const char*, QList<ProcessMatch>, bool> steps[] = {
+        {"first: none", {}, true},
+        {"an idle one is not offered", {session(7, idle)}, false},
+        {"it runs", {session(7, running)}, true},
+        {"it still runs", {session(7, running)}, false},
+        {"another waits", {session(7, running), session(9, waiting)}, true},
+    };
+    for (const auto& [name, matches, pushed] : steps) {
+        const qsizetype before = m_surface.sessionItems.size();
+        m_controller.updateMenu(matches);
+        EXPECT_EQ(m_surface.sessionItems.size() - before, pushed ? 1 : 0) << name;
+        EXPECT_EQ(m_surface.sessionItems.last(), sessionMenuItems(matches)) << name;
+    }
+}
+
 TEST_F(StatusItem, DrawsAtOnceAndRedrawsOnTheTurnAfterEachPublish) {
     CodexProcessMonitor& monitor = m_scripted.monitor;
     m_controller.configure(monitor);

@@ -13,8 +13,8 @@
 #     its ToolTip carries the detail text, and Activate opens the popover fully
 #     on screen although the host reports no geometry;
 #  4. dunst as notification server: a session that works and goes quiet gives
-#     one notice whose default action opens the control panel; none with the
-#     preference off.
+#     one notice whose default action, for a session in no terminal to go to,
+#     opens the control panel; none with the preference off.
 # Usage: tray-e2e.sh BRENVIK FAKE_SNI_WATCHER
 set -euo pipefail
 
@@ -329,7 +329,8 @@ stop "$app_pid"
 # === run 4: desktop notifications, with dunst as the notification server =======
 # A fake Codex session in its project folder works for 12 s, then goes quiet
 # (stopped, so it uses no CPU): one "finished" notice names the project, and
-# its default action opens the control panel. With the preference off: none.
+# its default action, with no terminal to go to, opens the control panel,
+# which says why. With the preference off: none.
 start "$work/dunst.log" dunst
 wait_until 20 dbus-send --session --print-reply --dest=org.freedesktop.Notifications \
     /org/freedesktop/Notifications org.freedesktop.Notifications.GetServerInformation ||

@@ -180,6 +180,11 @@ TEST(DesktopNotifier, OneNoticePerSessionReplacedAndClosed) {
                                       u"notify 1 replaces 1: finished a"_qs,
                                       u"notify 2 replaces 0: waiting c"_qs}))
         << "the finished notice replaced the waiting one it shared with session 2";
+    // What a click on a notice can go to: the sessions it names.
+    EXPECT_EQ(notifier.sessionsOf(1), QList<qint64>{1});
+    EXPECT_TRUE(notifier.sessionsOf(2).isEmpty()) << "closed";
+    notifier.apply({{notice(Kind::waiting, {5, 4}, "waiting e, d")}, {}});
+    EXPECT_EQ(notifier.sessionsOf(3), (QList<qint64>{5, 4}));
 
     FakeBus silent;
     silent.answers = false;

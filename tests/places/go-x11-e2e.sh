@@ -1,14 +1,17 @@
 #!/usr/bin/env bash
-# brenvik-status --go on X11, end to end: Xvfb with openbox and two desktops,
+# Going to a session on X11, end to end: Xvfb with openbox and two desktops,
 # two xterms each showing a tmux session of a private server, a stand-in
 # Codex session in a pane of each; one xterm on the other desktop, the other
 # minimised. --go PID switches to the window's desktop, restores it, makes it
 # the active window and selects the session's pane; the JSON names each pane
-# and terminal.
-# Usage: go-x11-e2e.sh BRENVIK_STATUS
+# and terminal. Then one session waits for an approval: --go waiting goes
+# there, and so does the tray app (with trayer and dunst) from its notice's
+# default action, from a double click on its row and from its tray menu item.
+# Usage: go-x11-e2e.sh BRENVIK_STATUS BRENVIK
 set -euo pipefail
 
 status_command=$1
+app=$2
 
 # A PID namespace of its own: stand-in sessions elsewhere must not count.
 if [[ -z ${BRENVIK_E2E_PRIVATE_BUS:-} ]]; then
@@ -37,6 +40,7 @@ trap cleanup EXIT
 log() { echo "e2e: $*"; }
 fail() {
     echo "e2e FAILED: $*" >&2
+    [[ -f $dir/app.log ]] && sed 's/^/app: /' "$dir/app.log" >&2
     exit 1
 }
 
@@ -55,9 +59,18 @@ xdotool set_num_desktops 2
 printf '#!/bin/sh\nsleep 600\n' >"$dir/codex"
 chmod +x "$dir/codex"
 mkdir "$dir/website" "$dir/infra"
+# website: `codex exec` in a turn, holding its session log open as Codex does
+# (bash under Codex's name: its -c takes a value as Codex's does).
+mkdir -p "$dir/bin" "$dir/home/.codex/sessions/2026/11/24"
+cp "$(command -v bash)" "$dir/bin/codex"
+session_log=$dir/home/.codex/sessions/2026/11/24/rollout-2026-11-24T09-12-00-0196a3f2-5b7c-7e01-9d2a-4c3b2a1f0e9d.jsonl
+log_line() { echo "{\"timestamp\":\"$(date -u +%Y-%m-%dT%H:%M:%S.%3NZ)\",$1}" >>"$session_log"; }
+log_line '"type":"session_meta","payload":{"id":"0196a3f2-5b7c-7e01-9d2a-4c3b2a1f0e9d","cwd":"'"$dir/website"'","originator":"codex_exec","cli_version":"0.169.0"}'
+log_line '"type":"event_msg","payload":{"type":"task_started","turn_id":"1"}'
 "${tmux[@]}" new-session -d -s one -x 80 -y 24
 "${tmux[@]}" new-window -d -t one:1
-"${tmux[@]}" split-window -d -t one:1 -c "$dir/website" "$dir/codex"
+"${tmux[@]}" split-window -d -t one:1 -c "$dir/website" \
+    "exec 3<'$session_log' '$dir/bin/codex' -c 'read -r _; :' exec"
 "${tmux[@]}" new-session -d -s two -x 80 -y 24
 "${tmux[@]}" split-window -d -t two:0 -c "$dir/infra" "$dir/codex"
 "${tmux[@]}" new-window -t two:1
@@ -117,4 +130,105 @@ go_to infra "$xt2" 0 two 0.1
 
 out=$("$status_command" --go 1 2>&1) && fail "--go 1 succeeded: $out"
 [[ $out == "brenvik-status: no Codex session has PID 1" ]] || fail "--go 1 said: $out"
+
+# === the tray app ============================================================
+export QT_QPA_PLATFORM=xcb
+# libxkbcommon-x11 hands strndup() names that are not NUL-terminated, which
+# strndup allows but ASan's strict string checks report.
+export ASAN_OPTIONS=${ASAN_OPTIONS//strict_string_checks=1/strict_string_checks=0}
+start "$dir/dunst.log" dunst
+start "$dir/trayer.log" trayer --edge top --align right --widthtype request --height 24 \
+    --SetDockType true --transparent false --tint 0xdddddd
+start "$dir/app.log" "$app"
+# Ours: the control panel (at least 420 wide) and the tray icon (at most 64).
+geometry_of() { # "W H X Y" of a window, X and Y absolute
+    xwininfo -id "$1" 2>/dev/null | awk '/Absolute upper-left X/ { x = $NF } /Absolute upper-left Y/ { y = $NF }
+        /^ *Width:/ { w = $NF } /^ *Height:/ { h = $NF } END { print w, h, x, y }'
+}
+window_of_app() { # window_of_app MIN_WIDTH MAX_WIDTH FILE
+    local id w
+    for id in $(xwininfo -root -tree | sed -n 's/^ *\(0x[0-9a-f]*\) "Brenvik": ("brenvik" "Brenvik") .*/\1/p'); do
+        xwininfo -id "$id" 2>/dev/null | grep -q "Map State: IsViewable" || continue
+        read -r w _ < <(geometry_of "$id")
+        ((w >= $1 && w <= $2)) && echo "$id" >"$3" && return 0
+    done
+    return 1
+}
+wait_until 30 window_of_app 420 9999 "$dir/panel" || fail "no control panel"
+wait_until 30 window_of_app 5 64 "$dir/icon" || fail "no tray icon"
+panel=$(cat "$dir/panel")
+icon=$(cat "$dir/icon")
+# The pixels of a window within 40 of colour R G B, as "X Y" lines relative to it.
+pixels_of() { # pixels_of WINDOW R G B
+    local w h x y
+    read -r w h x y < <(geometry_of "$1")
+    import -window root -crop "${w}x${h}+${x}+${y}" +repage -depth 8 txt:- 2>/dev/null |
+        sed -n 's/^\([0-9]*\),\([0-9]*\): *(\([0-9]*\),\([0-9]*\),\([0-9]*\).*/\1 \2 \3 \4 \5/p' |
+        awk -v r="$2" -v g="$3" -v b="$4" '
+            function d(p, q) { return p > q ? p - q : q - p }
+            d($3, r) < 40 && d($4, g) < 40 && d($5, b) < 40 { print $1, $2 }'
+}
+# The app has seen website's turn: its icon is the yellow dot.
+icon_is_yellow() { (($(pixels_of "$icon" 245 194 17 | wc -l) > 20)); }
+wait_until 30 icon_is_yellow || fail "the tray icon did not turn yellow for website's turn"
+# Codex asks to approve a command: a tool call without output.
+log_line '"type":"response_item","payload":{"type":"function_call","name":"exec_command","arguments":"{}","call_id":"call_1"}'
+wait_until 30 sh -c '[ "$(dunstctl count displayed)" -ge 1 ]' || fail "no notice that website waits"
+log "the tray app announced that website waits"
+
+# Each way there starts from elsewhere: desktop 0, the other xterm active,
+# another tmux window shown.
+elsewhere() {
+    xdotool set_desktop 0
+    xdotool windowactivate --sync "$xt2" 2>/dev/null || true
+    "${tmux[@]}" select-window -t one:0
+    wait_until 10 sh -c "[ \"\$(xdotool getactivewindow 2>/dev/null)\" = $xt2 ]" ||
+        fail "xterm 2 did not come forward"
+}
+arrived() { # arrived HOW
+    wait_until 15 sh -c "[ \"\$(xdotool getactivewindow 2>/dev/null)\" = $xt1 ]" ||
+        fail "$1: active window $(xdotool getactivewindow 2>&1), expected $xt1"
+    [[ $(xdotool get_desktop) == 1 ]] || fail "$1: on desktop $(xdotool get_desktop)"
+    local pane
+    pane=$("${tmux[@]}" display-message -p -t one '#{window_index}.#{pane_index}')
+    [[ $pane == 1.1 ]] || fail "$1: active pane $pane, expected 1.1"
+    log "$1 went to website: its xterm active on desktop 1, pane 1.1"
+}
+
+elsewhere
+"$status_command" --go waiting >"$dir/go.out" 2>&1 || fail "--go waiting: $(cat "$dir/go.out")"
+arrived "--go waiting"
+
+elsewhere
+dunstctl action 0
+arrived "the notice's default action"
+
+# The waiting row: where its violet status capsule is, in the right half of
+# the panel's list (the header's violet marks are above it); a double click
+# on its project directory, at the left of the same line.
+elsewhere
+xdotool windowactivate --sync "$panel"
+row_y() {
+    local width
+    read -r width _ < <(geometry_of "$panel")
+    pixels_of "$panel" 123 63 228 | awk -v half=$((width / 2)) '
+        $1 > half { n[$2]++ } END { max = 0; for (y in n) if (n[y] > 8 && y + 0 > max) max = y + 0; print max - 6 }'
+}
+y=$(row_y)
+((y > 100)) || fail "no waiting row in the control panel"
+read -r _ _ px py < <(geometry_of "$panel")
+xdotool mousemove $((px + 30)) $((py + y)) click --repeat 2 --delay 60 1
+arrived "a double click on its row"
+
+elsewhere
+open_menu() {
+    local w h x y
+    read -r w h x y < <(geometry_of "$icon")
+    xdotool mousemove $((x + w / 2)) $((y + h / 2)) click 3
+    wait_until 5 sh -c "xdotool search --onlyvisible --name '^Brenvik Menu\$' >/dev/null"
+}
+# A click that lands while the window manager is busy can get lost: again, as a person would.
+open_menu || open_menu || open_menu || fail "right click opened no menu"
+xdotool key Down Return
+arrived "its tray menu item"
 log "passed"

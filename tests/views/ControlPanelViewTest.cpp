@@ -2,6 +2,7 @@
 
 #include "CutTexts.h"
 #include "ViewTestSupport.h"
+#include "places/SessionPlaceTracker.h"
 #include "views/CommandText.h"
 #include "views/PreferencesControlsView.h"
 #include "views/ProcessListSectionView.h"
@@ -20,6 +21,18 @@ namespace {
 using namespace Qt::StringLiterals;
 using namespace brenvik::test;
 
+// Session 1001 runs in tmux in an xterm, 1002 in an editor; the others
+// were not found. Called on the tracker's worker thread.
+PlaceLookup placeOf(const SessionQuery& query) {
+    const TmuxPane pane{
+        u"/tmp/tmux-1000/default"_s, u"work"_s, u"$1"_s, 2, u"@4"_s, u"vim"_s, 1, u"%7"_s};
+    if (query.pid == 1001)
+        return {SessionPlace{u"xterm"_s, 0x1200007, pane, false}, {}};
+    if (query.pid == 1002)
+        return {SessionPlace{u"Zed"_s, 0x1600003, std::nullopt, true}, {}};
+    return {std::nullopt, u"not in a terminal"_s};
+}
+
 class ControlPanel : public ::testing::Test {
 protected:
     ControlPanel() {
@@ -27,11 +40,31 @@ protected:
         settle();
     }
 
+    // A refresh, and the lookups of the sessions it brought.
+    [[nodiscard]] bool refreshWith(QList<DetectedProcessSample> samples,
+                                   QList<CodexProcessMonitor::LogState> logs = {}) {
+        if (!m_scripted.refreshWith(std::move(samples), std::move(logs)))
+            return false;
+        settle();
+        const bool found = QTest::qWaitFor([&] { return m_places.isIdle(); }, 20'000);
+        settle();
+        return found;
+    }
+
     ScriptedMonitor m_scripted;
+    SessionPlaceTracker m_places{m_scripted.monitor, placeOf,
+                                 [](const SessionQuery&, const std::optional<SessionPlace>&) {
+                                     return GoResult{GoResult::Outcome::went, {}};
+                                 }};
     PrivatePreferences m_preferences;
     RecordingActions m_actions;
-    ControlPanelView m_panel{m_scripted.monitor, m_preferences.launchAtLogin,
-                             m_preferences.appVisibility, m_actions};
+    ControlPanelView m_panel{m_scripted.monitor,
+                             m_preferences.launchAtLogin,
+                             m_preferences.appVisibility,
+                             m_actions,
+                             nullptr,
+                             nullptr,
+                             &m_places};
 };
 
 TEST_F(ControlPanel, PlaceholderAndErrorLineFollowTheMonitor) {
@@ -98,10 +131,11 @@ TEST_F(ControlPanel, ThreeRowsStackAndAFourthScrolls) {
         return texts;
     };
     // Row 1 runs, row 2 has waited for two minutes, row 3 has no known
-    // directory; each row shows its directory (or PID) and status; row 2's
-    // log names its model and context.
+    // directory; each row shows its directory (or PID), status and place;
+    // row 2's log names its model and context.
     const QString titles[] = {u"~/projects/p1"_s, u"~/projects/p2"_s, u"PID 1003"_s,
                               u"~/projects/p4"_s};
+    const QString places[] = {u"tmux work:2.1 \u00B7 xterm"_s, u"Zed"_s, QString(), QString()};
     const QString capsules[] = {u"Running \u00B7 0 s"_s, u"Waiting for you \u00B7 2 min"_s,
                                 u"Idle \u00B7 0 s"_s, u"Idle \u00B7 0 s"_s};
     const std::tuple<int, ProcessListForm, bool> cases[] = {
@@ -123,8 +157,7 @@ TEST_F(ControlPanel, ThreeRowsStackAndAFourthScrolls) {
                 logs.last()->tokens = TokenUsage{500'000, 95'608, 258'400};
             }
         }
-        ASSERT_TRUE(m_scripted.refreshWith(groups, logs));
-        settle();
+        ASSERT_TRUE(refreshWith(groups, logs));
         ProcessListSectionView* list = m_panel.processList();
         EXPECT_EQ(list->form(), form) << count;
         EXPECT_EQ(list->scrollArea()->isVisible() &&
@@ -139,8 +172,9 @@ TEST_F(ControlPanel, ThreeRowsStackAndAFourthScrolls) {
             QStringList expected{titles[i], capsules[i], shownCommand(groups[i].command)};
             if (i == 1)
                 expected << u"gpt-5.5 \u00B7 63 % context left"_s;
-            EXPECT_EQ(texts(rows[i]), expected)
-                << count << " matches, row " << i;
+            if (!places[i].isEmpty())
+                expected << places[i];
+            EXPECT_EQ(texts(rows[i]), expected) << count << " matches, row " << i;
             EXPECT_TRUE(rows[i]->toolTip().contains(u"PID %1"_s.arg(1001 + i)))
                 << count << " matches, row " << i;
         }
@@ -148,8 +182,66 @@ TEST_F(ControlPanel, ThreeRowsStackAndAFourthScrolls) {
             const QStringList cut = cutTexts(m_panel);
             EXPECT_TRUE(cut.isEmpty()) << count << ": " << cut.join(u" | "_s).toStdString();
         }
-        const QLabel* command = rows[0]->findChildren<QLabel*>().at(2);
+        const QLabel* command = rows[0]->findChild<CommandLabel*>();
         EXPECT_TRUE(command->textInteractionFlags() & Qt::TextSelectableByMouse);
+    }
+}
+
+TEST_F(ControlPanel, ARowGoesToItsSessionAndTheListSaysWhatHappened) {
+    ASSERT_TRUE(refreshWith({group(1001, u"codex"_s), group(1002, u"codex"_s)}));
+    const QList<ProcessRowView*> rows = m_panel.processList()->rowsView()->rows();
+    ASSERT_EQ(rows.size(), 2);
+    EXPECT_FALSE(rows[0]->goToButton()->isVisible()) << "shown only on the row in use";
+    m_panel.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&m_panel));
+    const std::tuple<const char*, std::function<void()>, qint64> asks[] = {
+        {"its Go to button",
+         [&] {
+             rows[1]->setFocus();
+             ASSERT_TRUE(QTest::qWaitFor([&] { return rows[1]->goToButton()->isVisible(); }));
+             QTest::mouseClick(rows[1]->goToButton(), Qt::LeftButton);
+         },
+         1002},
+        {"a double click", [&] { QTest::mouseDClick(rows[0], Qt::LeftButton, {}, QPoint(8, 6)); },
+         1001},
+        {"Enter on the selected row",
+         [&] {
+             rows[1]->setFocus();
+             QTest::keyClick(rows[1], Qt::Key_Return);
+         },
+         1002},
+    };
+    for (const auto& [name, ask, pid] : asks) {
+        m_actions.wentTo.clear();
+        ask();
+        EXPECT_EQ(m_actions.wentTo, std::vector<qint64>{pid}) << name;
+    }
+    EXPECT_FALSE(rows[0]->goToButton()->isVisible()) << "on a row not in use";
+
+    using enum GoResult::Outcome;
+    const std::tuple<const char*, GoResult, NamedColor> results[] = {
+        {"failed: the reason in red",
+         {failed, u"Cannot go to the session: it has ended"_s},
+         NamedColor::red},
+        {"only its pane selected: where it is",
+         {selected, u"In xterm, tmux work:2.1: its pane is selected; the window was not raised"_s},
+         NamedColor::secondary},
+        {"went: nothing to say", {went, {}}, NamedColor::secondary},
+    };
+    ElidingLabel* line = m_panel.goResultLine();
+    rows[1]->setFocus();
+    for (const auto& [name, result, color] : results) {
+        m_panel.showGoResult(result);
+        settle();
+        EXPECT_TRUE(rows[1]->hasFocus()) << name << ": the selected row keeps the focus";
+        EXPECT_EQ(line->isVisible(), !result.text.isEmpty()) << name;
+        EXPECT_EQ(line->fullText(), result.text) << name;
+        if (line->isVisible()) {
+            EXPECT_EQ(line->color(), color) << name;
+            EXPECT_GT(line->mapTo(&m_panel, QPoint()).y(),
+                      m_panel.processList()->mapTo(&m_panel, QPoint()).y())
+                << name << ": under the list";
+        }
     }
 }
 

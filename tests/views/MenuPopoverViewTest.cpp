@@ -11,7 +11,7 @@ namespace {
 using namespace Qt::StringLiterals;
 using namespace brenvik::test;
 
-TEST(MenuPopoverView, HeaderFollowsTheMonitorAndTheButtonOpensThePanel) {
+TEST(MenuPopoverView, HeaderFollowsTheMonitorTheWaitingLineGoesThereAndTheButtonOpensThePanel) {
     ScriptedMonitor scripted;
     RecordingActions actions;
     MenuPopoverView popover(scripted.monitor, actions);
@@ -41,6 +41,10 @@ TEST(MenuPopoverView, HeaderFollowsTheMonitorAndTheButtonOpensThePanel) {
         EXPECT_EQ(popover.header()->badgeText(), badge) << name;
         EXPECT_EQ(popover.header()->summaryText(), scripted.monitor.summary()) << name;
         EXPECT_EQ(popover.header()->waitingText(), waiting) << name;
+        if (!waiting.isEmpty()) {
+            QTest::mouseClick(popover.header()->waitingLine(), Qt::LeftButton);
+            EXPECT_EQ(actions.wentTo, std::vector<qint64>{8}) << name << ": goes to the session";
+        }
     }
     QTest::mouseClick(popover.openControlPanelButton(), Qt::LeftButton);
     EXPECT_EQ(actions.openControlPanelCalls, 1);

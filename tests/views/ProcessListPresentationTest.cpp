@@ -74,5 +74,20 @@ TEST(ProcessListPresentation, RowShowsTheDirectoryTheStatusSinceWhenAndThePIDInI
     }
 }
 
+TEST(ProcessListPresentation, RowPlaceNamesThePaneThenTheTerminal) {
+    const TmuxPane pane{
+        u"/tmp/tmux-1000/default"_s, u"work"_s, u"$1"_s, 2, u"@4"_s, u"vim"_s, 1, u"%7"_s};
+    const std::tuple<const char*, SessionPlace, QString> cases[] = {
+        {"tmux in a terminal",
+         {u"xterm"_s, 0x1200007, pane, false},
+         u"tmux work:2.1 \u00B7 xterm"_s},
+        {"tmux that no terminal shows", {QString(), std::nullopt, pane, false}, u"tmux work:2.1"_s},
+        {"an editor", {u"Zed"_s, 0x1600003, std::nullopt, true}, u"Zed"_s},
+        {"unknown", {}, QString()},
+    };
+    for (const auto& [name, place, expected] : cases)
+        EXPECT_EQ(processRowPlace(place), expected) << name;
+}
+
 } // namespace
 } // namespace brenvik

@@ -30,5 +30,39 @@ TEST(StatusPresentation, ColourBadgeAndWaitingLineFollowTheRunState) {
     }
 }
 
+TEST(StatusPresentation, MenuOffersWaitingThenRunningSessionsAndTheWaitingLineTheFirst) {
+    using enum ProcessActivityStatus;
+    const auto session = [](qint64 pid, ProcessActivityStatus status, QString cwd) {
+        ProcessMatch match;
+        match.pid = pid;
+        match.status = status;
+        match.cwd = std::move(cwd);
+        return match;
+    };
+    const QString home = u"/home/ada"_s;
+    const struct {
+        const char* name;
+        QList<ProcessMatch> matches;
+        QList<SessionMenuItem> items;
+        std::optional<qint64> waiting;
+    } cases[] = {
+        {"none", {}, {}, std::nullopt},
+        {"idle ones are not offered", {session(1, idle, home + u"/a"_s)}, {}, std::nullopt},
+        {"waiting first, then running, each in list order",
+         {session(1, running, home + u"/api"_s), session(2, idle, home + u"/docs"_s),
+          session(3, waiting, home + u"/website"_s), session(4, running, QString()),
+          session(5, waiting, home)},
+         {{3, u"website \u00B7 Waiting for you"_s},
+          {5, u"~ \u00B7 Waiting for you"_s},
+          {1, u"api \u00B7 Running"_s},
+          {4, u"PID 4 \u00B7 Running"_s}},
+         3},
+    };
+    for (const auto& c : cases) {
+        EXPECT_EQ(sessionMenuItems(c.matches, home), c.items) << c.name;
+        EXPECT_EQ(firstWaitingSession(c.matches), c.waiting) << c.name;
+    }
+}
+
 } // namespace
 } // namespace brenvik

@@ -11,6 +11,7 @@
 #include <QCoreApplication>
 #include <QFile>
 #include <QTemporaryDir>
+#include <vector>
 
 namespace brenvik::test {
 
@@ -19,8 +20,10 @@ struct RecordingActions : ViewActions {
     void openControlPanel() override { ++openControlPanelCalls; }
     void refreshNow() override { ++refreshNowCalls; }
     void quit() override { ++quitCalls; }
+    void goToSession(qint64 pid) override { wentTo.push_back(pid); }
 
     int openControlPanelCalls = 0;
+    std::vector<qint64> wentTo; // not QList: Qt 6.4 compares an emptied one with memcmp
     int refreshNowCalls = 0;
     int quitCalls = 0;
 };

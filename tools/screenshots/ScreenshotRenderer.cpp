@@ -4,9 +4,13 @@
 //   brenvik_screenshots <output folder>
 
 #include "app/TrayIconPainter.h"
+#include "places/SessionPlaceTracker.h"
 #include "preferences/NotificationsController.h"
 #include "views/ControlPanelView.h"
 #include "views/MenuPopoverView.h"
+#include "views/ProcessListSectionView.h"
+#include "views/ProcessRowView.h"
+#include "views/ProcessRowsView.h"
 
 #include <QApplication>
 #include <QDir>
@@ -17,6 +21,7 @@
 #include <QSignalSpy>
 #include <QStyleFactory>
 #include <QTemporaryDir>
+#include <QTest>
 #include <cstdio>
 #include <variant>
 
@@ -84,7 +89,41 @@ public:
     void openControlPanel() override {}
     void refreshNow() override {}
     void quit() override {}
+    void goToSession(qint64) override {}
 };
+
+// Where the pictured sessions run, by PID: two tmux panes in xterms, an
+// editor's session in Zed.
+PlaceLookup placeOf(const SessionQuery& query) {
+    const auto pane = [](QString session, int window, int pane) {
+        return TmuxPane{QStringLiteral("/tmp/tmux-1000/default"),
+                        std::move(session),
+                        {},
+                        window,
+                        {},
+                        {},
+                        pane,
+                        {}};
+    };
+    SessionPlace place;
+    switch (query.pid) {
+    case 4242:
+        place = {QStringLiteral("xterm"), 0x1200007, pane(QStringLiteral("work"), 1, 0), false};
+        break;
+    case 51873:
+        place = {QStringLiteral("xterm"), 0x1400007, pane(QStringLiteral("work"), 2, 1), false};
+        break;
+    case 8810:
+        place = {QStringLiteral("Zed"), 0x1600003, std::nullopt, false};
+        break;
+    case 1207:
+        place = {QStringLiteral("Konsole"), 0x1800005, pane(QStringLiteral("parser"), 0, 0), false};
+        break;
+    default:
+        return {std::nullopt, QStringLiteral("not in a terminal")};
+    }
+    return {place, {}};
+}
 
 // A desktop that refuses the Dock switch, so the refusal shows.
 class RefusingPolicy : public ActivationPolicy {
@@ -125,6 +164,8 @@ struct Scene {
     void (*preferences)(Preferences&) = nullptr;
     Logs logs = {};    // one per session; the rest are judged by CPU
     int pointSize = 0; // else the application font's
+    // The panel's second row selected, and what going to it said.
+    std::optional<GoResult> went = std::nullopt;
 };
 
 bool render(const Scene& scene, const QDir& out, const QString& suffix) {
@@ -137,11 +178,20 @@ bool render(const Scene& scene, const QDir& out, const QString& suffix) {
             return std::get<QList<DetectedProcessSample>>(outcome);
         },
         [] { return kNow; }, nullptr, [logs](const QList<DetectedProcessSample>&) { return logs; });
+    SessionPlaceTracker places(monitor, placeOf, [](const SessionQuery&, const auto&) {
+        return GoResult{GoResult::Outcome::went, {}};
+    });
     if (!std::holds_alternative<std::monostate>(outcome)) {
         QSignalSpy ended(&monitor, &CodexProcessMonitor::lastUpdatedChanged);
         monitor.refresh();
         if (ended.isEmpty() && !ended.wait(20'000)) {
             std::fprintf(stderr, "%s: the refresh did not end\n", scene.name);
+            return false;
+        }
+        // Looked up after the monitor published its matches.
+        QCoreApplication::processEvents();
+        if (!QTest::qWaitFor([&] { return places.isIdle(); }, 20'000)) {
+            std::fprintf(stderr, "%s: the places were not looked up\n", scene.name);
             return false;
         }
     }
@@ -160,11 +210,17 @@ bool render(const Scene& scene, const QDir& out, const QString& suffix) {
     if (scene.panel)
         view = std::make_unique<ControlPanelView>(monitor, preferences.launchAtLogin,
                                                   preferences.appVisibility, actions, nullptr,
-                                                  &preferences.notifications);
+                                                  &preferences.notifications, &places);
     else
         view = std::make_unique<MenuPopoverView>(monitor, actions);
     view->show();
     QCoreApplication::processEvents();
+    if (auto* panel = dynamic_cast<ControlPanelView*>(view.get()); panel && scene.went) {
+        panel->activateWindow();
+        (void)QTest::qWaitForWindowActive(panel); // drawn as it is either way
+        panel->processList()->rowsView()->rows().value(1)->setFocus();
+        panel->showGoResult(*scene.went);
+    }
     QCoreApplication::processEvents();
     const QString file =
         out.filePath(QString::fromUtf8(scene.name) + suffix + QStringLiteral(".png"));
@@ -325,6 +381,11 @@ int main(int argc, char** argv) {
         {"control-panel-preference-failures", true, three, bothFail},
         {"control-panel-three-states", true, threeStates, loginOn, threeStateLogs},
         {"control-panel-16pt", true, threeStates, dockRefused, threeStateLogs, 16},
+        {"control-panel-go-to", true, threeStates, loginOn, threeStateLogs, 0,
+         GoResult{GoResult::Outcome::selected,
+                  QStringLiteral("In xterm, tmux work:2.1: its pane is selected; the window was "
+                                 "not raised: a Wayland desktop lets no program raise another's "
+                                 "window")}},
         {"popover-checking", false, checking},
         {"popover-nothing-found", false, noMatch},
         {"popover-idle", false, idle},
