@@ -4,6 +4,7 @@
 #include <QEvent>
 #include <QPainter>
 #include <QScrollBar>
+#include <cmath>
 
 namespace brenvik {
 
@@ -173,8 +174,11 @@ QSize ElidingLabel::minimumSizeHint() const {
 }
 
 QSize ElidingLabel::sizeHint() const {
-    const QFontMetrics metrics(font());
-    return {metrics.horizontalAdvance(m_fullText), metrics.height()};
+    // Rounded up: elidedText() measures in fractions and cuts a text given
+    // its advance rounded down.
+    const QFontMetricsF metrics(font());
+    return {int(std::ceil(metrics.horizontalAdvance(m_fullText))),
+            int(std::ceil(metrics.height()))};
 }
 
 void ElidingLabel::resizeEvent(QResizeEvent* event) {
