@@ -129,8 +129,7 @@ void ControlPanelController::fitWindow() {
     // A scroll area scrolls once its content wants more than it has, so the
     // window gives it that (no less than the natural size) while the screen
     // has room.
-    const int width = std::max(m_naturalSize.width(), m_view->minimumWidth());
-    const QSize wanted(width, std::max(m_naturalSize.height(), m_view->heightForWidth(width)));
+    const QSize wanted = m_view->wantedSize(m_naturalSize);
     if (wanted == m_window->size())
         return;
     const QMargins frame = controlPanelFrameEstimate;

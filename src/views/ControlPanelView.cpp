@@ -113,6 +113,11 @@ ControlPanelView::ControlPanelView(CodexProcessMonitor& monitor,
     resize(naturalSize());
 }
 
+QSize ControlPanelView::wantedSize(const QSize& natural) const {
+    const int width = std::max(natural.width(), minimumWidth());
+    return {width, std::max(natural.height(), heightForWidth(width))};
+}
+
 QSize ControlPanelView::naturalSize() const {
     // The list at its full three rows, everything else as it wants to be at
     // this width (a larger font wraps the preferences' texts).

@@ -35,6 +35,9 @@ public:
     // more preferences need it: the list at its full three rows, and room
     // for the line that names waiting sessions.
     [[nodiscard]] QSize naturalSize() const;
+    // What shows everything the panel holds now without scrolling: at least
+    // `natural`, as wide as its widest line, as tall as its content at that width.
+    [[nodiscard]] QSize wantedSize(const QSize& natural) const;
 
     [[nodiscard]] ElidingLabel* errorLine() const noexcept { return m_errorLine; }
     // Shown while `text` is not empty: no tray shows the icon. Widens the

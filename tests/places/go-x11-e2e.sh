@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Going to a session on X11, end to end: Xvfb with openbox and two desktops,
 # two xterms each showing a tmux session of a private server, a stand-in
-# Codex session in a pane of each; one xterm on the other desktop, the other
+# Codex session in three of their panes; one xterm on the other desktop, the other
 # minimised. --go PID switches to the window's desktop, restores it, makes it
 # the active window and selects the session's pane; the JSON names each pane
 # and terminal. Then one session waits for an approval: --go waiting goes
@@ -54,11 +54,12 @@ wait_until 20 sh -c 'xprop -root _NET_SUPPORTING_WM_CHECK | grep -q "window id"'
     fail "openbox did not start"
 xdotool set_num_desktops 2
 
-# one: window 0 a shell, window 1 a shell and the session (pane 1.1).
-# two: window 0 a shell and the session (pane 0.1), window 1 a shell, shown.
+# one: window 0 a shell and the session docs (pane 0.1), window 1 a shell and
+# the session website (pane 1.1), shown.
+# two: window 0 a shell and the session infra (pane 0.1), window 1 a shell, shown.
 printf '#!/bin/sh\nsleep 600\n' >"$dir/codex"
 chmod +x "$dir/codex"
-mkdir "$dir/website" "$dir/infra"
+mkdir "$dir/website" "$dir/infra" "$dir/docs"
 # website: `codex exec` in a turn, holding its session log open as Codex does
 # (bash under Codex's name: its -c takes a value as Codex's does).
 mkdir -p "$dir/bin" "$dir/home/.codex/sessions/2026/11/24"
@@ -71,6 +72,7 @@ log_line '"type":"event_msg","payload":{"type":"task_started","turn_id":"1"}'
 "${tmux[@]}" new-window -d -t one:1
 "${tmux[@]}" split-window -d -t one:1 -c "$dir/website" \
     "exec 3<'$session_log' '$dir/bin/codex' -c 'read -r _; :' exec"
+"${tmux[@]}" split-window -d -t one:0 -c "$dir/docs" "$dir/codex"
 "${tmux[@]}" new-session -d -s two -x 80 -y 24
 "${tmux[@]}" split-window -d -t two:0 -c "$dir/infra" "$dir/codex"
 "${tmux[@]}" new-window -t two:1
@@ -103,13 +105,14 @@ places() {
     [[ $(cat "$dir/actual") == "$expected" ]]
 }
 # Until the xterms' tmux clients have attached.
-expected="infra PID xterm $((xt2)) two 0.1 $dir/sock false
+expected="docs PID xterm $((xt1)) one 0.1 $dir/sock false
+infra PID xterm $((xt2)) two 0.1 $dir/sock false
 website PID xterm $((xt1)) one 1.1 $dir/sock false"
 wait_until 60 places || fail "places: expected
 $expected
 got
 $(cat "$dir/actual")"
-log "the JSON names both panes and xterms"
+log "the JSON names each pane and xterm"
 
 go_to() { # go_to PROJECT XTERM DESKTOP SESSION PANE
     local pid
@@ -127,6 +130,7 @@ go_to() { # go_to PROJECT XTERM DESKTOP SESSION PANE
 }
 go_to website "$xt1" 1 one 1.1
 go_to infra "$xt2" 0 two 0.1
+go_to docs "$xt1" 1 one 0.1
 
 out=$("$status_command" --go 1 2>&1) && fail "--go 1 succeeded: $out"
 [[ $out == "brenvik-status: no Codex session has PID 1" ]] || fail "--go 1 said: $out"

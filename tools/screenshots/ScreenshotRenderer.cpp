@@ -222,6 +222,11 @@ bool render(const Scene& scene, const QDir& out, const QString& suffix) {
         panel->showGoResult(*scene.went);
     }
     QCoreApplication::processEvents();
+    // As the app's window does: it grows with what the panel shows.
+    if (auto* panel = dynamic_cast<ControlPanelView*>(view.get())) {
+        panel->resize(panel->wantedSize(panel->naturalSize()));
+        QCoreApplication::processEvents();
+    }
     const QString file =
         out.filePath(QString::fromUtf8(scene.name) + suffix + QStringLiteral(".png"));
     if (!view->grab().save(file)) {
