@@ -269,8 +269,7 @@ std::optional<ProcessActivityStatus> statusFromLog(const CodexProcessMonitor::Lo
         // the call is running until Codex writes its output.
         const bool starting =
             log->phaseSince &&
-            log->phaseSince->msecsTo(now) <
-                std::chrono::milliseconds(CodexProcessMonitor::commandStartAllowance).count();
+            log->phaseSince->msecsTo(now) < CodexProcessMonitor::commandStartAllowance.count();
         return sample.runningCommands > 0 || starting || commandRan
                    ? ProcessActivityStatus::running
                    : ProcessActivityStatus::waiting;
