@@ -8,6 +8,8 @@ packages=(
   g++ make cmake ninja-build pkg-config
   # Qt 6 and the platform plugins (xcb for desktops, offscreen for headless tests)
   qt6-base-dev qt6-base-dev-tools qt6-qpa-plugins libgl-dev libxcb1-dev
+  # translations: lupdate/lrelease, their CMake functions, and Qt's own texts
+  qt6-l10n-tools qt6-tools-dev qt6-translations-l10n
   # going to a session's window: EWMH requests on X11
   libxcb-ewmh-dev
   # tests and benchmarks

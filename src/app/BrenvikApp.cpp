@@ -4,6 +4,7 @@
 #include "app/ControlPanelController.h"
 #include "app/SingleInstance.h"
 #include "app/TrayIconPainter.h"
+#include "monitor/Translations.h"
 #include "preferences/AutostartEntry.h"
 
 #include <QApplication>
@@ -18,7 +19,7 @@ namespace {
 constexpr int kExitNoDisplay = 1;
 constexpr int kExitUsage = 2;
 
-const char kUsage[] = R"(Usage: brenvik [--autostart]
+const char kUsage[] = QT_TRANSLATE_NOOP("BrenvikApp", R"(Usage: brenvik [--autostart]
 
 Shows in the tray whether your Codex CLI sessions are running, waiting for
 you, or idle, and opens its control panel. Started again while it runs, it
@@ -31,11 +32,26 @@ Options:
   --version    show the version and exit
 
 For terminals and status bars: brenvik-status.
-)";
+)");
 
 void print(std::FILE* stream, const char* text) {
     std::fputs(text, stream);
     std::fflush(stream);
+}
+
+// Help and errors come before the application object (Qt aborts without a
+// display to show one on): a core application of their own translates them.
+void printTranslated(std::FILE* stream, const QString& prefix, const char* source,
+                     const QString& argument = {}) {
+    int argc = 1;
+    char name[] = "brenvik";
+    char* argv[] = {name, nullptr};
+    QCoreApplication core(argc, argv);
+    brenvik::installTranslations();
+    QString text = QCoreApplication::translate("BrenvikApp", source);
+    if (!argument.isNull())
+        text = text.arg(argument);
+    print(stream, (prefix + text).toLocal8Bit().constData());
 }
 
 bool isSet(const char* variable) {
@@ -63,7 +79,7 @@ int main(int argc, char** argv) {
     for (int i = 1; i < argc; ++i) {
         const QString argument = QString::fromLocal8Bit(argv[i]);
         if (argument == u"-h" || argument == u"--help") {
-            print(stdout, kUsage);
+            printTranslated(stdout, {}, kUsage);
             return 0;
         }
         if (argument == u"--version") {
@@ -74,18 +90,25 @@ int main(int argc, char** argv) {
             autostart = true;
             continue;
         }
-        std::fprintf(stderr, "brenvik: %s '%s'\n\n",
-                     argument.startsWith(u'-') ? "unknown option" : "unexpected argument", argv[i]);
-        print(stderr, kUsage);
+        printTranslated(stderr, QStringLiteral("brenvik: "),
+                        argument.startsWith(u'-')
+                            ? QT_TRANSLATE_NOOP("BrenvikApp", "unknown option '%1'\n\n")
+                            : QT_TRANSLATE_NOOP("BrenvikApp", "unexpected argument '%1'\n\n"),
+                        argument);
+        printTranslated(stderr, {}, kUsage);
         return kExitUsage;
     }
     if (!hasGraphicalSession()) {
-        print(stderr, "brenvik: no graphical session to show a tray icon in (no reachable "
-                      "DISPLAY or WAYLAND_DISPLAY); brenvik-status --watch works in a terminal\n");
+        printTranslated(stderr, QStringLiteral("brenvik: "),
+                        QT_TRANSLATE_NOOP("BrenvikApp",
+                                          "no graphical session to show a tray icon in (no "
+                                          "reachable DISPLAY or WAYLAND_DISPLAY); brenvik-status "
+                                          "--watch works in a terminal\n"));
         return kExitNoDisplay;
     }
 
     QApplication app(argc, argv);
+    brenvik::installTranslations();
     QApplication::setOrganizationName(QStringLiteral("Brenvik"));
     QApplication::setApplicationName(QStringLiteral("Brenvik"));
     QApplication::setApplicationVersion(QStringLiteral(BRENVIK_VERSION));

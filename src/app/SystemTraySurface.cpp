@@ -8,11 +8,10 @@ SystemTraySurface::SystemTraySurface(ViewActions& actions, QObject* parent)
     : TraySurface(parent)
     , m_actions(actions) {
     m_menu.setWindowTitle(QStringLiteral("Brenvik Menu"));
-    m_menu.addAction(QStringLiteral("Open Control Panel"), this,
-                     [&actions] { actions.openControlPanel(); });
-    m_menu.addAction(QStringLiteral("Refresh Now"), this, [&actions] { actions.refreshNow(); });
+    m_menu.addAction(tr("Open Control Panel"), this, [&actions] { actions.openControlPanel(); });
+    m_menu.addAction(tr("Refresh Now"), this, [&actions] { actions.refreshNow(); });
     m_menu.addSeparator();
-    m_menu.addAction(QStringLiteral("Quit"), this, [&actions] { actions.quit(); });
+    m_menu.addAction(tr("Quit"), this, [&actions] { actions.quit(); });
 
     connect(&m_hostWatcher, &TrayHostWatcher::hostAvailableChanged, this, [this] {
         setHostAvailable(true);

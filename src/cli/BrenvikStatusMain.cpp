@@ -2,6 +2,7 @@
 
 #include "cli/StatusReport.h"
 #include "monitor/ProcessMonitoring.h"
+#include "monitor/Translations.h"
 #include "places/GoToSession.h"
 #include "places/SessionPlaces.h"
 
@@ -24,7 +25,11 @@ using namespace brenvik;
 constexpr int kExitDetectionFailed = 1;
 constexpr int kExitUsage = 2;
 
-const char kUsage[] = R"(Usage: brenvik-status [--json] [--watch]
+struct StatusCommand {
+    Q_DECLARE_TR_FUNCTIONS(StatusCommand)
+};
+
+const char kUsage[] = QT_TRANSLATE_NOOP("StatusCommand", R"(Usage: brenvik-status [--json] [--watch]
        brenvik-status --go PID|waiting|running
 
 Shows the Codex CLI processes on this machine and whether each is running
@@ -43,7 +48,7 @@ Options:
 
 Exit status: 0 on success, 1 if the process table could not be read or
 --go could not go there, 2 on a usage error.
-)";
+)");
 
 struct Options {
     bool json = false;
@@ -74,21 +79,23 @@ ParsedArguments parseArguments(int argc, char** argv) {
             QString target = argument.mid(5);
             if (argument == u"--go") {
                 if (++i >= argc)
-                    return {{}, QStringLiteral("--go needs a PID, 'waiting' or 'running'")};
+                    return {{}, StatusCommand::tr("--go needs a PID, 'waiting' or 'running'")};
                 target = QString::fromLocal8Bit(argv[i]);
             }
             bool isPID = false;
             const qint64 pid = target.toLongLong(&isPID);
             if (!(isPID && pid > 0) && target != u"waiting" && target != u"running")
-                return {{}, u"--go takes a PID, 'waiting' or 'running', not '" + target + u'\''};
+                return {{},
+                        StatusCommand::tr("--go takes a PID, 'waiting' or 'running', not '%1'")
+                            .arg(target)};
             parsed.options.go = target;
         } else if (argument.startsWith(u'-'))
-            return {{}, u"unknown option '" + argument + u'\''};
+            return {{}, StatusCommand::tr("unknown option '%1'").arg(argument)};
         else
-            return {{}, u"unexpected argument '" + argument + u'\''};
+            return {{}, StatusCommand::tr("unexpected argument '%1'").arg(argument)};
     }
     if (parsed.options.go && (parsed.options.json || parsed.options.watch))
-        return {{}, QStringLiteral("--go takes neither --json nor --watch")};
+        return {{}, StatusCommand::tr("--go takes neither --json nor --watch")};
     return parsed;
 }
 
@@ -124,9 +131,10 @@ std::optional<ProcessMatch> targetOf(const QList<ProcessMatch>& matches, const Q
 int goTo(const QList<ProcessMatch>& matches, const QString& target) {
     const std::optional<ProcessMatch> match = targetOf(matches, target);
     if (!match) {
-        const QString none = target == u"waiting"   ? QStringLiteral("no Codex session waits")
-                             : target == u"running" ? QStringLiteral("no Codex session runs")
-                                                    : u"no Codex session has PID " + target;
+        const QString none = target == u"waiting" ? StatusCommand::tr("no Codex session waits")
+                             : target == u"running"
+                                 ? StatusCommand::tr("no Codex session runs")
+                                 : StatusCommand::tr("no Codex session has PID %1").arg(target);
         write(stderr, u"brenvik-status: " + none + u'\n');
         return kExitDetectionFailed;
     }
@@ -151,8 +159,10 @@ bool report(const QString& text) {
         return true;
     const int error = errno;
     if (error != EPIPE) {
-        write(stderr, u"brenvik-status: cannot write the report: " +
-                          QString::fromLocal8Bit(std::strerror(error)) + u'\n');
+        write(stderr, u"brenvik-status: " +
+                          StatusCommand::tr("cannot write the report: %1")
+                              .arg(QString::fromLocal8Bit(std::strerror(error))) +
+                          u'\n');
     }
     QCoreApplication::exit(error == EPIPE ? 0 : kExitDetectionFailed);
     return false;
@@ -207,17 +217,23 @@ private:
 int main(int argc, char** argv) {
     // A closed pipe is an error to handle, not a signal to die of.
     std::signal(SIGPIPE, SIG_IGN);
-    const ParsedArguments parsed = parseArguments(argc, argv);
-    if (parsed.error) {
-        write(stderr, u"brenvik-status: " + *parsed.error + u"\n\n" + QString::fromUtf8(kUsage));
-        return kExitUsage;
-    }
-    const Options& options = parsed.options;
-    if (options.help || options.version) {
-        const QString text = options.help ? QString::fromUtf8(kUsage)
-                                          : QStringLiteral("brenvik-status " BRENVIK_VERSION "\n");
+    ParsedArguments parsed = parseArguments(argc, argv);
+    if (parsed.error || parsed.options.help || parsed.options.version) {
+        // The monitor's application object comes after the signals are
+        // blocked; one of its own translates the help and the errors.
+        QCoreApplication core(argc, argv);
+        installTranslations();
+        parsed = parseArguments(argc, argv);
+        const QString usage = StatusCommand::tr(kUsage);
+        if (parsed.error) {
+            write(stderr, u"brenvik-status: " + *parsed.error + u"\n\n" + usage);
+            return kExitUsage;
+        }
+        const QString text =
+            parsed.options.help ? usage : QStringLiteral("brenvik-status " BRENVIK_VERSION "\n");
         return write(stdout, text) || errno == EPIPE ? 0 : kExitDetectionFailed;
     }
+    const Options& options = parsed.options;
 
     std::optional<TerminationSignals> terminationSignals;
     if (options.watch)
@@ -226,6 +242,9 @@ int main(int argc, char** argv) {
     QCoreApplication app(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("brenvik-status"));
     QCoreApplication::setApplicationVersion(QStringLiteral(BRENVIK_VERSION));
+    // JSON is for programs: its texts ("summary", "detail") stay English.
+    if (!options.json)
+        installTranslations();
     std::optional<QSocketNotifier> terminationNotifier;
     if (terminationSignals && terminationSignals->fd() >= 0) {
         terminationNotifier.emplace(terminationSignals->fd(), QSocketNotifier::Read);

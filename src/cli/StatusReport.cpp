@@ -1,5 +1,6 @@
 #include "cli/StatusReport.h"
 
+#include <QCoreApplication>
 #include <cmath>
 #include <string_view>
 
@@ -7,8 +8,22 @@ namespace brenvik {
 
 namespace {
 
-// The widest status text, "running".
-constexpr qsizetype kStatusWidth = 7;
+struct StatusTable {
+    Q_DECLARE_TR_FUNCTIONS(StatusTable)
+};
+
+// A row's status; the JSON keeps the untranslated value.
+[[nodiscard]] QString statusName(ProcessActivityStatus status) {
+    switch (status) {
+    case ProcessActivityStatus::running:
+        return StatusTable::tr("running");
+    case ProcessActivityStatus::waiting:
+        return StatusTable::tr("waiting");
+    case ProcessActivityStatus::idle:
+        break;
+    }
+    return StatusTable::tr("idle");
+}
 
 [[nodiscard]] QString stateName(const CodexRunState& state) {
     if (state.asObserved())
@@ -163,15 +178,20 @@ QString statusText(const StatusReport& report, std::optional<qsizetype> width) {
     if (report.matches.isEmpty())
         return text;
 
-    const QString pidHeading = QStringLiteral("PID");
-    const QString membersHeading = QStringLiteral("MEMBERS");
-    const QString projectHeading = QStringLiteral("PROJECT");
+    const QString pidHeading = StatusTable::tr("PID");
+    const QString statusHeading = StatusTable::tr("STATUS");
+    const QString membersHeading = StatusTable::tr("MEMBERS");
+    const QString projectHeading = StatusTable::tr("PROJECT");
     const auto project = [](const ProcessMatch& match) -> QString {
         return match.cwd.isEmpty() ? QStringLiteral("-")
                                    : singleLine(abbreviatedDirectory(match.cwd));
     };
     qsizetype pidWidth = pidHeading.size();
     qsizetype projectWidth = projectHeading.size();
+    qsizetype statusWidth = statusHeading.size();
+    for (const auto status : {ProcessActivityStatus::running, ProcessActivityStatus::waiting,
+                              ProcessActivityStatus::idle})
+        statusWidth = std::max(statusWidth, statusName(status).size());
     for (const ProcessMatch& match : report.matches) {
         pidWidth = std::max(pidWidth, QString::number(match.pid).size());
         projectWidth = std::max(projectWidth, project(match).size());
@@ -180,14 +200,14 @@ QString statusText(const StatusReport& report, std::optional<qsizetype> width) {
     const auto row = [&](const QString& pid, const QString& status, const QString& members,
                          const QString& projectText, const QString& command) -> QString {
         return fitted(u"  " + pid.rightJustified(pidWidth) + u"  " +
-                      status.leftJustified(kStatusWidth) + u"  " +
+                      status.leftJustified(statusWidth) + u"  " +
                       members.rightJustified(membersHeading.size()) + u"  " +
                       projectText.leftJustified(projectWidth) + u"  " + command);
     };
-    text += row(pidHeading, QStringLiteral("STATUS"), membersHeading, projectHeading,
-                QStringLiteral("COMMAND"));
+    text +=
+        row(pidHeading, statusHeading, membersHeading, projectHeading, StatusTable::tr("COMMAND"));
     for (const ProcessMatch& match : report.matches) {
-        text += row(QString::number(match.pid), rawValue(match.status),
+        text += row(QString::number(match.pid), statusName(match.status),
                     QString::number(match.memberCount), project(match),
                     singleLine(match.command.trimmed()));
     }

@@ -1,8 +1,10 @@
 #include "monitor/AccountLimits.h"
 
 #include "monitor/ProcessMonitoring.h"
+#include "monitor/Translations.h"
 #include "sessionlog/SessionLogState.h"
 
+#include <QCoreApplication>
 #include <QLocale>
 #include <algorithm>
 #include <cmath>
@@ -11,8 +13,11 @@ namespace brenvik {
 
 namespace {
 
-constexpr qint64 kFiveHours = 5 * 60;
 constexpr qint64 kWeek = 7 * 24 * 60;
+
+struct LimitsText {
+    Q_DECLARE_TR_FUNCTIONS(LimitsText)
+};
 
 QString percentText(double percent) {
     return QString::number(std::clamp(qRound(percent), 0, 100)) + u" %";
@@ -61,41 +66,42 @@ double usedPercentNow(const RateLimitWindow& window, const QDateTime& now) {
 
 QString windowName(const std::optional<qint64>& windowMinutes) {
     if (!windowMinutes)
-        return QStringLiteral("limit");
-    if (*windowMinutes == kFiveHours)
-        return QStringLiteral("5 h");
+        return LimitsText::tr("limit");
     if (*windowMinutes == kWeek)
-        return QStringLiteral("week");
+        return LimitsText::tr("week");
     const qint64 minutes = *windowMinutes;
     if (minutes % (24 * 60) == 0)
-        return QString::number(minutes / (24 * 60)) + u" d";
+        return LimitsText::tr("%1 d", "days").arg(minutes / (24 * 60));
     if (minutes % 60 == 0)
-        return QString::number(minutes / 60) + u" h";
-    return QString::number(minutes) + u" min";
+        return LimitsText::tr("%1 h", "hours").arg(minutes / 60);
+    return LimitsText::tr("%1 min", "minutes").arg(minutes);
 }
 
 QString resetTimeText(const QDateTime& resetsAt, const QDateTime& now) {
     const QDateTime local = resetsAt.toLocalTime();
-    const QString time = QLocale::c().toString(local.time(), QStringLiteral("HH:mm"));
+    const QLocale locale = translationLocale();
+    const QString time = locale.toString(local.time(), QStringLiteral("HH:mm"));
     if (local.date() == now.toLocalTime().date())
         return time;
-    return QLocale::c().toString(local.date(), QStringLiteral("ddd")) + u' ' + time;
+    return locale.toString(local.date(), QStringLiteral("ddd")) + u' ' + time;
+}
+
+QString resetsText(const QDateTime& resetsAt, const QDateTime& now) {
+    return LimitsText::tr("resets %1", "a limit window, at a time")
+        .arg(resetTimeText(resetsAt, now));
 }
 
 QString limitsLineText(const RateLimits& limits, const QDateTime& now) {
-    QString text = QStringLiteral("Limits:");
-    bool first = true;
+    QStringList windows;
     for (const auto* window : {&limits.primary, &limits.secondary}) {
-        if (!*window)
-            continue;
-        text += first ? QStringView(u" ") : QStringView(u" \u00B7 ");
-        first = false;
-        text += windowName((*window)->windowMinutes) + u' ' +
-                (isReset(**window, now) ? QStringLiteral("reset")
-                                        : percentText((*window)->usedPercent));
+        if (*window)
+            windows.append(windowName((*window)->windowMinutes) + u' ' +
+                           (isReset(**window, now) ? LimitsText::tr("reset", "a limit window")
+                                                   : percentText((*window)->usedPercent)));
     }
+    QString text = LimitsText::tr("Limits: %1").arg(windows.join(u" \u00B7 "));
     if (const RateLimitWindow* nearer = nearerWindow(limits, now); nearer && nearer->resetsAt)
-        text += u" \u00B7 resets " + resetTimeText(*nearer->resetsAt, now);
+        text += u" \u00B7 " + resetsText(*nearer->resetsAt, now);
     return text;
 }
 

@@ -37,6 +37,8 @@ updatedAccountLimits(QList<AccountLimits> kept, const QList<std::optional<Sessio
 
 // When a window starts afresh, in local time: "19:20" today, else "Fri 08:00".
 [[nodiscard]] QString resetTimeText(const QDateTime& resetsAt, const QDateTime& now);
+// "resets 19:20".
+[[nodiscard]] QString resetsText(const QDateTime& resetsAt, const QDateTime& now);
 
 // "Limits: 5 h 42 % · week 13 % · resets 19:20": each window with the share
 // used ("reset" once its reset time passed), and the reset time of the one

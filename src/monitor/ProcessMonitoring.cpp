@@ -3,6 +3,7 @@
 #include "monitor/Published.h"
 #include "sessionlog/SessionLogLocator.h"
 
+#include <QCoreApplication>
 #include <QtConcurrentRun>
 #include <algorithm>
 #include <exception>
@@ -25,29 +26,64 @@ void lowerOwnThreadPriority() noexcept {
 #endif
 }
 
-[[nodiscard]] QString countedProcesses(qint64 count, QStringView state) {
-    return QString::number(count) + u" Codex process" +
-           (count == 1 ? QStringView() : QStringView(u"es")) + u' ' + state;
+struct RunStateText {
+    Q_DECLARE_TR_FUNCTIONS(RunStateText)
+};
+
+enum class RunPart { running, waiting, idle };
+
+// "2 running"; a number of its own per state, for languages whose words change with it.
+[[nodiscard]] QString countedPart(qint64 count, RunPart part) {
+    const int n = static_cast<int>(count);
+    switch (part) {
+    case RunPart::running:
+        return RunStateText::tr("%n running", nullptr, n);
+    case RunPart::waiting:
+        return RunStateText::tr("%n waiting", nullptr, n);
+    case RunPart::idle:
+        break;
+    }
+    return RunStateText::tr("%n idle", nullptr, n);
+}
+
+// English, the source language, loads no translation: its singular is a text
+// of its own, and the translations give every language its plural forms.
+[[nodiscard]] QString countedProcesses(qint64 count, RunPart part) {
+    const int n = static_cast<int>(count);
+    switch (part) {
+    case RunPart::running:
+        return n == 1 ? RunStateText::tr("1 Codex process running")
+                      : RunStateText::tr("%n Codex processes running", nullptr, n);
+    case RunPart::waiting:
+        return n == 1 ? RunStateText::tr("1 Codex process waiting")
+                      : RunStateText::tr("%n Codex processes waiting", nullptr, n);
+    case RunPart::idle:
+        break;
+    }
+    return n == 1 ? RunStateText::tr("1 Codex process idle")
+                  : RunStateText::tr("%n Codex processes idle", nullptr, n);
 }
 
 // "3 total · 1 running · 2 idle"; with waiting sessions, only the states
 // that hold any: "2 total · 1 running · 1 waiting".
 [[nodiscard]] QString totalRunningIdle(const CodexRunState::Observed& observed) {
-    QString text = QString::number(observed.total) + u" total";
-    const std::pair<qint64, QStringView> parts[] = {
-        {observed.running, u"running"}, {observed.waiting, u"waiting"}, {observed.idle, u"idle"}};
-    for (const auto& [count, name] : parts) {
-        if (count > 0 || (observed.waiting == 0 && name != u"waiting"))
-            text += u" \u00B7 " + QString::number(count) + u' ' + name;
+    QString text = RunStateText::tr("%n total", nullptr, static_cast<int>(observed.total));
+    const std::pair<qint64, RunPart> parts[] = {{observed.running, RunPart::running},
+                                                {observed.waiting, RunPart::waiting},
+                                                {observed.idle, RunPart::idle}};
+    for (const auto& [count, part] : parts) {
+        if (count > 0 || (observed.waiting == 0 && part != RunPart::waiting))
+            text += u" \u00B7 " + countedPart(count, part);
     }
     return text;
 }
 
 // The one state all sessions are in, if they are all in one.
-[[nodiscard]] std::optional<std::pair<qint64, QStringView>>
+[[nodiscard]] std::optional<std::pair<qint64, RunPart>>
 soleState(const CodexRunState::Observed& observed) {
-    const std::pair<qint64, QStringView> parts[] = {
-        {observed.running, u"running"}, {observed.waiting, u"waiting"}, {observed.idle, u"idle"}};
+    const std::pair<qint64, RunPart> parts[] = {{observed.running, RunPart::running},
+                                                {observed.waiting, RunPart::waiting},
+                                                {observed.idle, RunPart::idle}};
     for (const auto& part : parts) {
         if (part.first == observed.total)
             return part;
@@ -91,19 +127,21 @@ QString detailText(const CodexRunState& state) {
         [](const CodexRunState::Observed& observed) -> QString {
             const auto sole = soleState(observed);
             if (sole && !observed.waitingProjects.isEmpty())
-                return countedProcesses(sole->first, sole->second) + u" in " +
-                       observed.waitingProjects.join(u", ");
+                return RunStateText::tr("%1 in %2")
+                    .arg(countedProcesses(sole->first, sole->second),
+                         observed.waitingProjects.join(u", "));
             QString text =
                 sole ? countedProcesses(sole->first, sole->second) : totalRunningIdle(observed);
             if (!observed.waitingProjects.isEmpty())
-                text += u" \u2014 waiting in " + observed.waitingProjects.join(u", ");
+                text = RunStateText::tr("%1 \u2014 waiting in %2")
+                           .arg(text, observed.waitingProjects.join(u", "));
             return text;
         },
         [](const CodexRunState::Error& error) -> QString {
-            return QStringLiteral("Codex process detection failed: ") + error.message;
+            return RunStateText::tr("Codex process detection failed: %1").arg(error.message);
         },
         [](const CodexRunState::Idle&) -> QString {
-            return QStringLiteral("No Codex CLI process detected");
+            return RunStateText::tr("No Codex CLI process detected");
         });
 }
 
@@ -111,12 +149,12 @@ QString durationText(qint64 seconds) {
     seconds = std::max<qint64>(0, seconds);
     constexpr qint64 minute = 60, hour = 60 * minute, day = 24 * hour;
     if (seconds < minute)
-        return QString::number(seconds) + u" s";
+        return RunStateText::tr("%1 s", "seconds").arg(seconds);
     if (seconds < hour)
-        return QString::number(seconds / minute) + u" min";
+        return RunStateText::tr("%1 min", "minutes").arg(seconds / minute);
     if (seconds < day)
-        return QString::number(seconds / hour) + u" h";
-    return QString::number(seconds / day) + u" d";
+        return RunStateText::tr("%1 h", "hours").arg(seconds / hour);
+    return RunStateText::tr("%1 d", "days").arg(seconds / day);
 }
 
 QString abbreviatedDirectory(const QString& directory, const QString& home) {
@@ -210,7 +248,7 @@ CodexProcessMonitor::ScanOutcome CodexProcessMonitor::runScan(const ScanFunction
     } catch (const std::exception& error) {
         return {{}, {}, QString::fromLocal8Bit(error.what())};
     } catch (...) {
-        return {{}, {}, QStringLiteral("Unknown error while reading the process table")};
+        return {{}, {}, RunStateText::tr("Unknown error while reading the process table")};
     }
 }
 
@@ -397,18 +435,18 @@ CodexRunState CodexProcessMonitor::runState() const {
 
 QString CodexProcessMonitor::summary() const {
     if (!m_lastUpdated && !m_lastError && m_matches.isEmpty())
-        return QStringLiteral("Checking for Codex CLI processes\u2026");
+        return RunStateText::tr("Checking for Codex CLI processes\u2026");
     return runState().visit(
         [](const CodexRunState::Observed& observed) -> QString {
             if (const auto sole = soleState(observed))
-                return QString::number(sole->first) + u' ' + sole->second;
+                return countedPart(sole->first, sole->second);
             return totalRunningIdle(observed);
         },
         [](const CodexRunState::Error&) -> QString {
-            return QStringLiteral("Process detection failed");
+            return RunStateText::tr("Process detection failed");
         },
         [](const CodexRunState::Idle&) -> QString {
-            return QStringLiteral("No Codex CLI process detected");
+            return RunStateText::tr("No Codex CLI process detected");
         });
 }
 

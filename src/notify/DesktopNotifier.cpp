@@ -33,8 +33,8 @@ void DBusNotificationBus::notify(quint32 replacesId, const QString& summary, con
     const QVariantMap hints{{QStringLiteral("desktop-entry"), QStringLiteral("brenvik")},
                             {QStringLiteral("category"), QStringLiteral("im.received")}};
     call << QStringLiteral("Brenvik") << replacesId << QStringLiteral("brenvik") << summary << body
-         << QStringList{QStringLiteral("default"), QStringLiteral("Go to the session"),
-                        kOpenControlPanel, QStringLiteral("Open Control Panel")}
+         << QStringList{QStringLiteral("default"), tr("Go to the session"), kOpenControlPanel,
+                        tr("Open Control Panel")}
          << hints << qint32(-1);
     // Asynchronous: a missing server costs one failed call, nothing waits.
     auto* watcher =

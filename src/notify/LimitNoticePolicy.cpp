@@ -1,6 +1,16 @@
 #include "notify/LimitNoticePolicy.h"
 
+#include <QCoreApplication>
+
 namespace brenvik {
+
+namespace {
+
+struct LimitNoticeText {
+    Q_DECLARE_TR_FUNCTIONS(LimitNoticeText)
+};
+
+} // namespace
 
 QList<LimitNotice> LimitNoticePolicy::update(const QList<AccountLimits>& accounts, bool enabled,
                                              const QDateTime& now) {
@@ -31,11 +41,11 @@ QList<LimitNotice> LimitNoticePolicy::update(const QList<AccountLimits>& account
             if (!enabled)
                 continue;
             QString summary =
-                u"Codex " + name + u" limit " +
-                (stage == Stage::reached ? QStringLiteral("reached")
-                                         : u"at " + QString::number(qRound(used)) + u" %");
+                stage == Stage::reached
+                    ? LimitNoticeText::tr("Codex %1 limit reached").arg(name)
+                    : LimitNoticeText::tr("Codex %1 limit at %2 %").arg(name).arg(qRound(used));
             if (shown.resetsAt)
-                summary += u" \u00B7 resets " + resetTimeText(*shown.resetsAt, now);
+                summary += u" \u00B7 " + resetsText(*shown.resetsAt, now);
             notices.append({summary, limitsLineText(limits, now)});
         }
     }

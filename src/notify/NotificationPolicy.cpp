@@ -1,8 +1,14 @@
 #include "notify/NotificationPolicy.h"
 
+#include <QCoreApplication>
+
 namespace brenvik {
 
 namespace {
+
+struct NoticeText {
+    Q_DECLARE_TR_FUNCTIONS(NoticeText)
+};
 
 QString names(const QList<ProcessMatch>& sessions) {
     QStringList projects;
@@ -76,27 +82,30 @@ NotificationPolicy::Decision NotificationPolicy::update(const QList<ProcessMatch
     if (!finished.isEmpty()) {
         Announcement notice{.kind = Announcement::Kind::finished,
                             .pids = {},
-                            .summary = u"Codex finished \u00B7 " + names(finished),
+                            .summary =
+                                NoticeText::tr("Codex finished \u00B7 %1").arg(names(finished)),
                             .body = {}};
         for (const ProcessMatch& match : std::as_const(finished))
             notice.pids.append(match.pid);
         if (finished.size() == 1) {
-            notice.body = u"Worked " + durationText(workedSeconds.front());
+            notice.body = NoticeText::tr("Worked %1").arg(durationText(workedSeconds.front()));
             if (const QString message = finished.front().lastMessage.left(120); !message.isEmpty())
                 notice.body += u'\n' + message;
         } else {
-            notice.body = QString::number(finished.size()) + u" sessions are done.";
+            // Two or more: the English source has its plural only.
+            notice.body =
+                NoticeText::tr("%n sessions are done.", nullptr, static_cast<int>(finished.size()));
         }
         decision.show.append(notice);
     }
     if (!waiting.isEmpty()) {
-        Announcement notice{.kind = Announcement::Kind::waiting,
-                            .pids = {},
-                            .summary = u"Codex is waiting for you \u00B7 " + names(waiting),
-                            .body = waiting.size() == 1
-                                        ? QStringLiteral("A command needs your approval.")
-                                        : QString::number(waiting.size()) +
-                                              u" sessions need your approval."};
+        Announcement notice{
+            .kind = Announcement::Kind::waiting,
+            .pids = {},
+            .summary = NoticeText::tr("Codex is waiting for you \u00B7 %1").arg(names(waiting)),
+            .body = waiting.size() == 1 ? NoticeText::tr("A command needs your approval.")
+                                        : NoticeText::tr("%n sessions need your approval.", nullptr,
+                                                         static_cast<int>(waiting.size()))};
         for (const ProcessMatch& match : std::as_const(waiting))
             notice.pids.append(match.pid);
         decision.show.append(notice);

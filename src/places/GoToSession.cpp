@@ -1,10 +1,15 @@
 #include "places/GoToSession.h"
 
+#include <QCoreApplication>
 #include <algorithm>
 
 namespace brenvik {
 
 namespace {
+
+struct PlaceText {
+    Q_DECLARE_TR_FUNCTIONS(PlaceText)
+};
 
 // The client that runs in the terminal whose window is `window`.
 std::optional<TmuxClientRow> clientInWindow(const QList<TmuxClientRow>& clients, quint32 window,
@@ -36,12 +41,13 @@ GoResult goToSession(const SessionQuery& query, const PlaceEnvironment& environm
                      const std::optional<SessionPlace>& remembered) {
     LocatedSession located = locateSession(query, environment);
     if (!located.lookup.place)
-        return failed(u"Cannot go to the session: " + located.lookup.reason);
+        return failed(PlaceText::tr("Cannot go to the session: %1").arg(located.lookup.reason));
     SessionPlace place = *located.lookup.place;
 
     if (place.tmux) {
         if (!located.server->select(*place.tmux))
-            return failed(u"tmux could not select the pane of the session in " + placeText(place));
+            return failed(PlaceText::tr("tmux could not select the pane of the session in %1")
+                              .arg(placeText(place)));
         if (!located.client) {
             // Show it where it was shown before, else in the client whose key
             // binding runs this; with neither, it waits for the next attach.
@@ -62,8 +68,9 @@ GoResult goToSession(const SessionQuery& query, const PlaceEnvironment& environm
             }
             if (!located.client && !invokedThere)
                 return {GoResult::Outcome::selected,
-                        u"In " + placeText(place) +
-                            u", which no terminal shows: its pane is selected for the next attach"};
+                        PlaceText::tr("In %1, which no terminal shows: its pane is selected for "
+                                      "the next attach")
+                            .arg(placeText(place))};
         }
     }
 
@@ -71,13 +78,13 @@ GoResult goToSession(const SessionQuery& query, const PlaceEnvironment& environm
     if (place.window && environment.activate && environment.activate(*place.window, &whyNot))
         return {GoResult::Outcome::went, {}};
     if (whyNot.isEmpty())
-        whyNot = QStringLiteral("no window of its terminal was found");
+        whyNot = PlaceText::tr("no window of its terminal was found");
     if (place.tmux)
-        return {GoResult::Outcome::selected, u"In " + placeText(place) +
-                                                 u": its pane is selected; the window was not "
-                                                 u"raised: " +
-                                                 whyNot};
-    return failed(u"In " + placeText(place) + u": the window was not raised: " + whyNot);
+        return {GoResult::Outcome::selected,
+                PlaceText::tr("In %1: its pane is selected; the window was not raised: %2")
+                    .arg(placeText(place), whyNot)};
+    return failed(
+        PlaceText::tr("In %1: the window was not raised: %2").arg(placeText(place), whyNot));
 }
 
 } // namespace brenvik

@@ -2,7 +2,17 @@
 
 #include "places/TerminalNames.h"
 
+#include <QCoreApplication>
+
 namespace brenvik {
+
+namespace {
+
+struct PlaceText {
+    Q_DECLARE_TR_FUNCTIONS(PlaceText)
+};
+
+} // namespace
 
 std::optional<OwnedWindow> windowOf(const QList<AncestorProcess>& ancestry,
                                     const QList<ClientWindow>& windows, const QStringList& hints) {
@@ -20,11 +30,11 @@ LocatedSession locateSession(const SessionQuery& query, const PlaceEnvironment& 
     LocatedSession located;
     const QList<AncestorProcess> ancestry = ancestryOf(query.pid, environment.process);
     if (ancestry.isEmpty()) {
-        located.lookup.reason = QStringLiteral("the session has ended");
+        located.lookup.reason = PlaceText::tr("the session has ended");
         return located;
     }
     if (ancestry.first().uid != environment.uid) {
-        located.lookup.reason = QStringLiteral("the session belongs to another user");
+        located.lookup.reason = PlaceText::tr("the session belongs to another user");
         return located;
     }
 
@@ -70,11 +80,12 @@ LocatedSession locateSession(const SessionQuery& query, const PlaceEnvironment& 
 
     if (place.isEmpty()) {
         located.lookup.reason =
-            located.server
-                ? u"the tmux server at " + located.server->socket() + u" names no pane of it"
-                : QStringLiteral("it runs in no tmux pane and no known terminal");
+            located.server ? PlaceText::tr("the tmux server at %1 names no pane of it")
+                                 .arg(located.server->socket())
+                           : PlaceText::tr("it runs in no tmux pane and no known terminal");
         if (!located.windowsReason.isEmpty())
-            located.lookup.reason += u"; no window was looked for: " + located.windowsReason;
+            located.lookup.reason = PlaceText::tr("%1; no window was looked for: %2")
+                                        .arg(located.lookup.reason, located.windowsReason);
         return located;
     }
     located.lookup.place = std::move(place);

@@ -1,9 +1,18 @@
 #include "places/SessionPlaceTracker.h"
 
+#include <QCoreApplication>
 #include <QtConcurrent/QtConcurrentRun>
 #include <algorithm>
 
 namespace brenvik {
+
+namespace {
+
+struct PlaceText {
+    Q_DECLARE_TR_FUNCTIONS(PlaceText)
+};
+
+} // namespace
 
 SessionPlaceTracker::SessionPlaceTracker(CodexProcessMonitor& monitor, QObject* parent)
     : SessionPlaceTracker(
@@ -85,7 +94,7 @@ GoResult SessionPlaceTracker::goTo(qint64 pid) const {
     const auto match = std::find_if(matches.cbegin(), matches.cend(),
                                     [pid](const ProcessMatch& m) { return m.pid == pid; });
     if (match == matches.cend())
-        return {GoResult::Outcome::failed, QStringLiteral("The session has ended")};
+        return {GoResult::Outcome::failed, PlaceText::tr("The session has ended")};
     return m_go({match->pid, match->cwd}, placeOf(pid));
 }
 

@@ -1,8 +1,14 @@
 #include "places/TerminalWindows.h"
 
+#include <QCoreApplication>
+
 namespace brenvik {
 
 namespace {
+
+struct PlaceText {
+    Q_DECLARE_TR_FUNCTIONS(PlaceText)
+};
 
 // "~", "/" or one letter name no project: they match almost any title.
 constexpr qsizetype kShortestHint = 2;
@@ -41,12 +47,12 @@ std::optional<WindowChoice> chooseWindow(const QList<ClientWindow>& windows, qin
 QString windowsUnavailableReason(const std::function<QString(const char*)>& variable) {
     const QString platform = variable("QT_QPA_PLATFORM");
     if (platform == u"offscreen" || platform == u"minimal")
-        return u"there is no screen (QT_QPA_PLATFORM=" + platform + u')';
+        return PlaceText::tr("there is no screen (QT_QPA_PLATFORM=%1)").arg(platform);
     if (!variable("WAYLAND_DISPLAY").isEmpty() ||
         variable("XDG_SESSION_TYPE").compare(u"wayland", Qt::CaseInsensitive) == 0)
-        return QStringLiteral("a Wayland desktop lets no program raise another's window");
+        return PlaceText::tr("a Wayland desktop lets no program raise another's window");
     if (variable("DISPLAY").isEmpty())
-        return QStringLiteral("there is no X server (DISPLAY is not set)");
+        return PlaceText::tr("there is no X server (DISPLAY is not set)");
     return {};
 }
 

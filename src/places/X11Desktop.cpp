@@ -1,5 +1,6 @@
 #include "places/X11Desktop.h"
 
+#include <QCoreApplication>
 #include <cstdlib>
 #include <xcb/xcb.h>
 #include <xcb/xcb_ewmh.h>
@@ -7,6 +8,10 @@
 namespace brenvik {
 
 namespace {
+
+struct PlaceText {
+    Q_DECLARE_TR_FUNCTIONS(PlaceText)
+};
 
 // A window on every desktop.
 constexpr uint32_t kAllDesktops = 0xFFFFFFFF;
@@ -54,7 +59,8 @@ std::unique_ptr<X11Desktop> X11Desktop::open(QString* reason) {
     auto connection = std::make_unique<Connection>();
     connection->connection = xcb_connect(nullptr, &connection->screen);
     if (xcb_connection_has_error(connection->connection)) {
-        *reason = u"cannot connect to the X server " + qEnvironmentVariable("DISPLAY");
+        *reason =
+            PlaceText::tr("cannot connect to the X server %1").arg(qEnvironmentVariable("DISPLAY"));
         return nullptr;
     }
     xcb_intern_atom_cookie_t* cookies =
@@ -62,7 +68,7 @@ std::unique_ptr<X11Desktop> X11Desktop::open(QString* reason) {
     connection->atomsReady =
         cookies && xcb_ewmh_init_atoms_replies(&connection->ewmh, cookies, nullptr);
     if (!connection->atomsReady) {
-        *reason = QStringLiteral("the X server's EWMH atoms cannot be read");
+        *reason = PlaceText::tr("the X server's EWMH atoms cannot be read");
         return nullptr;
     }
     xcb_window_t check = XCB_WINDOW_NONE;
@@ -72,7 +78,7 @@ std::unique_ptr<X11Desktop> X11Desktop::open(QString* reason) {
                                              connection->ewmh.screens[connection->screen]->root),
             &check, nullptr) ||
         check == XCB_WINDOW_NONE) {
-        *reason = QStringLiteral("no EWMH window manager runs on the X server");
+        *reason = PlaceText::tr("no EWMH window manager runs on the X server");
         return nullptr;
     }
     return std::unique_ptr<X11Desktop>(new X11Desktop(std::move(connection)));
@@ -125,7 +131,7 @@ bool X11Desktop::activate(quint32 window, QString* reason) const {
     const bool known = xcb_ewmh_get_wm_desktop_reply(ewmh, desktopCookie, &desktop, &error);
     if (error) {
         std::free(error);
-        *reason = QStringLiteral("its window is gone");
+        *reason = PlaceText::tr("its window is gone");
         return false;
     }
     const bool hasCurrent =
@@ -140,7 +146,7 @@ bool X11Desktop::activate(quint32 window, QString* reason) const {
     const ReplyPointer<xcb_get_input_focus_reply_t> sync(
         xcb_get_input_focus_reply(connection, xcb_get_input_focus(connection), nullptr));
     if (xcb_connection_has_error(connection)) {
-        *reason = QStringLiteral("the X server closed the connection");
+        *reason = PlaceText::tr("the X server closed the connection");
         return false;
     }
     return true;

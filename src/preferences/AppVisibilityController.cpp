@@ -36,8 +36,8 @@ void AppVisibilityController::setShowDockIcon(bool show) {
     // The choice still holds for this session; say that it will not survive.
     if (m_storeFailed && !m_lastError) {
         publish(this, m_lastError,
-                QStringLiteral("The preference could not be saved to %1. It applies until "
-                               "Brenvik quits.")
+                tr("The preference could not be saved to %1. It applies until "
+                   "Brenvik quits.")
                     .arg(m_settings->fileName()),
                 &AppVisibilityController::lastErrorChanged);
     }

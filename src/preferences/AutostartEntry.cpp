@@ -12,6 +12,10 @@ namespace {
 
 const QString kEntryFileName = QStringLiteral("brenvik.desktop");
 
+struct AutostartText {
+    Q_DECLARE_TR_FUNCTIONS(AutostartText)
+};
+
 bool isReservedInExec(QChar c) {
     static const QString reserved = QStringLiteral(" \t\n\"'\\><~|&;$*?#()`");
     return reserved.contains(c);
@@ -217,8 +221,9 @@ QString AutostartEntry::filePath() const {
 std::optional<QString> AutostartEntry::unstableExecutableReason() const {
     const QString& executable = m_location.executable;
     if (executable.isEmpty() || !QDir::isAbsolutePath(executable))
-        return QStringLiteral("The location of Brenvik's program file is unknown, so it cannot be "
-                              "started at login.");
+        return AutostartText::tr(
+            "The location of Brenvik's program file is unknown, so it cannot be "
+            "started at login.");
     // A running program whose file was replaced or removed reads " (deleted)".
     const QString deletedSuffix = QStringLiteral(" (deleted)");
     QString path = executable;
@@ -226,15 +231,15 @@ std::optional<QString> AutostartEntry::unstableExecutableReason() const {
     if (replaced)
         path.chop(deletedSuffix.size());
     if (replaced || !QFileInfo(executable).isFile()) {
-        return QStringLiteral("Brenvik's program file %1 was moved or removed while it runs. "
-                              "Start Brenvik again to turn on launch at login.")
+        return AutostartText::tr("Brenvik's program file %1 was moved or removed while it runs. "
+                                 "Start Brenvik again to turn on launch at login.")
             .arg(path);
     }
     const QString clean = QDir::cleanPath(executable);
     if (std::any_of(m_location.temporaryRoots.cbegin(), m_location.temporaryRoots.cend(),
                     [&](const QString& root) { return isPathInside(clean, root); }))
-        return QStringLiteral("Brenvik runs from a temporary location (%1), so it cannot be "
-                              "started at login from there.")
+        return AutostartText::tr("Brenvik runs from a temporary location (%1), so it cannot be "
+                                 "started at login from there.")
             .arg(executable);
     return std::nullopt;
 }

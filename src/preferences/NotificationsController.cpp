@@ -23,8 +23,8 @@ void NotificationsController::setEnabled(bool enabled) {
     m_settings->sync();
     std::optional<QString> error;
     if (m_settings->status() != QSettings::NoError) {
-        error = QStringLiteral("The preference could not be saved to %1. It applies until "
-                               "Brenvik quits.")
+        error = tr("The preference could not be saved to %1. It applies until "
+                   "Brenvik quits.")
                     .arg(m_settings->fileName());
     }
     publish(this, m_lastError, error, &NotificationsController::lastErrorChanged);

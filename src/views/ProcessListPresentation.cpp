@@ -1,8 +1,17 @@
 #include "views/ProcessListPresentation.h"
 
+#include <QCoreApplication>
 #include <QStringList>
 
 namespace brenvik {
+
+namespace {
+
+struct ProcessListText {
+    Q_DECLARE_TR_FUNCTIONS(ProcessListText)
+};
+
+} // namespace
 
 ProcessListForm processListForm(qsizetype matchCount) {
     if (matchCount <= 0)
@@ -15,23 +24,24 @@ ProcessListForm processListForm(qsizetype matchCount) {
 QString processListPlaceholder(const std::optional<QString>& lastError,
                                const std::optional<QDateTime>& lastUpdated) {
     if (lastError)
-        return QStringLiteral("No process list available while detection is in an error state. ") +
-               *lastError;
+        return ProcessListText::tr(
+                   "No process list available while detection is in an error state. %1")
+            .arg(*lastError);
     if (!lastUpdated)
-        return QStringLiteral("Checking the local process list\u2026");
-    return QStringLiteral("No matching Codex CLI processes found.");
+        return ProcessListText::tr("Checking the local process list\u2026");
+    return ProcessListText::tr("No matching Codex CLI processes found.");
 }
 
 QString statusLabel(ProcessActivityStatus status) {
     switch (status) {
     case ProcessActivityStatus::running:
-        return QStringLiteral("Running");
+        return ProcessListText::tr("Running");
     case ProcessActivityStatus::waiting:
-        return QStringLiteral("Waiting for you");
+        return ProcessListText::tr("Waiting for you");
     case ProcessActivityStatus::idle:
         break;
     }
-    return QStringLiteral("Idle");
+    return ProcessListText::tr("Idle");
 }
 
 QString durationText(const QDateTime& since, const QDateTime& now) {
@@ -56,7 +66,7 @@ QString processRowUsageText(const ProcessMatch& match) {
     if (!match.model.isEmpty())
         parts << match.model;
     if (match.contextLeftPercent)
-        parts << QString::number(*match.contextLeftPercent) + u" % context left";
+        parts << ProcessListText::tr("%1 % context left").arg(*match.contextLeftPercent);
     return parts.join(u" \u00B7 ");
 }
 
@@ -75,19 +85,20 @@ QString processRowToolTip(const ProcessMatch& match, const QString& home, const 
     if (!match.cwd.isEmpty())
         lines << abbreviatedDirectory(match.cwd, home);
     const qint64 processes = std::max<qint64>(1, match.processCount);
-    lines << QStringLiteral("PID %1 \u00B7 %2 %3")
-                 .arg(match.pid)
-                 .arg(processes)
-                 .arg(processes == 1 ? QStringLiteral("process") : QStringLiteral("processes"));
+    // English, the source language, loads no translation: its singular is a text of its own.
+    lines << (processes == 1 ? ProcessListText::tr("PID %1 \u00B7 1 process").arg(match.pid)
+                             : ProcessListText::tr("PID %1 \u00B7 %n processes", nullptr,
+                                                   static_cast<int>(processes))
+                                   .arg(match.pid));
     if (match.startedAt)
-        lines << QStringLiteral("Started ") +
-                     locale.toString(match.startedAt->toLocalTime(), QLocale::ShortFormat);
-    lines << (match.source == StatusSource::log ? QStringLiteral("Status from its session log")
-                                                : QStringLiteral("Status from its CPU use"));
+        lines << ProcessListText::tr("Started %1")
+                     .arg(locale.toString(match.startedAt->toLocalTime(), QLocale::ShortFormat));
+    lines << (match.source == StatusSource::log ? ProcessListText::tr("Status from its session log")
+                                                : ProcessListText::tr("Status from its CPU use"));
     if (const QString usage = processRowUsageText(match); !usage.isEmpty())
         lines << usage;
     if (match.tokens)
-        lines << locale.toString(*match.tokens) + u" tokens used";
+        lines << ProcessListText::tr("%1 tokens used").arg(locale.toString(*match.tokens));
     return lines.join(u'\n');
 }
 

@@ -1,6 +1,16 @@
 #include "views/StatusPresentation.h"
 
+#include <QCoreApplication>
+
 namespace brenvik {
+
+namespace {
+
+struct StatusText {
+    Q_DECLARE_TR_FUNCTIONS(StatusText)
+};
+
+} // namespace
 
 StateColor stateColor(const CodexRunState& state) {
     return state.visit(
@@ -26,7 +36,7 @@ QString waitingText(const CodexRunState& state) {
     const auto* observed = state.asObserved();
     if (!observed || observed->waitingProjects.isEmpty())
         return {};
-    return QStringLiteral("Waiting for you: ") + observed->waitingProjects.join(u", ");
+    return StatusText::tr("Waiting for you: %1").arg(observed->waitingProjects.join(u", "));
 }
 
 QList<SessionMenuItem> sessionMenuItems(const QList<ProcessMatch>& matches, const QString& home) {
@@ -37,8 +47,8 @@ QList<SessionMenuItem> sessionMenuItems(const QList<ProcessMatch>& matches, cons
             if (match.status == status)
                 items.append({match.pid, projectName(match, home) + u" \u00B7 " +
                                              (status == ProcessActivityStatus::waiting
-                                                  ? QStringLiteral("Waiting for you")
-                                                  : QStringLiteral("Running"))});
+                                                  ? StatusText::tr("Waiting for you")
+                                                  : StatusText::tr("Running"))});
         }
     }
     return items;
@@ -56,10 +66,10 @@ QString missingTrayText(QStringView currentDesktop) {
     // GNOME has no tray of its own; elsewhere a panel usually has one to add.
     for (const QStringView desktop : currentDesktop.split(u':')) {
         if (desktop.compare(u"GNOME", Qt::CaseInsensitive) == 0)
-            return QStringLiteral(
+            return StatusText::tr(
                 "No tray for the icon: install gnome-shell-extension-appindicator");
     }
-    return QStringLiteral("No tray for the icon: add one to your panel, or install trayer");
+    return StatusText::tr("No tray for the icon: add one to your panel, or install trayer");
 }
 
 } // namespace brenvik

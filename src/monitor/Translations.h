@@ -1,0 +1,17 @@
+#pragma once
+
+#include <QLocale>
+
+namespace brenvik {
+
+// Installs Brenvik's texts and Qt's own in the first of the user's languages
+// (LANGUAGE, then LC_ALL, LC_MESSAGES and LANG, as QLocale::system() reads
+// them) that Brenvik has a translation for. English, the source language,
+// ends the search: it needs no translation. Needs the application object.
+void installTranslations();
+
+// The locale of the installed translation, QLocale::c() without one: names
+// a text takes from a locale (a weekday) then match the text's language.
+[[nodiscard]] QLocale translationLocale();
+
+} // namespace brenvik
