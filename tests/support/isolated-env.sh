@@ -12,4 +12,6 @@ export XDG_RUNTIME_DIR="$scratch/runtime"
 export XDG_CACHE_HOME="$scratch/cache"
 export XDG_DATA_HOME="$scratch/data"
 export BRENVIK_TEST_SCRATCH="$scratch"
+# The tests read the English source texts, whatever language the developer uses.
+export LANGUAGE=en
 "$@"
