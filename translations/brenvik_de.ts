@@ -72,6 +72,17 @@ Für Terminals und Statusleisten: brenvik-status.
     </message>
 </context>
 <context>
+    <name>DetectionText</name>
+    <message>
+        <source>Cannot read %1: %2</source>
+        <translation>%1 kann nicht gelesen werden: %2</translation>
+    </message>
+    <message>
+        <source>ps failed with exit code %1</source>
+        <translation>ps ist mit dem Code %1 gescheitert</translation>
+    </message>
+</context>
+<context>
     <name>LimitNoticeText</name>
     <message>
         <source>Codex %1 limit reached</source>
@@ -601,6 +612,14 @@ konnte oder --go nicht dorthin wechseln konnte, 2 bei einem Aufruffehler.
     <message>
         <source>The preference could not be saved to %1. It applies until Brenvik quits.</source>
         <translation>Die Einstellung konnte nicht in %1 gespeichert werden. Sie gilt, bis Brenvik beendet wird.</translation>
+    </message>
+    <message>
+        <source>The desktop rejected the taskbar visibility change right now. Try toggling it again after the app is fully running.</source>
+        <translation>Der Desktop hat die Änderung der Taskleisten-Sichtbarkeit gerade abgelehnt. Schalten Sie sie erneut um, sobald die App ganz gestartet ist.</translation>
+    </message>
+    <message>
+        <source>The desktop cannot keep windows out of the taskbar, so the control panel stays in it.</source>
+        <translation>Der Desktop kann Fenster nicht aus der Taskleiste heraushalten, daher bleibt das Bedienfeld darin.</translation>
     </message>
 </context>
 <context>

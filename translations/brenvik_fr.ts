@@ -5,15 +5,15 @@
     <name>AutostartText</name>
     <message>
         <source>The location of Brenvik&apos;s program file is unknown, so it cannot be started at login.</source>
-        <translation>L&apos;emplacement du programme de Brenvik est inconnu&#xa0;: il ne peut donc pas être lancé à l&apos;ouverture de session.</translation>
+        <translation>L’emplacement du programme de Brenvik est inconnu&#xa0;: il ne peut donc pas être lancé à l’ouverture de session.</translation>
     </message>
     <message>
         <source>Brenvik&apos;s program file %1 was moved or removed while it runs. Start Brenvik again to turn on launch at login.</source>
-        <translation>Le programme de Brenvik %1 a été déplacé ou supprimé pendant qu&apos;il tourne. Relancez Brenvik pour activer le lancement à l&apos;ouverture de session.</translation>
+        <translation>Le programme de Brenvik %1 a été déplacé ou supprimé pendant qu’il tourne. Relancez Brenvik pour activer le lancement à l’ouverture de session.</translation>
     </message>
     <message>
         <source>Brenvik runs from a temporary location (%1), so it cannot be started at login from there.</source>
-        <translation>Brenvik tourne depuis un emplacement temporaire (%1)&#xa0;: il ne peut pas être lancé de là à l&apos;ouverture de session.</translation>
+        <translation>Brenvik tourne depuis un emplacement temporaire (%1)&#xa0;: il ne peut pas être lancé de là à l’ouverture de session.</translation>
     </message>
 </context>
 <context>
@@ -37,16 +37,16 @@ For terminals and status bars: brenvik-status.
 
 Montre dans la zone de notification si vos sessions Codex CLI tournent,
 vous attendent ou sont inactives, et ouvre son panneau de contrôle. Lancé
-de nouveau pendant qu&apos;il tourne, il affiche le panneau de celui qui tourne.
+de nouveau pendant qu’il tourne, il affiche le panneau de celui qui tourne.
 
 Options&#xa0;:
   --autostart  démarrer dans la zone de notification sans ouvrir le panneau
-               (l&apos;entrée de connexion qu&apos;écrit «&#xa0;Lancer à l&apos;ouverture de
-               session&#xa0;» l&apos;utilise)
+               (l’entrée de connexion qu’écrit «&#xa0;Lancer à l’ouverture de
+               session&#xa0;» l’utilise)
   -h, --help   afficher cette aide et quitter
   --version    afficher la version et quitter
 
-Pour les terminaux et les barres d&apos;état&#xa0;: brenvik-status.
+Pour les terminaux et les barres d’état&#xa0;: brenvik-status.
 </translation>
     </message>
     <message>
@@ -70,6 +70,17 @@ Pour les terminaux et les barres d&apos;état&#xa0;: brenvik-status.
 </source>
         <translation>aucune session graphique où afficher une icône dans la zone de notification (aucun DISPLAY ni WAYLAND_DISPLAY joignable)&#xa0;; brenvik-status --watch fonctionne dans un terminal
 </translation>
+    </message>
+</context>
+<context>
+    <name>DetectionText</name>
+    <message>
+        <source>Cannot read %1: %2</source>
+        <translation>Impossible de lire %1&#xa0;: %2</translation>
+    </message>
+    <message>
+        <source>ps failed with exit code %1</source>
+        <translation>ps a échoué avec le code de sortie %1</translation>
     </message>
 </context>
 <context>
@@ -160,27 +171,27 @@ Pour les terminaux et les barres d&apos;état&#xa0;: brenvik-status.
     <name>PlaceText</name>
     <message>
         <source>Cannot go to the session: %1</source>
-        <translation>Impossible d&apos;aller à la session&#xa0;: %1</translation>
+        <translation>Impossible d’aller à la session&#xa0;: %1</translation>
     </message>
     <message>
         <source>tmux could not select the pane of the session in %1</source>
-        <translation>tmux n&apos;a pas pu sélectionner le volet de la session dans %1</translation>
+        <translation>tmux n’a pas pu sélectionner le volet de la session dans %1</translation>
     </message>
     <message>
         <source>In %1, which no terminal shows: its pane is selected for the next attach</source>
-        <translation>Dans %1, qu&apos;aucun terminal n&apos;affiche&#xa0;: son volet est sélectionné pour le prochain attachement</translation>
+        <translation>Dans %1, qu’aucun terminal n’affiche&#xa0;: son volet est sélectionné pour le prochain attachement</translation>
     </message>
     <message>
         <source>no window of its terminal was found</source>
-        <translation>aucune fenêtre de son terminal n&apos;a été trouvée</translation>
+        <translation>aucune fenêtre de son terminal n’a été trouvée</translation>
     </message>
     <message>
         <source>In %1: its pane is selected; the window was not raised: %2</source>
-        <translation>Dans %1&#xa0;: son volet est sélectionné&#xa0;; la fenêtre n&apos;a pas été mise au premier plan&#xa0;: %2</translation>
+        <translation>Dans %1&#xa0;: son volet est sélectionné&#xa0;; la fenêtre n’a pas été mise au premier plan&#xa0;: %2</translation>
     </message>
     <message>
         <source>In %1: the window was not raised: %2</source>
-        <translation>Dans %1&#xa0;: la fenêtre n&apos;a pas été mise au premier plan&#xa0;: %2</translation>
+        <translation>Dans %1&#xa0;: la fenêtre n’a pas été mise au premier plan&#xa0;: %2</translation>
     </message>
     <message>
         <source>the session has ended</source>
@@ -200,7 +211,7 @@ Pour les terminaux et les barres d&apos;état&#xa0;: brenvik-status.
     </message>
     <message>
         <source>%1; no window was looked for: %2</source>
-        <translation>%1&#xa0;; aucune fenêtre n&apos;a été cherchée&#xa0;: %2</translation>
+        <translation>%1&#xa0;; aucune fenêtre n’a été cherchée&#xa0;: %2</translation>
     </message>
     <message>
         <source>The session has ended</source>
@@ -208,15 +219,15 @@ Pour les terminaux et les barres d&apos;état&#xa0;: brenvik-status.
     </message>
     <message>
         <source>there is no screen (QT_QPA_PLATFORM=%1)</source>
-        <translation>il n&apos;y a pas d&apos;écran (QT_QPA_PLATFORM=%1)</translation>
+        <translation>il n’y a pas d’écran (QT_QPA_PLATFORM=%1)</translation>
     </message>
     <message>
         <source>a Wayland desktop lets no program raise another&apos;s window</source>
-        <translation>un bureau Wayland ne laisse aucun programme mettre au premier plan la fenêtre d&apos;un autre</translation>
+        <translation>un bureau Wayland ne laisse aucun programme mettre au premier plan la fenêtre d’un autre</translation>
     </message>
     <message>
         <source>there is no X server (DISPLAY is not set)</source>
-        <translation>il n&apos;y a pas de serveur X (DISPLAY n&apos;est pas défini)</translation>
+        <translation>il n’y a pas de serveur X (DISPLAY n’est pas défini)</translation>
     </message>
     <message>
         <source>cannot connect to the X server %1</source>
@@ -243,35 +254,35 @@ Pour les terminaux et les barres d&apos;état&#xa0;: brenvik-status.
     <name>PreferencesText</name>
     <message>
         <source>Launch at login is off</source>
-        <translation>Le lancement à l&apos;ouverture de session est désactivé</translation>
+        <translation>Le lancement à l’ouverture de session est désactivé</translation>
     </message>
     <message>
         <source>Launch at login is enabled</source>
-        <translation>Le lancement à l&apos;ouverture de session est activé</translation>
+        <translation>Le lancement à l’ouverture de session est activé</translation>
     </message>
     <message>
         <source>Launch at login is waiting for approval by the desktop</source>
-        <translation>Le lancement à l&apos;ouverture de session attend l&apos;approbation du bureau</translation>
+        <translation>Le lancement à l’ouverture de session attend l’approbation du bureau</translation>
     </message>
     <message>
         <source>Launch at login is not available: %1</source>
-        <translation>Le lancement à l&apos;ouverture de session n&apos;est pas disponible&#xa0;: %1</translation>
+        <translation>Le lancement à l’ouverture de session n’est pas disponible&#xa0;: %1</translation>
     </message>
     <message>
         <source>Launch at login is not available</source>
-        <translation>Le lancement à l&apos;ouverture de session n&apos;est pas disponible</translation>
+        <translation>Le lancement à l’ouverture de session n’est pas disponible</translation>
     </message>
     <message>
         <source>Launch-at-login status is unavailable</source>
-        <translation>L&apos;état du lancement à l&apos;ouverture de session est inconnu</translation>
+        <translation>L’état du lancement à l’ouverture de session est inconnu</translation>
     </message>
     <message>
         <source>The app appears in the taskbar while running</source>
-        <translation>L&apos;application apparaît dans la barre des tâches pendant son exécution</translation>
+        <translation>L’application apparaît dans la barre des tâches pendant son exécution</translation>
     </message>
     <message>
         <source>The app runs in the tray and stays out of the taskbar</source>
-        <translation>L&apos;application tourne dans la zone de notification, hors de la barre des tâches</translation>
+        <translation>L’application tourne dans la zone de notification, hors de la barre des tâches</translation>
     </message>
 </context>
 <context>
@@ -472,23 +483,23 @@ Exit status: 0 on success, 1 if the process table could not be read or
 
 Montre les processus Codex CLI de cette machine et si chacun tourne ou est
 inactif. Sans --watch, il attend deux actualisations (environ 2 secondes,
-pour mesurer l&apos;usage du processeur), affiche le résultat et se termine.
+pour mesurer l’usage du processeur), affiche le résultat et se termine.
 
 Options&#xa0;:
   --json        afficher du JSON au lieu de texte
   --watch       afficher une ligne après chaque actualisation (toutes les
-                2 secondes) jusqu&apos;à interruption&#xa0;; avec --json, un objet
+                2 secondes) jusqu’à interruption&#xa0;; avec --json, un objet
                 JSON par ligne
   --go CIBLE    aller à une session&#xa0;: mettre la fenêtre de son terminal au
                 premier plan et sélectionner son volet tmux. CIBLE est le PID
-                d&apos;une session, «&#xa0;waiting&#xa0;» (celle qui attend depuis le
+                d’une session, «&#xa0;waiting&#xa0;» (celle qui attend depuis le
                 plus longtemps) ou «&#xa0;running&#xa0;» (celle qui tourne depuis
                 le plus longtemps)
   -h, --help    afficher cette aide et quitter
   --version     afficher la version et quitter
 
-Code de sortie&#xa0;: 0 en cas de succès, 1 si la table des processus n&apos;a pas
-pu être lue ou si --go n&apos;a pas pu y aller, 2 en cas d&apos;erreur d&apos;utilisation.
+Code de sortie&#xa0;: 0 en cas de succès, 1 si la table des processus n’a pas
+pu être lue ou si --go n’a pas pu y aller, 2 en cas d’erreur d’utilisation.
 </translation>
     </message>
     <message>
@@ -513,7 +524,7 @@ pu être lue ou si --go n&apos;a pas pu y aller, 2 en cas d&apos;erreur d&apos;u
     </message>
     <message>
         <source>no Codex session waits</source>
-        <translation>aucune session Codex n&apos;attend</translation>
+        <translation>aucune session Codex n’attend</translation>
     </message>
     <message>
         <source>no Codex session runs</source>
@@ -521,11 +532,11 @@ pu être lue ou si --go n&apos;a pas pu y aller, 2 en cas d&apos;erreur d&apos;u
     </message>
     <message>
         <source>no Codex session has PID %1</source>
-        <translation>aucune session Codex n&apos;a le PID %1</translation>
+        <translation>aucune session Codex n’a le PID %1</translation>
     </message>
     <message>
         <source>cannot write the report: %1</source>
-        <translation>impossible d&apos;écrire le rapport&#xa0;: %1</translation>
+        <translation>impossible d’écrire le rapport&#xa0;: %1</translation>
     </message>
 </context>
 <context>
@@ -579,11 +590,11 @@ pu être lue ou si --go n&apos;a pas pu y aller, 2 en cas d&apos;erreur d&apos;u
     </message>
     <message>
         <source>No tray for the icon: install gnome-shell-extension-appindicator</source>
-        <translation>Aucune zone de notification pour l&apos;icône&#xa0;: installez gnome-shell-extension-appindicator</translation>
+        <translation>Aucune zone de notification pour l’icône&#xa0;: installez gnome-shell-extension-appindicator</translation>
     </message>
     <message>
         <source>No tray for the icon: add one to your panel, or install trayer</source>
-        <translation>Aucune zone de notification pour l&apos;icône&#xa0;: ajoutez-en une à votre panneau ou installez trayer</translation>
+        <translation>Aucune zone de notification pour l’icône&#xa0;: ajoutez-en une à votre panneau ou installez trayer</translation>
     </message>
 </context>
 <context>
@@ -601,7 +612,15 @@ pu être lue ou si --go n&apos;a pas pu y aller, 2 en cas d&apos;erreur d&apos;u
     <name>brenvik::AppVisibilityController</name>
     <message>
         <source>The preference could not be saved to %1. It applies until Brenvik quits.</source>
-        <translation>La préférence n&apos;a pas pu être enregistrée dans %1. Elle s&apos;applique jusqu&apos;à ce que Brenvik quitte.</translation>
+        <translation>La préférence n’a pas pu être enregistrée dans %1. Elle s’applique jusqu’à ce que Brenvik quitte.</translation>
+    </message>
+    <message>
+        <source>The desktop rejected the taskbar visibility change right now. Try toggling it again after the app is fully running.</source>
+        <translation>Le bureau a refusé pour l’instant de changer la visibilité dans la barre des tâches. Réessayez une fois l’application complètement lancée.</translation>
+    </message>
+    <message>
+        <source>The desktop cannot keep windows out of the taskbar, so the control panel stays in it.</source>
+        <translation>Le bureau ne peut pas tenir les fenêtres hors de la barre des tâches&#xa0;: le panneau de contrôle y reste.</translation>
     </message>
 </context>
 <context>
@@ -635,7 +654,7 @@ pu être lue ou si --go n&apos;a pas pu y aller, 2 en cas d&apos;erreur d&apos;u
     </message>
     <message>
         <source>Open Control Panel</source>
-        <translation>Ouvrir le panneau de contrôle</translation>
+        <translation>Ouvrir le panneau</translation>
     </message>
 </context>
 <context>
@@ -649,25 +668,25 @@ pu être lue ou si --go n&apos;a pas pu y aller, 2 en cas d&apos;erreur d&apos;u
     <name>brenvik::MenuPopoverView</name>
     <message>
         <source>Open Control Panel</source>
-        <translation>Ouvrir le panneau de contrôle</translation>
+        <translation>Ouvrir le panneau</translation>
     </message>
 </context>
 <context>
     <name>brenvik::NotificationsController</name>
     <message>
         <source>The preference could not be saved to %1. It applies until Brenvik quits.</source>
-        <translation>La préférence n&apos;a pas pu être enregistrée dans %1. Elle s&apos;applique jusqu&apos;à ce que Brenvik quitte.</translation>
+        <translation>La préférence n’a pas pu être enregistrée dans %1. Elle s’applique jusqu’à ce que Brenvik quitte.</translation>
     </message>
 </context>
 <context>
     <name>brenvik::PreferencesControlsView</name>
     <message>
         <source>Launch at login</source>
-        <translation>Lancer à l&apos;ouverture de session</translation>
+        <translation>Lancer à l’ouverture de session</translation>
     </message>
     <message>
         <source>Show in taskbar while running</source>
-        <translation>Afficher dans la barre des tâches pendant l&apos;exécution</translation>
+        <translation>Afficher dans la barre des tâches pendant l’exécution</translation>
     </message>
     <message>
         <source>Notify when a session finishes or needs you</source>
@@ -689,7 +708,7 @@ pu être lue ou si --go n&apos;a pas pu y aller, 2 en cas d&apos;erreur d&apos;u
     <name>brenvik::SystemTraySurface</name>
     <message>
         <source>Open Control Panel</source>
-        <translation>Ouvrir le panneau de contrôle</translation>
+        <translation>Ouvrir le panneau</translation>
     </message>
     <message>
         <source>Refresh Now</source>

@@ -3,6 +3,7 @@
 #include "detection/CodexRecognition.h"
 #include "detection/FileDescriptor.h"
 
+#include <QCoreApplication>
 #include <QFile>
 #include <algorithm>
 #include <cerrno>
@@ -18,6 +19,10 @@
 namespace brenvik {
 
 namespace {
+
+struct DetectionText {
+    Q_DECLARE_TR_FUNCTIONS(DetectionText)
+};
 
 // One stat line, its name viewing the buffer it was read into.
 using StatFields = BasicProcStat<QByteArrayView>;
@@ -276,7 +281,7 @@ QList<ObservedProcess> ProcProcessTableSource::snapshot() {
     const auto cannotRead = [this](int error) {
         return ProcessSnapshotError(
             kProcessMonitorErrorDomain, error,
-            QStringLiteral("Cannot read %1: %2").arg(m_procRoot, qt_error_string(error)));
+            DetectionText::tr("Cannot read %1: %2").arg(m_procRoot, qt_error_string(error)));
     };
     if (!rootFd.isValid())
         throw cannotRead(errno);

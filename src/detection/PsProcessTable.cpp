@@ -3,6 +3,7 @@
 #include "detection/FileDescriptor.h"
 
 #include <QByteArray>
+#include <QCoreApplication>
 #include <QFile>
 #include <array>
 #include <cerrno>
@@ -16,6 +17,10 @@ extern char** environ;
 namespace brenvik {
 
 namespace {
+
+struct DetectionText {
+    Q_DECLARE_TR_FUNCTIONS(DetectionText)
+};
 
 [[noreturn]] void throwLaunchError(int error) {
     throw ProcessSnapshotError(kPosixErrorDomain, error, qt_error_string(error));
@@ -127,7 +132,7 @@ QList<ObservedProcess> readProcessTable(const QString& executable) {
     if (status != 0) {
         throw ProcessSnapshotError(
             kProcessMonitorErrorDomain, status,
-            text.isEmpty() ? QStringLiteral("ps failed with exit code %1").arg(status) : text);
+            text.isEmpty() ? DetectionText::tr("ps failed with exit code %1").arg(status) : text);
     }
 
     return parseProcessListing(text);

@@ -58,7 +58,7 @@ void AppVisibilityController::applyActivationPolicy(bool activate, bool reportFa
             m_policy->activate();
     } else if (reportFailure) {
         publish(this, m_lastError,
-                (m_policy->desktopCanHide() ? kRefusalMessage : kCannotHideMessage).toString(),
+                tr((m_policy->desktopCanHide() ? kRefusalMessage : kCannotHideMessage).data()),
                 &AppVisibilityController::lastErrorChanged);
     }
 }

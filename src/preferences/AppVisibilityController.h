@@ -28,12 +28,13 @@ public:
     ~AppVisibilityController() override;
 
     static constexpr QStringView kSettingsKey = u"showDockIcon";
-    static constexpr QStringView kRefusalMessage =
-        u"The desktop rejected the taskbar visibility change right now. Try toggling it again "
-        u"after the app is fully running.";
+    // English; shown through tr().
+    static constexpr QUtf8StringView kRefusalMessage =
+        QT_TR_NOOP("The desktop rejected the taskbar visibility change right now. Try toggling "
+                   "it again after the app is fully running.");
     // Where no retry can help (Wayland), trying again is no advice to give.
-    static constexpr QStringView kCannotHideMessage =
-        u"The desktop cannot keep windows out of the taskbar, so the control panel stays in it.";
+    static constexpr QUtf8StringView kCannotHideMessage = QT_TR_NOOP(
+        "The desktop cannot keep windows out of the taskbar, so the control panel stays in it.");
 
     [[nodiscard]] bool showDockIcon() const noexcept { return m_showDockIcon; }
     // Publishes, stores and applies (activate and report failure), every time.
