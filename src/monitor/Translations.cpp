@@ -27,16 +27,19 @@ bool install(const QLocale& locale, const QString& name, const QString& director
 void installTranslations() {
     for (const QString& language : QLocale::system().uiLanguages()) {
         const QLocale locale(language);
-        if (locale.language() == QLocale::English || locale.language() == QLocale::C)
+        if (locale.language() == QLocale::English || locale.language() == QLocale::C ||
+            installTranslation(locale))
             return;
-        if (install(locale, QStringLiteral("brenvik"), QStringLiteral(":/i18n"))) {
-            installedLocale() = locale;
-            // Qt's own texts (standard buttons, input method menus), where installed.
-            install(locale, QStringLiteral("qtbase"),
-                    QLibraryInfo::path(QLibraryInfo::TranslationsPath));
-            return;
-        }
     }
+}
+
+bool installTranslation(const QLocale& locale) {
+    if (!install(locale, QStringLiteral("brenvik"), QStringLiteral(":/i18n")))
+        return false;
+    installedLocale() = locale;
+    // Qt's own texts (standard buttons, input method menus), where installed.
+    install(locale, QStringLiteral("qtbase"), QLibraryInfo::path(QLibraryInfo::TranslationsPath));
+    return true;
 }
 
 QLocale translationLocale() {

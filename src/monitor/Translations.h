@@ -10,6 +10,10 @@ namespace brenvik {
 // ends the search: it needs no translation. Needs the application object.
 void installTranslations();
 
+// Installs Brenvik's translation for `locale`, and Qt's own with it; false
+// when Brenvik has none. The last one installed wins.
+bool installTranslation(const QLocale& locale);
+
 // The locale of the installed translation, QLocale::c() without one: names
 // a text takes from a locale (a weekday) then match the text's language.
 [[nodiscard]] QLocale translationLocale();

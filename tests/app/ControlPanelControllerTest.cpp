@@ -9,7 +9,10 @@
 #include <QApplication>
 #include <QDir>
 #include <QScreen>
+#include <QTranslator>
 #include <gtest/gtest.h>
+#include <string>
+#include <vector>
 
 namespace brenvik {
 namespace {
@@ -66,23 +69,33 @@ TEST(ControlPanelController, BuildsOneFixedSizeWindowCentredOnce) {
 // what takes room at start-up: the panel opens before the first refresh ends,
 // which then brings three rows and a waiting session; launch at login says why
 // it is not available; a third preference; and the line for a missing tray.
-// Also at 16 pt, and in DejaVu Sans Mono, where that line needs more than 420 px. While the window
+// Also at 16 pt, in every translation at 16 pt, and in DejaVu Sans Mono, where that line needs more
+// than 420 px. While the window
 // could still grow, nothing scrolls and nothing is cut; on a screen too small for it (the same test
 // runs at scale 2 on a 500 px high screen), the content scrolls instead.
 TEST(ControlPanelController, ShowsItsWholeContentWithinTheScreen) {
     const QFont before = QApplication::font();
     const QByteArray desktopBefore = qgetenv("XDG_CURRENT_DESKTOP");
     qputenv("XDG_CURRENT_DESKTOP", "GNOME"); // the longest missing-tray line
-    const std::tuple<const char*, QString, qreal, bool> cases[] = {
-        {"9 pt", u"DejaVu Sans"_s, 9, true},
-        {"9 pt, no tray", u"DejaVu Sans"_s, 9, false},
-        {"monospace, no tray", u"DejaVu Sans Mono"_s, 9, false},
-        {"16 pt", u"DejaVu Sans"_s, 16, true},
+    std::vector<std::tuple<std::string, QString, qreal, bool, QString>> cases = {
+        {"9 pt", u"DejaVu Sans"_s, 9, true, {}},
+        {"9 pt, no tray", u"DejaVu Sans"_s, 9, false, {}},
+        {"monospace, no tray", u"DejaVu Sans Mono"_s, 9, false, {}},
+        {"16 pt", u"DejaVu Sans"_s, 16, true, {}},
     };
-    for (const auto& [name, family, points, tray] : cases) {
+    for (const QString& translation : QDir(u":/i18n"_s).entryList({u"brenvik_*.qm"_s}))
+        cases.emplace_back("16 pt, no tray, " + translation.toStdString(), u"DejaVu Sans"_s, 16,
+                           false, translation);
+    ASSERT_GT(cases.size(), 4U) << "no translation embedded";
+    for (const auto& [name, family, points, tray, translationFile] : cases) {
         QFont font(family);
         font.setPointSizeF(points);
         QApplication::setFont(font);
+        QTranslator translation;
+        if (!translationFile.isEmpty()) {
+            ASSERT_TRUE(translation.load(translationFile, u":/i18n"_s)) << name;
+            QCoreApplication::installTranslator(&translation);
+        }
         test::ScriptedMonitor scripted;
         test::PrivatePreferences preferences(/*temporaryProgram=*/true);
         test::RecordingActions actions;

@@ -4,6 +4,7 @@
 //   brenvik_screenshots <output folder>
 
 #include "app/TrayIconPainter.h"
+#include "monitor/Translations.h"
 #include "places/SessionPlaceTracker.h"
 #include "preferences/NotificationsController.h"
 #include "views/ControlPanelView.h"
@@ -19,6 +20,7 @@
 #include <QPainter>
 #include <QScopeGuard>
 #include <QSignalSpy>
+#include <QStyle>
 #include <QStyleFactory>
 #include <QTemporaryDir>
 #include <QTest>
@@ -413,11 +415,31 @@ int main(int argc, char** argv) {
         {"popover-error", false, error},
     };
 
+    // The panel and the popover in each language Brenvik has besides English, at the
+    // application's font and at 16 pt: the longest texts must fit as well.
+    const Scene translated[] = {
+        {"control-panel", true, threeStates, loginOn, limits42},
+        {"control-panel-16pt", true, threeStates, dockRefused, limits96, 16},
+        {"popover", false, threeStates, nullptr, limits42},
+        {"popover-16pt", false, threeStates, nullptr, limits96, 16},
+    };
+
     bool ok = renderTrayIcons(out);
     for (const Scene& scene : light)
         ok = render(scene, out, QString()) && ok;
     QApplication::setPalette(darkPalette());
     for (const Scene& scene : dark)
         ok = render(scene, out, QStringLiteral("-dark")) && ok;
+    // Last: a translation stays installed.
+    QApplication::setPalette(QApplication::style()->standardPalette());
+    for (QString language :
+         QDir(QStringLiteral(":/i18n")).entryList({QStringLiteral("brenvik_*.qm")})) {
+        language = language.section(u'_', 1).section(u'.', 0, 0);
+        const QLocale locale(language);
+        ok = installTranslation(locale) && ok;
+        QLocale::setDefault(locale);
+        for (const Scene& scene : translated)
+            ok = render(scene, out, u'-' + language) && ok;
+    }
     return ok ? 0 : 1;
 }
