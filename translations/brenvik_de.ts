@@ -79,18 +79,18 @@ Für Terminals und Statusleisten: brenvik-status.
     </message>
     <message>
         <source>ps failed with exit code %1</source>
-        <translation>ps ist mit dem Code %1 gescheitert</translation>
+        <translation>ps endete mit dem Fehlercode %1</translation>
     </message>
 </context>
 <context>
     <name>LimitNoticeText</name>
     <message>
         <source>Codex %1 limit reached</source>
-        <translation>Codex-Limit %1 erreicht</translation>
+        <translation>Codex-Limit (%1) erreicht</translation>
     </message>
     <message>
         <source>Codex %1 limit at %2 %</source>
-        <translation>Codex-Limit %1 bei %2 %</translation>
+        <translation>Codex-Limit (%1) bei %2 %</translation>
     </message>
 </context>
 <context>
@@ -202,7 +202,7 @@ Für Terminals und Statusleisten: brenvik-status.
     </message>
     <message>
         <source>the tmux server at %1 names no pane of it</source>
-        <translation>der tmux-Server unter %1 nennt keinen Bereich von ihr</translation>
+        <translation>der tmux-Server unter %1 kennt keinen Bereich von ihr</translation>
     </message>
     <message>
         <source>it runs in no tmux pane and no known terminal</source>

@@ -87,11 +87,11 @@ Pour les terminaux et les barres d’état&#xa0;: brenvik-status.
     <name>LimitNoticeText</name>
     <message>
         <source>Codex %1 limit reached</source>
-        <translation>Limite Codex %1 atteinte</translation>
+        <translation>Limite Codex (%1) atteinte</translation>
     </message>
     <message>
         <source>Codex %1 limit at %2 %</source>
-        <translation>Limite Codex %1 à %2 %</translation>
+        <translation>Limite Codex (%1) à %2 %</translation>
     </message>
 </context>
 <context>
@@ -612,7 +612,7 @@ pu être lue ou si --go n’a pas pu y aller, 2 en cas d’erreur d’utilisatio
     <name>brenvik::AppVisibilityController</name>
     <message>
         <source>The preference could not be saved to %1. It applies until Brenvik quits.</source>
-        <translation>La préférence n’a pas pu être enregistrée dans %1. Elle s’applique jusqu’à ce que Brenvik quitte.</translation>
+        <translation>La préférence n’a pas pu être enregistrée dans %1. Elle s’applique jusqu’à la fermeture de Brenvik.</translation>
     </message>
     <message>
         <source>The desktop rejected the taskbar visibility change right now. Try toggling it again after the app is fully running.</source>
@@ -675,7 +675,7 @@ pu être lue ou si --go n’a pas pu y aller, 2 en cas d’erreur d’utilisatio
     <name>brenvik::NotificationsController</name>
     <message>
         <source>The preference could not be saved to %1. It applies until Brenvik quits.</source>
-        <translation>La préférence n’a pas pu être enregistrée dans %1. Elle s’applique jusqu’à ce que Brenvik quitte.</translation>
+        <translation>La préférence n’a pas pu être enregistrée dans %1. Elle s’applique jusqu’à la fermeture de Brenvik.</translation>
     </message>
 </context>
 <context>

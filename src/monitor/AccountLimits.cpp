@@ -99,7 +99,8 @@ QString limitsLineText(const RateLimits& limits, const QDateTime& now) {
                            (isReset(**window, now) ? LimitsText::tr("reset", "a limit window")
                                                    : percentText((*window)->usedPercent)));
     }
-    QString text = LimitsText::tr("Limits: %1").arg(windows.join(u" \u00B7 "));
+    // Trimmed: a line of no window ends after its colon.
+    QString text = LimitsText::tr("Limits: %1").arg(windows.join(u" \u00B7 ")).trimmed();
     if (const RateLimitWindow* nearer = nearerWindow(limits, now); nearer && nearer->resetsAt)
         text += u" \u00B7 " + resetsText(*nearer->resetsAt, now);
     return text;
