@@ -5,8 +5,8 @@
 namespace brenvik {
 
 // Installs Brenvik's texts and Qt's own in the first of the user's languages
-// (LANGUAGE, then LC_ALL, LC_MESSAGES and LANG, as QLocale::system() reads
-// them) that Brenvik has a translation for. English, the source language,
+// (those of LANGUAGE, else that of LC_ALL, LC_MESSAGES or LANG, as
+// QLocale::system() reads them) that Brenvik has a translation for. English, the source language,
 // ends the search: it needs no translation. Needs the application object.
 void installTranslations();
 
