@@ -231,8 +231,14 @@ open_menu() {
     xdotool mousemove $((x + w / 2)) $((y + h / 2)) click 3
     wait_until 5 sh -c "xdotool search --onlyvisible --name '^Brenvik Menu\$' >/dev/null"
 }
-# A click that lands while the window manager is busy can get lost: again, as a person would.
-open_menu || open_menu || open_menu || fail "right click opened no menu"
-xdotool key Down Return
+# A click that lands while the window manager is busy can get lost, and keys sent
+# before the menu grabs the keyboard go elsewhere: again, as a person would.
+went_by_menu() {
+    open_menu || return 1
+    xdotool key Down Return
+    wait_until 10 sh -c "[ \"\$(xdotool getactivewindow 2>/dev/null)\" = $xt1 ]"
+}
+went_by_menu || { xdotool key Escape; elsewhere; went_by_menu; } ||
+    { xdotool key Escape; elsewhere; went_by_menu; } || fail "its tray menu item did not go there"
 arrived "its tray menu item"
 log "passed"
