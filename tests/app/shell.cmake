@@ -41,7 +41,3 @@ brenvik_add_test(NAME brenvik_wayland_e2e
           $<TARGET_FILE:brenvik-fake-sni-watcher>
   SERIAL LABELS e2e TIMEOUT 120)
 
-# What `cmake --install --strip` puts on a machine, validated as desktops read it.
-brenvik_add_test(NAME brenvik_install_check
-  COMMAND ${CMAKE_CURRENT_LIST_DIR}/install-check.sh ${PROJECT_BINARY_DIR}
-  LABELS install TIMEOUT 120)
