@@ -19,36 +19,6 @@
 <context>
     <name>BrenvikApp</name>
     <message>
-        <source>Usage: brenvik [--autostart]
-
-Shows in the tray whether your Codex CLI sessions are running, waiting for
-you, or idle, and opens its control panel. Started again while it runs, it
-brings the running one&apos;s control panel to the front.
-
-Options:
-  --autostart  start in the tray without opening the control panel (the
-               login entry that &quot;Launch at login&quot; writes uses it)
-  -h, --help   show this help and exit
-  --version    show the version and exit
-
-For terminals and status bars: brenvik-status.
-</source>
-        <translation>Aufruf: brenvik [--autostart]
-
-Zeigt im Infobereich, ob Ihre Codex-CLI-Sitzungen laufen, auf Sie warten
-oder inaktiv sind, und öffnet sein Bedienfeld. Wird es erneut gestartet,
-während es läuft, holt es das Bedienfeld des laufenden nach vorn.
-
-Optionen:
-  --autostart  im Infobereich starten, ohne das Bedienfeld zu öffnen (der
-               Anmeldeeintrag, den „Beim Anmelden starten“ schreibt, nutzt es)
-  -h, --help   diese Hilfe zeigen und beenden
-  --version    die Version zeigen und beenden
-
-Für Terminals und Statusleisten: brenvik-status.
-</translation>
-    </message>
-    <message>
         <source>unknown option &apos;%1&apos;
 
 </source>
@@ -68,6 +38,39 @@ Für Terminals und Statusleisten: brenvik-status.
         <source>no graphical session to show a tray icon in (no reachable DISPLAY or WAYLAND_DISPLAY); brenvik-status --watch works in a terminal
 </source>
         <translation>keine grafische Sitzung, in der ein Symbol im Infobereich erscheinen kann (kein erreichbares DISPLAY oder WAYLAND_DISPLAY); brenvik-status --watch funktioniert im Terminal
+</translation>
+    </message>
+    <message>
+        <source>Usage: brenvik [--autostart] [--verbose]
+
+Shows in the tray whether your Codex CLI sessions are running, waiting for
+you, or idle, and opens its control panel. Started again while it runs, it
+brings the running one&apos;s control panel to the front.
+
+Options:
+  --autostart  start in the tray without opening the control panel (the
+               login entry that &quot;Launch at login&quot; writes uses it)
+  --verbose    log on standard error what could not be read, and why
+  -h, --help   show this help and exit
+  --version    show the version and exit
+
+For terminals and status bars: brenvik-status.
+</source>
+        <translation>Aufruf: brenvik [--autostart] [--verbose]
+
+Zeigt im Infobereich, ob Ihre Codex-CLI-Sitzungen laufen, auf Sie warten
+oder inaktiv sind, und öffnet sein Bedienfeld. Wird es erneut gestartet,
+während es läuft, holt es das Bedienfeld des laufenden nach vorn.
+
+Optionen:
+  --autostart  im Infobereich starten, ohne das Bedienfeld zu öffnen (der
+               Anmeldeeintrag, den „Beim Anmelden starten“ schreibt, nutzt es)
+  --verbose    auf der Standardfehlerausgabe protokollieren, was nicht
+               gelesen werden konnte, und warum
+  -h, --help   diese Hilfe zeigen und beenden
+  --version    die Version zeigen und beenden
+
+Für Terminals und Statusleisten: brenvik-status.
 </translation>
     </message>
 </context>
@@ -457,51 +460,6 @@ Für Terminals und Statusleisten: brenvik-status.
 <context>
     <name>StatusCommand</name>
     <message>
-        <source>Usage: brenvik-status [--json] [--watch]
-       brenvik-status --go PID|waiting|running
-
-Shows the Codex CLI processes on this machine and whether each is running
-or idle. Without --watch it waits for two refreshes (about 2 seconds, so
-that CPU use is measured), prints the result and exits.
-
-Options:
-  --json        print JSON instead of text
-  --watch       print one line after every refresh (every 2 seconds) until
-                interrupted; with --json one JSON object per line
-  --go TARGET   go to a session: raise its terminal&apos;s window and select its
-                tmux pane. TARGET is a session&apos;s PID, &quot;waiting&quot; (the one
-                waiting longest) or &quot;running&quot; (the one running longest)
-  -h, --help    show this help and exit
-  --version     show the version and exit
-
-Exit status: 0 on success, 1 if the process table could not be read or
---go could not go there, 2 on a usage error.
-</source>
-        <translation>Aufruf: brenvik-status [--json] [--watch]
-        brenvik-status --go PID|waiting|running
-
-Zeigt die Codex-CLI-Prozesse auf diesem Rechner und ob jeder läuft oder
-inaktiv ist. Ohne --watch wartet es zwei Aktualisierungen ab (etwa 2
-Sekunden, damit die CPU-Nutzung gemessen wird), gibt das Ergebnis aus und
-endet.
-
-Optionen:
-  --json        JSON statt Text ausgeben
-  --watch       nach jeder Aktualisierung (alle 2 Sekunden) eine Zeile
-                ausgeben, bis es unterbrochen wird; mit --json ein
-                JSON-Objekt pro Zeile
-  --go ZIEL     zu einer Sitzung wechseln: das Fenster ihres Terminals nach
-                vorn holen und ihren tmux-Bereich auswählen. ZIEL ist die
-                PID einer Sitzung, „waiting“ (die am längsten wartende) oder
-                „running“ (die am längsten laufende)
-  -h, --help    diese Hilfe zeigen und beenden
-  --version     die Version zeigen und beenden
-
-Rückgabewert: 0 bei Erfolg, 1, wenn die Prozesstabelle nicht gelesen werden
-konnte oder --go nicht dorthin wechseln konnte, 2 bei einem Aufruffehler.
-</translation>
-    </message>
-    <message>
         <source>--go needs a PID, &apos;waiting&apos; or &apos;running&apos;</source>
         <translation>--go braucht eine PID, „waiting“ oder „running“</translation>
     </message>
@@ -536,6 +494,54 @@ konnte oder --go nicht dorthin wechseln konnte, 2 bei einem Aufruffehler.
     <message>
         <source>cannot write the report: %1</source>
         <translation>der Bericht kann nicht geschrieben werden: %1</translation>
+    </message>
+    <message>
+        <source>Usage: brenvik-status [--json] [--watch] [--verbose]
+       brenvik-status --go PID|waiting|running
+
+Shows the Codex CLI processes on this machine and whether each is running
+or idle. Without --watch it waits for two refreshes (about 2 seconds, so
+that CPU use is measured), prints the result and exits.
+
+Options:
+  --json        print JSON instead of text
+  --watch       print one line after every refresh (every 2 seconds) until
+                interrupted; with --json one JSON object per line
+  --go TARGET   go to a session: raise its terminal&apos;s window and select its
+                tmux pane. TARGET is a session&apos;s PID, &quot;waiting&quot; (the one
+                waiting longest) or &quot;running&quot; (the one running longest)
+  --verbose     log on standard error what could not be read, and why
+  -h, --help    show this help and exit
+  --version     show the version and exit
+
+Exit status: 0 on success, 1 if the process table could not be read or
+--go could not go there, 2 on a usage error.
+</source>
+        <translation>Aufruf: brenvik-status [--json] [--watch] [--verbose]
+        brenvik-status --go PID|waiting|running
+
+Zeigt die Codex-CLI-Prozesse auf diesem Rechner und ob jeder läuft oder
+inaktiv ist. Ohne --watch wartet es zwei Aktualisierungen ab (etwa 2
+Sekunden, damit die CPU-Nutzung gemessen wird), gibt das Ergebnis aus und
+endet.
+
+Optionen:
+  --json        JSON statt Text ausgeben
+  --watch       nach jeder Aktualisierung (alle 2 Sekunden) eine Zeile
+                ausgeben, bis es unterbrochen wird; mit --json ein
+                JSON-Objekt pro Zeile
+  --go ZIEL     zu einer Sitzung wechseln: das Fenster ihres Terminals nach
+                vorn holen und ihren tmux-Bereich auswählen. ZIEL ist die
+                PID einer Sitzung, „waiting“ (die am längsten wartende) oder
+                „running“ (die am längsten laufende)
+  --verbose     auf der Standardfehlerausgabe protokollieren, was nicht
+                gelesen werden konnte, und warum
+  -h, --help    diese Hilfe zeigen und beenden
+  --version     die Version zeigen und beenden
+
+Rückgabewert: 0 bei Erfolg, 1, wenn die Prozesstabelle nicht gelesen werden
+konnte oder --go nicht dorthin wechseln konnte, 2 bei einem Aufruffehler.
+</translation>
     </message>
 </context>
 <context>

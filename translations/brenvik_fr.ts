@@ -19,37 +19,6 @@
 <context>
     <name>BrenvikApp</name>
     <message>
-        <source>Usage: brenvik [--autostart]
-
-Shows in the tray whether your Codex CLI sessions are running, waiting for
-you, or idle, and opens its control panel. Started again while it runs, it
-brings the running one&apos;s control panel to the front.
-
-Options:
-  --autostart  start in the tray without opening the control panel (the
-               login entry that &quot;Launch at login&quot; writes uses it)
-  -h, --help   show this help and exit
-  --version    show the version and exit
-
-For terminals and status bars: brenvik-status.
-</source>
-        <translation>Utilisation&#xa0;: brenvik [--autostart]
-
-Montre dans la zone de notification si vos sessions Codex CLI tournent,
-vous attendent ou sont inactives, et ouvre son panneau de contrôle. Lancé
-de nouveau pendant qu’il tourne, il affiche le panneau de celui qui tourne.
-
-Options&#xa0;:
-  --autostart  démarrer dans la zone de notification sans ouvrir le panneau
-               (l’entrée de connexion qu’écrit «&#xa0;Lancer à l’ouverture de
-               session&#xa0;» l’utilise)
-  -h, --help   afficher cette aide et quitter
-  --version    afficher la version et quitter
-
-Pour les terminaux et les barres d’état&#xa0;: brenvik-status.
-</translation>
-    </message>
-    <message>
         <source>unknown option &apos;%1&apos;
 
 </source>
@@ -69,6 +38,40 @@ Pour les terminaux et les barres d’état&#xa0;: brenvik-status.
         <source>no graphical session to show a tray icon in (no reachable DISPLAY or WAYLAND_DISPLAY); brenvik-status --watch works in a terminal
 </source>
         <translation>aucune session graphique où afficher une icône dans la zone de notification (aucun DISPLAY ni WAYLAND_DISPLAY joignable)&#xa0;; brenvik-status --watch fonctionne dans un terminal
+</translation>
+    </message>
+    <message>
+        <source>Usage: brenvik [--autostart] [--verbose]
+
+Shows in the tray whether your Codex CLI sessions are running, waiting for
+you, or idle, and opens its control panel. Started again while it runs, it
+brings the running one&apos;s control panel to the front.
+
+Options:
+  --autostart  start in the tray without opening the control panel (the
+               login entry that &quot;Launch at login&quot; writes uses it)
+  --verbose    log on standard error what could not be read, and why
+  -h, --help   show this help and exit
+  --version    show the version and exit
+
+For terminals and status bars: brenvik-status.
+</source>
+        <translation>Utilisation&#xa0;: brenvik [--autostart] [--verbose]
+
+Montre dans la zone de notification si vos sessions Codex CLI tournent,
+vous attendent ou sont inactives, et ouvre son panneau de contrôle. Lancé
+de nouveau pendant qu’il tourne, il affiche le panneau de celui qui tourne.
+
+Options&#xa0;:
+  --autostart  démarrer dans la zone de notification sans ouvrir le panneau
+               (l’entrée de connexion qu’écrit «&#xa0;Lancer à l’ouverture de
+               session&#xa0;» l’utilise)
+  --verbose    journaliser sur la sortie d’erreur ce qui n’a pas pu être
+               lu, et pourquoi
+  -h, --help   afficher cette aide et quitter
+  --version    afficher la version et quitter
+
+Pour les terminaux et les barres d’état&#xa0;: brenvik-status.
 </translation>
     </message>
 </context>
@@ -458,51 +461,6 @@ Pour les terminaux et les barres d’état&#xa0;: brenvik-status.
 <context>
     <name>StatusCommand</name>
     <message>
-        <source>Usage: brenvik-status [--json] [--watch]
-       brenvik-status --go PID|waiting|running
-
-Shows the Codex CLI processes on this machine and whether each is running
-or idle. Without --watch it waits for two refreshes (about 2 seconds, so
-that CPU use is measured), prints the result and exits.
-
-Options:
-  --json        print JSON instead of text
-  --watch       print one line after every refresh (every 2 seconds) until
-                interrupted; with --json one JSON object per line
-  --go TARGET   go to a session: raise its terminal&apos;s window and select its
-                tmux pane. TARGET is a session&apos;s PID, &quot;waiting&quot; (the one
-                waiting longest) or &quot;running&quot; (the one running longest)
-  -h, --help    show this help and exit
-  --version     show the version and exit
-
-Exit status: 0 on success, 1 if the process table could not be read or
---go could not go there, 2 on a usage error.
-</source>
-        <translation>Utilisation&#xa0;: brenvik-status [--json] [--watch]
-              brenvik-status --go PID|waiting|running
-
-Montre les processus Codex CLI de cette machine et si chacun tourne ou est
-inactif. Sans --watch, il attend deux actualisations (environ 2 secondes,
-pour mesurer l’usage du processeur), affiche le résultat et se termine.
-
-Options&#xa0;:
-  --json        afficher du JSON au lieu de texte
-  --watch       afficher une ligne après chaque actualisation (toutes les
-                2 secondes) jusqu’à interruption&#xa0;; avec --json, un objet
-                JSON par ligne
-  --go CIBLE    aller à une session&#xa0;: mettre la fenêtre de son terminal au
-                premier plan et sélectionner son volet tmux. CIBLE est le PID
-                d’une session, «&#xa0;waiting&#xa0;» (celle qui attend depuis le
-                plus longtemps) ou «&#xa0;running&#xa0;» (celle qui tourne depuis
-                le plus longtemps)
-  -h, --help    afficher cette aide et quitter
-  --version     afficher la version et quitter
-
-Code de sortie&#xa0;: 0 en cas de succès, 1 si la table des processus n’a pas
-pu être lue ou si --go n’a pas pu y aller, 2 en cas d’erreur d’utilisation.
-</translation>
-    </message>
-    <message>
         <source>--go needs a PID, &apos;waiting&apos; or &apos;running&apos;</source>
         <translation>--go attend un PID, «&#xa0;waiting&#xa0;» ou «&#xa0;running&#xa0;»</translation>
     </message>
@@ -537,6 +495,54 @@ pu être lue ou si --go n’a pas pu y aller, 2 en cas d’erreur d’utilisatio
     <message>
         <source>cannot write the report: %1</source>
         <translation>impossible d’écrire le rapport&#xa0;: %1</translation>
+    </message>
+    <message>
+        <source>Usage: brenvik-status [--json] [--watch] [--verbose]
+       brenvik-status --go PID|waiting|running
+
+Shows the Codex CLI processes on this machine and whether each is running
+or idle. Without --watch it waits for two refreshes (about 2 seconds, so
+that CPU use is measured), prints the result and exits.
+
+Options:
+  --json        print JSON instead of text
+  --watch       print one line after every refresh (every 2 seconds) until
+                interrupted; with --json one JSON object per line
+  --go TARGET   go to a session: raise its terminal&apos;s window and select its
+                tmux pane. TARGET is a session&apos;s PID, &quot;waiting&quot; (the one
+                waiting longest) or &quot;running&quot; (the one running longest)
+  --verbose     log on standard error what could not be read, and why
+  -h, --help    show this help and exit
+  --version     show the version and exit
+
+Exit status: 0 on success, 1 if the process table could not be read or
+--go could not go there, 2 on a usage error.
+</source>
+        <translation>Utilisation&#xa0;: brenvik-status [--json] [--watch] [--verbose]
+              brenvik-status --go PID|waiting|running
+
+Montre les processus Codex CLI de cette machine et si chacun tourne ou est
+inactif. Sans --watch, il attend deux actualisations (environ 2 secondes,
+pour mesurer l’usage du processeur), affiche le résultat et se termine.
+
+Options&#xa0;:
+  --json        afficher du JSON au lieu de texte
+  --watch       afficher une ligne après chaque actualisation (toutes les
+                2 secondes) jusqu’à interruption&#xa0;; avec --json, un objet
+                JSON par ligne
+  --go CIBLE    aller à une session&#xa0;: mettre la fenêtre de son terminal au
+                premier plan et sélectionner son volet tmux. CIBLE est le PID
+                d’une session, «&#xa0;waiting&#xa0;» (celle qui attend depuis le
+                plus longtemps) ou «&#xa0;running&#xa0;» (celle qui tourne depuis
+                le plus longtemps)
+  --verbose     journaliser sur la sortie d’erreur ce qui n’a pas pu être
+                lu, et pourquoi
+  -h, --help    afficher cette aide et quitter
+  --version     afficher la version et quitter
+
+Code de sortie&#xa0;: 0 en cas de succès, 1 si la table des processus n’a pas
+pu être lue ou si --go n’a pas pu y aller, 2 en cas d’erreur d’utilisation.
+</translation>
     </message>
 </context>
 <context>

@@ -9,6 +9,7 @@
 
 #include <QApplication>
 #include <QIcon>
+#include <QLoggingCategory>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -19,7 +20,7 @@ namespace {
 constexpr int kExitNoDisplay = 1;
 constexpr int kExitUsage = 2;
 
-const char kUsage[] = QT_TRANSLATE_NOOP("BrenvikApp", R"(Usage: brenvik [--autostart]
+const char kUsage[] = QT_TRANSLATE_NOOP("BrenvikApp", R"(Usage: brenvik [--autostart] [--verbose]
 
 Shows in the tray whether your Codex CLI sessions are running, waiting for
 you, or idle, and opens its control panel. Started again while it runs, it
@@ -28,6 +29,7 @@ brings the running one's control panel to the front.
 Options:
   --autostart  start in the tray without opening the control panel (the
                login entry that "Launch at login" writes uses it)
+  --verbose    log on standard error what could not be read, and why
   -h, --help   show this help and exit
   --version    show the version and exit
 
@@ -88,6 +90,10 @@ int main(int argc, char** argv) {
         }
         if (argument == brenvik::kAutostartOption) {
             autostart = true;
+            continue;
+        }
+        if (argument == u"--verbose") {
+            QLoggingCategory::setFilterRules(QStringLiteral("brenvik.*.debug=true"));
             continue;
         }
         printTranslated(stderr, QStringLiteral("brenvik: "),

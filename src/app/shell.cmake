@@ -14,7 +14,7 @@ brenvik_app_library(brenvik_shell X11
         PopoverPlacement.cpp PopoverPlacement.h PopoverWindow.cpp PopoverWindow.h
         SingleInstance.cpp SingleInstance.h StatusItemController.cpp StatusItemController.h
         SystemTraySurface.cpp SystemTraySurface.h TrayHostWatcher.cpp TrayHostWatcher.h
-        TraySurface.h
+        TraySurface.h AppLogging.cpp AppLogging.h
   PUBLIC brenvik_core brenvik_views brenvik_preferences brenvik_notification_preference
          brenvik_notify brenvik_places brenvik_trayicon Qt6::Widgets Qt6::DBus)
 

@@ -7,6 +7,7 @@
 #include "places/SessionPlaces.h"
 
 #include <QCoreApplication>
+#include <QLoggingCategory>
 #include <QSocketNotifier>
 #include <QStringList>
 #include <cerrno>
@@ -29,7 +30,8 @@ struct StatusCommand {
     Q_DECLARE_TR_FUNCTIONS(StatusCommand)
 };
 
-const char kUsage[] = QT_TRANSLATE_NOOP("StatusCommand", R"(Usage: brenvik-status [--json] [--watch]
+const char kUsage[] =
+    QT_TRANSLATE_NOOP("StatusCommand", R"(Usage: brenvik-status [--json] [--watch] [--verbose]
        brenvik-status --go PID|waiting|running
 
 Shows the Codex CLI processes on this machine and whether each is running
@@ -43,6 +45,7 @@ Options:
   --go TARGET   go to a session: raise its terminal's window and select its
                 tmux pane. TARGET is a session's PID, "waiting" (the one
                 waiting longest) or "running" (the one running longest)
+  --verbose     log on standard error what could not be read, and why
   -h, --help    show this help and exit
   --version     show the version and exit
 
@@ -55,6 +58,7 @@ struct Options {
     bool watch = false;
     bool help = false;
     bool version = false;
+    bool verbose = false;
     std::optional<QString> go; // a PID, "waiting" or "running"
 };
 
@@ -75,6 +79,8 @@ ParsedArguments parseArguments(int argc, char** argv) {
             parsed.options.help = true;
         else if (argument == u"--version")
             parsed.options.version = true;
+        else if (argument == u"--verbose")
+            parsed.options.verbose = true;
         else if (argument == u"--go" || argument.startsWith(u"--go=")) {
             QString target = argument.mid(5);
             if (argument == u"--go") {
@@ -234,6 +240,8 @@ int main(int argc, char** argv) {
         return write(stdout, text) || errno == EPIPE ? 0 : kExitDetectionFailed;
     }
     const Options& options = parsed.options;
+    if (options.verbose)
+        QLoggingCategory::setFilterRules(QStringLiteral("brenvik.*.debug=true"));
 
     std::optional<TerminationSignals> terminationSignals;
     if (options.watch)

@@ -1,5 +1,7 @@
 #include "monitor/ProcessMonitoring.h"
 
+#include "detection/FailureLog.h"
+#include "monitor/MonitorLogging.h"
 #include "monitor/Published.h"
 #include "sessionlog/SessionLogLocator.h"
 
@@ -232,6 +234,12 @@ void CodexProcessMonitor::cancelRefreshForTesting() {
 CodexProcessMonitor::ScanOutcome CodexProcessMonitor::runScan(const ScanFunction& scan,
                                                               const LogFunction& logs) noexcept {
     lowerOwnThreadPriority();
+    const QString scanCause = QStringLiteral("monitor:scan");
+    const auto scanFailed = [&scanCause](const QString& message) -> ScanOutcome {
+        logFailureOnce(lcMonitor(), scanCause,
+                       QStringLiteral("the process table could not be read: %1").arg(message));
+        return {{}, {}, message};
+    };
     // Nothing may escape the worker: every failure becomes a text.
     try {
         ScanOutcome outcome{scan(), {}, std::nullopt};
@@ -240,15 +248,20 @@ CodexProcessMonitor::ScanOutcome CodexProcessMonitor::runScan(const ScanFunction
             if (logs)
                 outcome.logs = logs(outcome.samples);
         } catch (...) {
+            logFailureOnce(
+                lcMonitor(), QStringLiteral("monitor:logs"),
+                QStringLiteral(
+                    "reading the session logs failed: all sessions are judged by CPU use"));
             outcome.logs.clear();
         }
+        failureCleared(scanCause);
         return outcome;
     } catch (const ProcessSnapshotError& error) {
-        return {{}, {}, error.message()};
+        return scanFailed(error.message());
     } catch (const std::exception& error) {
-        return {{}, {}, QString::fromLocal8Bit(error.what())};
+        return scanFailed(QString::fromLocal8Bit(error.what()));
     } catch (...) {
-        return {{}, {}, RunStateText::tr("Unknown error while reading the process table")};
+        return scanFailed(RunStateText::tr("Unknown error while reading the process table"));
     }
 }
 

@@ -1,5 +1,8 @@
 #include "notify/DesktopNotifier.h"
 
+#include "detection/FailureLog.h"
+#include "notify/NotifyLogging.h"
+
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
@@ -42,7 +45,12 @@ void DBusNotificationBus::notify(quint32 replacesId, const QString& summary, con
     connect(watcher, &QDBusPendingCallWatcher::finished, this,
             [shown = std::move(shown)](QDBusPendingCallWatcher* finished) {
                 const QDBusPendingReply<quint32> reply = *finished;
-                if (!reply.isError() && shown)
+                if (reply.isError())
+                    logFailureOnce(
+                        lcNotify(), QStringLiteral("notify:") + reply.error().name(),
+                        QStringLiteral("the notification server did not show a notice: %1")
+                            .arg(reply.error().message()));
+                else if (shown)
                     shown(reply.value());
                 finished->deleteLater();
             });

@@ -1,5 +1,8 @@
 #include "places/Tmux.h"
 
+#include "detection/FailureLog.h"
+#include "places/PlacesLogging.h"
+
 #include <QProcess>
 
 namespace brenvik {
@@ -14,17 +17,22 @@ constexpr int kTimeoutMs = 3000;
 std::optional<QString> runTmux(const QStringList& arguments) {
     QProcess process;
     process.setStandardInputFile(QProcess::nullDevice());
-    process.setStandardErrorFile(QProcess::nullDevice());
     process.start(QStringLiteral("tmux"), arguments);
-    if (!process.waitForStarted(kTimeoutMs))
+    // Each command once: asking a dead server again fails the same way.
+    const auto failed = [&arguments](const QString& why) -> std::optional<QString> {
+        logFailureOnce(lcPlaces(), QStringLiteral("tmux:") + arguments.join(u' '),
+                       QStringLiteral("tmux %1: %2").arg(arguments.join(u' '), why));
         return std::nullopt;
+    };
+    if (!process.waitForStarted(kTimeoutMs))
+        return failed(process.errorString());
     if (!process.waitForFinished(kTimeoutMs)) {
         process.kill();
         process.waitForFinished(kTimeoutMs);
-        return std::nullopt;
+        return failed(QStringLiteral("no answer within %1 ms").arg(kTimeoutMs));
     }
     if (process.exitStatus() != QProcess::NormalExit || process.exitCode() != 0)
-        return std::nullopt;
+        return failed(QString::fromUtf8(process.readAllStandardError()).trimmed());
     return QString::fromUtf8(process.readAllStandardOutput());
 }
 

@@ -1,5 +1,7 @@
 #include "sessionlog/SessionLogLocator.h"
 
+#include "detection/FailureLog.h"
+#include "sessionlog/SessionLogLogging.h"
 #include "sessionlog/SessionLogPath.h"
 
 #include <QFile>
@@ -160,6 +162,9 @@ SessionLogLocator::statesOf(const QList<DetectedProcessSample>& samples) noexcep
         m_logs.retainOnly(used);
     } catch (...) {
         // Out of memory at worst: every session falls back to its CPU use.
+        logFailureOnce(
+            lcSessionLog(), QStringLiteral("locator"),
+            QStringLiteral("could not match sessions to their logs: all are judged by CPU use"));
         states.clear();
     }
     return states;

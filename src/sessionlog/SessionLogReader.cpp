@@ -1,6 +1,8 @@
 #include "sessionlog/SessionLogReader.h"
 
+#include "detection/FailureLog.h"
 #include "detection/FileDescriptor.h"
+#include "sessionlog/SessionLogLogging.h"
 
 #include <QFile>
 #include <algorithm>
@@ -73,9 +75,17 @@ SessionLogState SessionLogReader::update() noexcept {
         const FileDescriptor fd(
             ::open(m_nativePath.constData(), O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK));
         struct stat status {};
-        if (!fd.isValid() || ::fstat(fd.get(), &status) != 0 || !S_ISREG(status.st_mode)) {
-            reset();
+        if (!fd.isValid() || ::fstat(fd.get(), &status) != 0) {
+            failed(qt_error_string(errno));
             return {};
+        }
+        if (!S_ISREG(status.st_mode)) {
+            failed(QStringLiteral("not a regular file"));
+            return {};
+        }
+        if (m_failed) {
+            m_failed = false;
+            failureCleared(m_path);
         }
         const qint64 size = status.st_size;
         const bool sameFile = m_attached && m_device == quint64(status.st_dev) &&
@@ -92,10 +102,22 @@ SessionLogState SessionLogReader::update() noexcept {
             readForward(fd.get(), size);
         }
         return m_tracker.state();
+    } catch (const std::exception& error) {
+        failed(QString::fromLocal8Bit(error.what()));
+        return {};
     } catch (...) {
-        reset();
+        failed(QStringLiteral("unknown error"));
         return {};
     }
+}
+
+void SessionLogReader::failed(const QString& why) {
+    reset();
+    m_failed = true;
+    logFailureOnce(
+        lcSessionLog(), m_path,
+        QStringLiteral("cannot read the session log %1 (%2): its session is judged by its CPU use")
+            .arg(m_path, why));
 }
 
 // A log rewritten in place to at least its old size no longer has a line

@@ -37,9 +37,11 @@ private:
     bool readForward(int fd, qint64 end);
     void takeLine(QByteArrayView line, qint64 start, bool cut);
 
+    void failed(const QString& why);
     QString m_path;
     QByteArray m_nativePath;
     bool m_attached = false;
+    bool m_failed = false; // the last update could not read the log
     quint64 m_device = 0;
     quint64 m_inode = 0;
     qint64 m_offset = 0;          // bytes of the file read so far

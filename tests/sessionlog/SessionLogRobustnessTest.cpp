@@ -2,6 +2,7 @@
 #include "sessionlog/LogLineScanner.h"
 #include "sessionlog/SessionLogReader.h"
 
+#include <QLoggingCategory>
 #include <functional>
 #include <gtest/gtest.h>
 #include <random>
@@ -154,6 +155,28 @@ TEST(SessionLogRobustness, DeletedWhileOpen) {
     writer.write(toolOutput(3, "c1"));
     writer.flush();
     EXPECT_EQ(byLink.update().phase, TurnPhase::running);
+}
+
+// A log that cannot be read is logged once while that lasts, not at every
+// refresh, and once more when it fails again after a good read.
+TEST(SessionLogRobustness, AFailureIsLoggedOncePerCause) {
+    static QStringList messages;
+    QLoggingCategory::setFilterRules(QStringLiteral("brenvik.*.debug=true"));
+    const QtMessageHandler previous = qInstallMessageHandler(
+        [](QtMsgType, const QMessageLogContext&, const QString& message) { messages << message; });
+    const LogFile log; // not written yet: missing
+    SessionLogReader reader(log.path());
+    for (int refresh = 0; refresh < 5; ++refresh)
+        EXPECT_EQ(reader.update().phase, TurnPhase::unknown);
+    log.append(kOpenTurn);
+    EXPECT_EQ(reader.update().phase, TurnPhase::awaitingToolOutput);
+    ASSERT_TRUE(QFile::remove(log.path()));
+    for (int refresh = 0; refresh < 5; ++refresh)
+        reader.update();
+    qInstallMessageHandler(previous);
+    QLoggingCategory::setFilterRules({});
+    ASSERT_EQ(messages.size(), 2) << messages.join(u'\n').toStdString();
+    EXPECT_TRUE(messages[0].contains(log.path())) << messages[0].toStdString();
 }
 
 // Arbitrary bytes and mutated real lines through the line scanner.

@@ -1,0 +1,3 @@
+#include "detection/DetectionLogging.h"
+
+Q_LOGGING_CATEGORY(lcDetection, "brenvik.detection", QtInfoMsg)

@@ -1,0 +1,3 @@
+#include "notify/NotifyLogging.h"
+
+Q_LOGGING_CATEGORY(lcNotify, "brenvik.notify", QtInfoMsg)

@@ -1,0 +1,3 @@
+#include "places/PlacesLogging.h"
+
+Q_LOGGING_CATEGORY(lcPlaces, "brenvik.places", QtInfoMsg)

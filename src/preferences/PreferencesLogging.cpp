@@ -1,0 +1,3 @@
+#include "preferences/PreferencesLogging.h"
+
+Q_LOGGING_CATEGORY(lcPreferences, "brenvik.preferences", QtInfoMsg)

@@ -1,0 +1,3 @@
+#include "sessionlog/SessionLogLogging.h"
+
+Q_LOGGING_CATEGORY(lcSessionLog, "brenvik.sessionlog", QtInfoMsg)
