@@ -64,6 +64,14 @@ echo "== Monitor steady state ($(find /proc -maxdepth 1 -name '[0-9]*' | wc -l) 
 "$(dirname "$0")/steady-state.sh" 60 "$build/src/cli/brenvik-status" --watch
 # ==== end monitor ============================================================
 
+# ==== sessions ===============================================================
+# A refresh with 20 stand-in sessions, in a PID namespace of their own: where a
+# session runs is looked up once when it appears, so it adds nothing per refresh.
+echo
+echo "== 20 sessions"
+"$(dirname "$0")/sessions.sh" "$build" 20 60
+# ==== end sessions ===========================================================
+
 
 # ==== app ====================================================================
 # The tray program at rest: brenvik for 60 s under Xvfb, with trayer as tray
