@@ -603,6 +603,13 @@ konnte oder --go nicht dorthin wechseln konnte, 2 bei einem Aufruffehler.
     </message>
 </context>
 <context>
+    <name>StoredPreferences</name>
+    <message>
+        <source>The preference could not be saved to %1. It applies until Brenvik quits.</source>
+        <translation>Die Einstellung konnte nicht in %1 gespeichert werden. Sie gilt, bis Brenvik beendet wird.</translation>
+    </message>
+</context>
+<context>
     <name>UpdatedText</name>
     <message>
         <source>Checking now</source>
@@ -615,10 +622,6 @@ konnte oder --go nicht dorthin wechseln konnte, 2 bei einem Aufruffehler.
 </context>
 <context>
     <name>brenvik::AppVisibilityController</name>
-    <message>
-        <source>The preference could not be saved to %1. It applies until Brenvik quits.</source>
-        <translation>Die Einstellung konnte nicht in %1 gespeichert werden. Sie gilt, bis Brenvik beendet wird.</translation>
-    </message>
     <message>
         <source>The desktop rejected the taskbar visibility change right now. Try toggling it again after the app is fully running.</source>
         <translation>Der Desktop hat die Änderung der Taskleisten-Sichtbarkeit gerade abgelehnt. Schalten Sie sie erneut um, sobald die App ganz gestartet ist.</translation>
@@ -674,13 +677,6 @@ konnte oder --go nicht dorthin wechseln konnte, 2 bei einem Aufruffehler.
     <message>
         <source>Open Control Panel</source>
         <translation>Bedienfeld öffnen</translation>
-    </message>
-</context>
-<context>
-    <name>brenvik::NotificationsController</name>
-    <message>
-        <source>The preference could not be saved to %1. It applies until Brenvik quits.</source>
-        <translation>Die Einstellung konnte nicht in %1 gespeichert werden. Sie gilt, bis Brenvik beendet wird.</translation>
     </message>
 </context>
 <context>

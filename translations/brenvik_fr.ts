@@ -604,6 +604,13 @@ pu être lue ou si --go n’a pas pu y aller, 2 en cas d’erreur d’utilisatio
     </message>
 </context>
 <context>
+    <name>StoredPreferences</name>
+    <message>
+        <source>The preference could not be saved to %1. It applies until Brenvik quits.</source>
+        <translation>La préférence n’a pas pu être enregistrée dans %1. Elle s’applique jusqu’à la fermeture de Brenvik.</translation>
+    </message>
+</context>
+<context>
     <name>UpdatedText</name>
     <message>
         <source>Checking now</source>
@@ -616,10 +623,6 @@ pu être lue ou si --go n’a pas pu y aller, 2 en cas d’erreur d’utilisatio
 </context>
 <context>
     <name>brenvik::AppVisibilityController</name>
-    <message>
-        <source>The preference could not be saved to %1. It applies until Brenvik quits.</source>
-        <translation>La préférence n’a pas pu être enregistrée dans %1. Elle s’applique jusqu’à la fermeture de Brenvik.</translation>
-    </message>
     <message>
         <source>The desktop rejected the taskbar visibility change right now. Try toggling it again after the app is fully running.</source>
         <translation>Le bureau a refusé pour l’instant de changer la visibilité dans la barre des tâches. Réessayez une fois l’application complètement lancée.</translation>
@@ -675,13 +678,6 @@ pu être lue ou si --go n’a pas pu y aller, 2 en cas d’erreur d’utilisatio
     <message>
         <source>Open Control Panel</source>
         <translation>Ouvrir le panneau</translation>
-    </message>
-</context>
-<context>
-    <name>brenvik::NotificationsController</name>
-    <message>
-        <source>The preference could not be saved to %1. It applies until Brenvik quits.</source>
-        <translation>La préférence n’a pas pu être enregistrée dans %1. Elle s’applique jusqu’à la fermeture de Brenvik.</translation>
     </message>
 </context>
 <context>

@@ -30,10 +30,11 @@ std::unique_ptr<SessionPlaceTracker> makePlaces(CodexProcessMonitor& monitor,
     return std::make_unique<SessionPlaceTracker>(monitor, parts.placeFinder, parts.goTo);
 }
 
-std::unique_ptr<AppVisibilityController> makeAppVisibility(const AppModel::Parts& parts) {
+std::unique_ptr<AppVisibilityController> makeAppVisibility(const AppModel::Parts& parts,
+                                                           StoredPreferences& preferences) {
     if (parts.activationPolicy)
-        return std::make_unique<AppVisibilityController>(*parts.activationPolicy, QString());
-    return std::make_unique<AppVisibilityController>();
+        return std::make_unique<AppVisibilityController>(*parts.activationPolicy, preferences);
+    return std::make_unique<AppVisibilityController>(preferences);
 }
 
 } // namespace
@@ -64,8 +65,9 @@ AppModel::AppModel(Parts parts, QObject* parent)
     , m_monitor(makeMonitor(parts))
     , m_places(makePlaces(*m_monitor, parts))
     , m_launchAtLogin(std::make_unique<LaunchAtLoginController>())
-    , m_appVisibility(makeAppVisibility(parts))
-    , m_notifications(std::make_unique<NotificationsController>(parts.settingsFile))
+    , m_preferences(std::make_unique<StoredPreferences>(parts.settingsFile))
+    , m_appVisibility(makeAppVisibility(parts, *m_preferences))
+    , m_notifications(std::make_unique<NotificationsController>(*m_preferences))
     , m_controlPanel(
           std::make_unique<ControlPanelController>(*m_monitor, *m_launchAtLogin, *m_appVisibility,
                                                    *this, m_notifications.get(), m_places.get()))

@@ -21,6 +21,7 @@ class NotificationBus;
 class NotificationPolicy;
 class NotificationsController;
 class StatusItemController;
+class StoredPreferences;
 class TraySurface;
 
 // The root object: makes the program's long-lived objects once, in order, and
@@ -85,6 +86,7 @@ private:
     std::unique_ptr<CodexProcessMonitor> m_monitor;
     std::unique_ptr<SessionPlaceTracker> m_places;
     std::unique_ptr<LaunchAtLoginController> m_launchAtLogin;
+    std::unique_ptr<StoredPreferences> m_preferences;
     std::unique_ptr<AppVisibilityController> m_appVisibility;
     std::unique_ptr<NotificationsController> m_notifications;
     std::unique_ptr<ControlPanelController> m_controlPanel;

@@ -1,52 +1,33 @@
 #include "preferences/AppVisibilityController.h"
 
 #include "monitor/Published.h"
-#include "preferences/StoredSwitch.h"
 
 namespace brenvik {
 
-AppVisibilityController::AppVisibilityController(QObject* parent)
+AppVisibilityController::AppVisibilityController(StoredPreferences& preferences, QObject* parent)
     : QObject(parent)
     , m_ownPolicy(std::make_unique<TaskbarActivationPolicy>())
     , m_policy(m_ownPolicy.get())
-    , m_settings(std::make_unique<QSettings>(QSettings::NativeFormat, QSettings::UserScope,
-                                             QStringLiteral("Brenvik"),
-                                             QStringLiteral("Brenvik"))) {
-    m_showDockIcon = storedSwitchIsOn(m_settings->value(kSettingsKey));
-}
+    , m_preferences(preferences)
+    , m_showDockIcon(preferences.isOn(StoredPreferences::kShowDockIcon)) {}
 
 AppVisibilityController::AppVisibilityController(ActivationPolicy& policy,
-                                                 const QString& settingsFile, QObject* parent)
+                                                 StoredPreferences& preferences, QObject* parent)
     : QObject(parent)
     , m_policy(&policy)
-    , m_settings(settingsFile.isEmpty()
-                     ? std::make_unique<QSettings>(QSettings::NativeFormat, QSettings::UserScope,
-                                                   QStringLiteral("Brenvik"),
-                                                   QStringLiteral("Brenvik"))
-                     : std::make_unique<QSettings>(settingsFile, QSettings::IniFormat)) {
-    m_showDockIcon = storedSwitchIsOn(m_settings->value(kSettingsKey));
-}
+    , m_preferences(preferences)
+    , m_showDockIcon(preferences.isOn(StoredPreferences::kShowDockIcon)) {}
 
 AppVisibilityController::~AppVisibilityController() = default;
 
 void AppVisibilityController::setShowDockIcon(bool show) {
     publish(this, m_showDockIcon, show, &AppVisibilityController::showDockIconChanged);
-    storePreference();
+    const std::optional<QString> storeError =
+        m_preferences.store(StoredPreferences::kShowDockIcon, m_showDockIcon);
     applyActivationPolicy(true, true);
     // The choice still holds for this session; say that it will not survive.
-    if (m_storeFailed && !m_lastError) {
-        publish(this, m_lastError,
-                tr("The preference could not be saved to %1. It applies until "
-                   "Brenvik quits.")
-                    .arg(m_settings->fileName()),
-                &AppVisibilityController::lastErrorChanged);
-    }
-}
-
-void AppVisibilityController::storePreference() {
-    m_settings->setValue(kSettingsKey, m_showDockIcon);
-    m_settings->sync();
-    m_storeFailed = m_settings->status() != QSettings::NoError;
+    if (storeError && !m_lastError)
+        publish(this, m_lastError, storeError, &AppVisibilityController::lastErrorChanged);
 }
 
 void AppVisibilityController::applyActivationPolicy(bool activate, bool reportFailure) {

@@ -1,9 +1,9 @@
 #pragma once
 
 #include "preferences/ActivationPolicy.h"
+#include "preferences/StoredPreferences.h"
 
 #include <QObject>
-#include <QSettings>
 #include <QString>
 #include <memory>
 #include <optional>
@@ -18,16 +18,13 @@ class AppVisibilityController : public QObject {
     Q_PROPERTY(std::optional<QString> lastError READ lastError NOTIFY lastErrorChanged)
 
 public:
-    // Reads the stored preference (true when absent or unreadable); applies nothing.
-    // Uses the native settings of "Brenvik"/"Brenvik" and the taskbar policy.
-    explicit AppVisibilityController(QObject* parent = nullptr);
-    // For tests: another policy, and an INI file instead of the native settings
-    // when settingsFile is not empty. The policy must outlive the controller.
-    AppVisibilityController(ActivationPolicy& policy, const QString& settingsFile,
+    // Reads the stored preference; applies nothing. With the taskbar policy,
+    // or (tests) another one. The preferences and the policy must outlive it.
+    explicit AppVisibilityController(StoredPreferences& preferences, QObject* parent = nullptr);
+    AppVisibilityController(ActivationPolicy& policy, StoredPreferences& preferences,
                             QObject* parent = nullptr);
     ~AppVisibilityController() override;
 
-    static constexpr QStringView kSettingsKey = u"showDockIcon";
     // English; shown through tr().
     static constexpr QUtf8StringView kRefusalMessage =
         QT_TR_NOOP("The desktop rejected the taskbar visibility change right now. Try toggling "
@@ -51,12 +48,9 @@ Q_SIGNALS:
     void lastErrorChanged(const std::optional<QString>& lastError);
 
 private:
-    void storePreference();
-
     std::unique_ptr<TaskbarActivationPolicy> m_ownPolicy;
     ActivationPolicy* m_policy = nullptr;
-    std::unique_ptr<QSettings> m_settings;
-    bool m_storeFailed = false;
+    StoredPreferences& m_preferences;
     bool m_showDockIcon = true;
     std::optional<QString> m_lastError;
 };

@@ -1,9 +1,9 @@
 #pragma once
 
+#include "preferences/StoredPreferences.h"
+
 #include <QObject>
-#include <QSettings>
 #include <QString>
-#include <memory>
 #include <optional>
 
 namespace brenvik {
@@ -16,11 +16,8 @@ class NotificationsController : public QObject {
     Q_PROPERTY(std::optional<QString> lastError READ lastError NOTIFY lastErrorChanged)
 
 public:
-    // The native settings of "Brenvik"/"Brenvik", or an INI file (tests).
-    explicit NotificationsController(const QString& settingsFile = {}, QObject* parent = nullptr);
-    ~NotificationsController() override;
-
-    static constexpr QStringView kSettingsKey = u"notifySessions";
+    // The preferences must outlive it.
+    explicit NotificationsController(StoredPreferences& preferences, QObject* parent = nullptr);
 
     [[nodiscard]] bool enabled() const noexcept { return m_enabled; }
     // Publishes and stores; a store that fails keeps the choice for this
@@ -34,7 +31,7 @@ Q_SIGNALS:
     void lastErrorChanged(const std::optional<QString>& lastError);
 
 private:
-    std::unique_ptr<QSettings> m_settings;
+    StoredPreferences& m_preferences;
     bool m_enabled = true;
     std::optional<QString> m_lastError;
 };

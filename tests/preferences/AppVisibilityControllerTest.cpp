@@ -37,7 +37,8 @@ TEST_F(DockVisibility, StoredValueIsReadAtStartWithoutApplying) {
         QFile::remove(settingsFile());
         if (contents)
             writeSettings(*contents);
-        const AppVisibilityController controller(m_policy, settingsFile());
+        StoredPreferences preferences(settingsFile());
+        const AppVisibilityController controller(m_policy, preferences);
         EXPECT_EQ(controller.showDockIcon(), expected) << name;
         EXPECT_EQ(controller.lastError(), std::nullopt) << name;
     }
@@ -47,7 +48,8 @@ TEST_F(DockVisibility, StoredValueIsReadAtStartWithoutApplying) {
 TEST_F(DockVisibility, UnreadableSettingsFallBackToShown) {
     // A folder in place of the file cannot be read, not even by root.
     ASSERT_TRUE(QDir().mkpath(settingsFile()));
-    AppVisibilityController controller(m_policy, settingsFile());
+    StoredPreferences preferences(settingsFile());
+    AppVisibilityController controller(m_policy, preferences);
     EXPECT_TRUE(controller.showDockIcon());
 
     // Writing fails too: the choice holds for the session and the user hears why.
@@ -72,7 +74,8 @@ TEST_F(DockVisibility, EachAssignmentStoresAppliesAndActivatesWhenShown) {
         {"next success clears", false, true, accessory, 2, false},
         {"refused show", true, false, regular, 2, true},
     };
-    AppVisibilityController controller(m_policy, settingsFile());
+    StoredPreferences preferences(settingsFile());
+    AppVisibilityController controller(m_policy, preferences);
     QSignalSpy shownSpy(&controller, &AppVisibilityController::showDockIconChanged);
     int count = 0;
     for (const auto& [name, value, accept, policy, activations, refused] : steps) {

@@ -109,8 +109,9 @@ public:
         : m_temporaryProgram(temporaryProgram) {}
     RecordingPolicy policy;
     LaunchAtLoginController launchAtLogin{entry()};
-    AppVisibilityController appVisibility{policy, m_dir.filePath(QStringLiteral("Brenvik.conf"))};
-    NotificationsController notifications{m_dir.filePath(QStringLiteral("Brenvik.conf"))};
+    StoredPreferences stored{m_dir.filePath(QStringLiteral("Brenvik.conf"))};
+    AppVisibilityController appVisibility{policy, stored};
+    NotificationsController notifications{stored};
 };
 
 } // namespace brenvik::test

@@ -139,8 +139,8 @@ class Preferences {
 public:
     Preferences()
         : launchAtLogin(entry())
-        , appVisibility(m_policy, m_dir.filePath(QStringLiteral("Brenvik.conf")))
-        , notifications(m_dir.filePath(QStringLiteral("Brenvik.conf"))) {}
+        , appVisibility(m_policy, m_stored)
+        , notifications(m_stored) {}
 
 private:
     // A program file that exists, so the entry can be registered.
@@ -152,6 +152,7 @@ private:
 
     QTemporaryDir m_dir;
     RefusingPolicy m_policy;
+    StoredPreferences m_stored{m_dir.filePath(QStringLiteral("Brenvik.conf"))};
 
 public:
     LaunchAtLoginController launchAtLogin;
