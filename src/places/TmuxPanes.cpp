@@ -4,11 +4,19 @@ namespace brenvik {
 
 namespace {
 
-QList<QStringView> fieldsOf(QStringView line, qsizetype count) {
-    QList<QStringView> fields = line.trimmed().split(u' ', Qt::SkipEmptyParts);
-    if (fields.size() != count)
-        return {};
-    return fields;
+// Each line of tmux's output with exactly `count` blank-separated fields, made
+// a row by `rowOf`; lines it refuses (nullopt) are dropped.
+template <typename Row, typename RowOf>
+QList<Row> rowsOf(QStringView output, qsizetype count, RowOf rowOf) {
+    QList<Row> rows;
+    for (const QStringView line : output.split(u'\n')) {
+        const QList<QStringView> fields = line.trimmed().split(u' ', Qt::SkipEmptyParts);
+        if (fields.size() != count)
+            continue;
+        if (std::optional<Row> row = rowOf(fields))
+            rows << std::move(*row);
+    }
+    return rows;
 }
 
 bool isId(QStringView text, QChar sigil) {
@@ -22,11 +30,7 @@ bool isId(QStringView text, QChar sigil) {
 } // namespace
 
 QList<TmuxPaneRow> parseTmuxPanes(QStringView output) {
-    QList<TmuxPaneRow> rows;
-    for (const QStringView line : output.split(u'\n')) {
-        const QList<QStringView> fields = fieldsOf(line, 6);
-        if (fields.isEmpty())
-            continue;
+    return rowsOf<TmuxPaneRow>(output, 6, [](const QList<QStringView>& fields) {
         bool pidOk = false, windowOk = false, paneOk = false;
         TmuxPaneRow row{.pid = fields[0].toLongLong(&pidOk),
                         .paneId = fields[1].toString(),
@@ -34,29 +38,23 @@ QList<TmuxPaneRow> parseTmuxPanes(QStringView output) {
                         .windowId = fields[3].toString(),
                         .window = fields[4].toInt(&windowOk),
                         .pane = fields[5].toInt(&paneOk)};
-        if (pidOk && windowOk && paneOk && row.pid > 0 && isId(row.paneId, u'%') &&
-            isId(row.sessionId, u'$') && isId(row.windowId, u'@'))
-            rows << std::move(row);
-    }
-    return rows;
+        const bool valid = pidOk && windowOk && paneOk && row.pid > 0 && isId(row.paneId, u'%') &&
+                           isId(row.sessionId, u'$') && isId(row.windowId, u'@');
+        return valid ? std::optional(std::move(row)) : std::nullopt;
+    });
 }
 
 QList<TmuxClientRow> parseTmuxClients(QStringView output) {
-    QList<TmuxClientRow> rows;
-    for (const QStringView line : output.split(u'\n')) {
-        const QList<QStringView> fields = fieldsOf(line, 4);
-        if (fields.isEmpty())
-            continue;
+    return rowsOf<TmuxClientRow>(output, 4, [](const QList<QStringView>& fields) {
         bool pidOk = false, activityOk = false;
         TmuxClientRow row{.pid = fields[0].toLongLong(&pidOk),
                           .activity = fields[1].toLongLong(&activityOk),
                           .sessionId = fields[2].toString(),
                           .tty = fields[3].toString()};
-        if (pidOk && activityOk && row.pid > 0 && isId(row.sessionId, u'$') &&
-            row.tty.startsWith(u'/'))
-            rows << std::move(row);
-    }
-    return rows;
+        const bool valid = pidOk && activityOk && row.pid > 0 && isId(row.sessionId, u'$') &&
+                           row.tty.startsWith(u'/');
+        return valid ? std::optional(std::move(row)) : std::nullopt;
+    });
 }
 
 std::optional<TmuxPaneRow> paneOf(const QList<TmuxPaneRow>& panes,

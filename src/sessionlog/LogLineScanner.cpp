@@ -2,6 +2,7 @@
 
 #include <QByteArray>
 #include <optional>
+#include <utility>
 
 namespace brenvik {
 
@@ -143,41 +144,48 @@ struct Fields {
     QByteArrayView model, info, rateLimits;
 };
 
+// What a type names, by its raw (still escaped) JSON text; `otherwise` for
+// types Brenvik does not follow.
+template <typename Value, std::size_t N>
+Value named(QByteArrayView type, const std::pair<QByteArrayView, Value> (&names)[N],
+            Value otherwise) {
+    for (const auto& [name, value] : names) {
+        if (rawEquals(type, name))
+            return value;
+    }
+    return otherwise;
+}
+
 Kind eventKind(QByteArrayView type) {
-    if (rawEquals(type, "task_started"))
-        return Kind::turnStarted;
-    if (rawEquals(type, "task_complete") || rawEquals(type, "turn_aborted"))
-        return Kind::turnEnded;
-    if (rawEquals(type, "agent_message"))
-        return Kind::agentMessage;
-    if (rawEquals(type, "user_message"))
-        return Kind::userMessage;
-    if (rawEquals(type, "token_count"))
-        return Kind::tokenCount;
-    return Kind::other;
+    static constexpr std::pair<QByteArrayView, Kind> kNames[] = {
+        {"task_started", Kind::turnStarted}, {"task_complete", Kind::turnEnded},
+        {"turn_aborted", Kind::turnEnded},   {"agent_message", Kind::agentMessage},
+        {"user_message", Kind::userMessage}, {"token_count", Kind::tokenCount},
+    };
+    return named(type, kNames, Kind::other);
 }
 
 Kind responseItemKind(QByteArrayView type) {
-    if (rawEquals(type, "function_call") || rawEquals(type, "custom_tool_call") ||
-        rawEquals(type, "local_shell_call"))
-        return Kind::toolCall;
-    if (rawEquals(type, "function_call_output") || rawEquals(type, "custom_tool_call_output"))
-        return Kind::toolOutput;
-    return Kind::other;
+    static constexpr std::pair<QByteArrayView, Kind> kNames[] = {
+        {"function_call", Kind::toolCall},
+        {"custom_tool_call", Kind::toolCall},
+        {"local_shell_call", Kind::toolCall},
+        {"function_call_output", Kind::toolOutput},
+        {"custom_tool_call_output", Kind::toolOutput},
+    };
+    return named(type, kNames, Kind::other);
 }
 
 enum class LineType { sessionMeta, turnContext, eventMsg, responseItem, other };
 
 LineType lineType(QByteArrayView type) {
-    if (rawEquals(type, "event_msg"))
-        return LineType::eventMsg;
-    if (rawEquals(type, "response_item"))
-        return LineType::responseItem;
-    if (rawEquals(type, "session_meta"))
-        return LineType::sessionMeta;
-    if (rawEquals(type, "turn_context"))
-        return LineType::turnContext;
-    return LineType::other;
+    static constexpr std::pair<QByteArrayView, LineType> kNames[] = {
+        {"event_msg", LineType::eventMsg},
+        {"response_item", LineType::responseItem},
+        {"session_meta", LineType::sessionMeta},
+        {"turn_context", LineType::turnContext},
+    };
+    return named(type, kNames, LineType::other);
 }
 
 // The kind once both types are known; nullopt while that is still open.
