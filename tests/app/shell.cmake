@@ -2,7 +2,7 @@
 # control panel window and the start-up order, headless.
 brenvik_add_gtest(brenvik_shell_tests
   SOURCES
-    ${PROJECT_SOURCE_DIR}/tests/views/QtWidgetsTestMain.cpp
+    ${PROJECT_SOURCE_DIR}/tests/support/QtTestMain.cpp
     ${CMAKE_CURRENT_LIST_DIR}/AppModelTest.cpp
     ${CMAKE_CURRENT_LIST_DIR}/ControlPanelControllerTest.cpp
     ${CMAKE_CURRENT_LIST_DIR}/PopoverPlacementTest.cpp

@@ -21,55 +21,20 @@ export QT_QPA_PLATFORM=xcb
 export NO_AT_BRIDGE=1
 # libxkbcommon-x11 hands strndup() names that are not NUL-terminated.
 export ASAN_OPTIONS=${ASAN_OPTIONS//strict_string_checks=1/strict_string_checks=0}
-work=${BRENVIK_TEST_SCRATCH:-$(mktemp -d)}/sni
-mkdir -p "$work"
-
+# shellcheck source=../support/e2e-helpers.sh
+source "$(dirname "$0")/../support/e2e-helpers.sh" sni-e2e "${BRENVIK_TEST_SCRATCH:-$(mktemp -d)}/sni"
+e2e_report_logs=(openbox app panel)
 # Each helper runs in a process group of its own, so that ending it also ends
 # what it started (the panel runs its plugins in wrapper processes).
-groups=()
-finish() {
-    local group
-    for group in "${groups[@]}"; do kill -TERM -- "-$group" 2>/dev/null || true; done
-    for group in "${groups[@]}"; do wait "$group" 2>/dev/null || true; done
-}
-trap finish EXIT
 spawn() { # spawn NAME COMMAND... ; the PID (and group) lands in $spawned
     local name=$1
     shift
-    setsid "$@" >"$work/$name.log" 2>&1 &
-    spawned=$!
-    groups+=("$spawned")
-}
-
-say() { echo "sni-e2e: $*"; }
-fail() {
-    echo "sni-e2e FAILED: $*" >&2
-    import -window root "$work/failure.png" 2>/dev/null && echo "screen: $work/failure.png" >&2
-    local log
-    for log in openbox app panel; do
-        [[ -f $work/$log.log ]] && sed "s/^/$log: /" "$work/$log.log" | tail -n 40 >&2
-    done
-    exit 1
-}
-# poll SECONDS COMMAND...: until the command succeeds, five times a second.
-poll() {
-    local tries=$(($1 * 5))
-    shift
-    while ! "$@"; do
-        ((--tries > 0)) || return 1
-        sleep 0.2
-    done
+    start "$work/$name.log" setsid "$@"
+    spawned=$started
 }
 
 # --- an X display with a window manager and the panel's settings store ----------
-exec 3>"$work/display"
-spawn xvfb Xvfb -displayfd 3 -screen 0 1024x700x24 -nolisten tcp
-exec 3>&-
-poll 20 test -s "$work/display" || fail "Xvfb did not start"
-export DISPLAY=:$(head -n1 "$work/display")
-spawn openbox openbox --sm-disable
-poll 20 sh -c 'xprop -root _NET_SUPPORTING_WM_CHECK | grep -q "window id"' ||
-    fail "openbox did not start"
+start_x_display 1024x700
 
 # One panel along the top: a stretching separator, then the systray (which
 # hosts StatusNotifierItems too). With its settings in place the panel asks
@@ -114,10 +79,10 @@ bus_has() {
 }
 spawn app "$app" --autostart
 app_pid=$spawned
-poll 20 bus_has io.github.brenvik.Brenvik || fail "the app did not start"
+wait_until 20 bus_has io.github.brenvik.Brenvik || fail "the app did not start"
 sleep 5 # the app is up without a tray; now the session's panel comes
 spawn panel xfce4-panel
-say "panel started 5 s after the app"
+log "panel started 5 s after the app"
 
 # The item the panel's watcher knows, as "SERVICE/PATH".
 registered_item() {
@@ -126,10 +91,10 @@ registered_item() {
         string:RegisteredStatusNotifierItems 2>/dev/null | sed -n 's/^ *string "\(.*\)"$/\1/p'
 }
 item_registered() { [[ -n $(registered_item) ]]; }
-poll 30 item_registered || fail "the app's item never registered with the panel's watcher"
+wait_until 30 item_registered || fail "the app's item never registered with the panel's watcher"
 item=$(registered_item)
 item=${item%%/*}
-say "item registered as $item"
+log "item registered as $item"
 
 # The panel: its window along the top. The icon: the box of saturated pixels
 # in it (the dot in its state colour on the panel's grey).
@@ -138,7 +103,7 @@ panel_height() {
         sed -n 's/^ *0x[0-9a-f]* "xfce4-panel": ("xfce4-panel" "Xfce4-panel")  1024x\([0-9]*\)+0+0 .*/\1/p' |
         head -n1 | grep .
 }
-poll 20 panel_height >/dev/null || fail "no panel window along the top"
+wait_until 20 panel_height >/dev/null || fail "no panel window along the top"
 panel_h=$(panel_height)
 icon_box() { # prints "X Y W H" of the icon in the panel
     import -window root -crop "1024x${panel_h}+0+0" "$work/strip.png" 2>/dev/null || return 1
@@ -152,9 +117,9 @@ icon_box() { # prints "X Y W H" of the icon in the panel
                             if (n == 1 || $2 < y0) y0 = $2; if ($2 > y1) y1 = $2 }
              END { if (n < 20) exit 1; print x0, y0, x1 - x0 + 1, y1 - y0 + 1 }'
 }
-poll 20 icon_box >/dev/null || fail "no icon in the panel"
+wait_until 20 icon_box >/dev/null || fail "no icon in the panel"
 read -r ix iy iw ih < <(icon_box)
-say "icon ${iw}x${ih} at +$ix+$iy in the ${panel_h} px panel"
+log "icon ${iw}x${ih} at +$ix+$iy in the ${panel_h} px panel"
 cp "$work/strip.png" "$work/icon-in-panel.png"
 
 # --- right click: the panel's menu, built from the item's exported menu ----------
@@ -184,15 +149,15 @@ open_menu() { # a click that lands while the panel is still busy can get lost: c
     local attempt
     for attempt in 1 2 3; do
         click_icon 3
-        poll 5 panel_menu_shown && return 0
+        wait_until 5 panel_menu_shown && return 0
     done
     return 1
 }
 open_menu || fail "a right click on the icon opened no menu"
 import -window root "$work/menu.png"
-say "a right click opened the panel's menu: $labels"
+log "a right click opened the panel's menu: $labels"
 xdotool key Escape
-poll 10 eval '! panel_menu_shown' || fail "the menu did not close"
+wait_until 10 eval '! panel_menu_shown' || fail "the menu did not close"
 
 # --- left click: Activate, the popover just below the icon ------------------------
 popover_geometry() { # "W H X Y" of the mapped popover
@@ -205,16 +170,16 @@ popover_geometry() { # "W H X Y" of the mapped popover
 popover_shown() { popover_geometry >/dev/null; }
 popover_closed() { ! popover_shown; }
 click_icon 1
-poll 20 popover_shown || fail "a left click on the icon opened no popover"
+wait_until 20 popover_shown || fail "a left click on the icon opened no popover"
 read -r pw ph px py < <(popover_geometry)
 import -window root "$work/popover.png"
 ((py >= panel_h && py <= panel_h + 12)) ||
     fail "popover at y=$py is not just below the ${panel_h} px panel"
 ((px <= ix + iw && px + pw >= ix && px + pw <= 1024)) ||
     fail "popover x $px..$((px + pw)) is not by the icon at x $ix..$((ix + iw))"
-say "a left click opened the popover ${pw}x${ph} at +$px+$py, below the icon at +$ix+$iy"
+log "a left click opened the popover ${pw}x${ph} at +$px+$py, below the icon at +$ix+$iy"
 xdotool key Escape
-poll 10 popover_closed || fail "Escape did not close the popover"
+wait_until 10 popover_closed || fail "Escape did not close the popover"
 
 # Activate sent on the bus, the pointer resting on the icon as after a click.
 # Just after closing, the popover takes a click on the icon as the one that
@@ -224,7 +189,7 @@ activate() {
     for attempt in 1 2 3; do
         dbus-send --session --print-reply --dest="$item" /StatusNotifierItem \
             org.kde.StatusNotifierItem.Activate int32:0 int32:0 >/dev/null
-        poll 5 popover_shown && return 0
+        wait_until 5 popover_shown && return 0
     done
     return 1
 }
@@ -233,16 +198,16 @@ activate || fail "Activate on the bus opened no popover"
 read -r pw ph px py < <(popover_geometry)
 ((py >= panel_h && py <= panel_h + 12 && px <= ix + iw && px + pw >= ix)) ||
     fail "after Activate the popover ${pw}x${ph}+$px+$py is not below the icon"
-say "Activate on the bus opened it there too"
+log "Activate on the bus opened it there too"
 xdotool key Escape
-poll 10 popover_closed || fail "Escape did not close the popover"
+wait_until 10 popover_closed || fail "Escape did not close the popover"
 
 # --- "Quit" from the panel's menu -------------------------------------------------
 app_ended() { [[ ! -e /proc/$app_pid ]] || grep -q '^State:[[:space:]]*Z' "/proc/$app_pid/status"; }
 open_menu || fail "a right click on the icon opened no menu"
 xdotool key Up Return # the last item
-poll 20 app_ended || fail "\"Quit\" from the panel's menu did not end the app"
+wait_until 20 app_ended || fail "\"Quit\" from the panel's menu did not end the app"
 status=0
 wait "$app_pid" || status=$?
 ((status == 0)) || fail "\"Quit\" ended the app with status $status"
-say "\"Quit\" from the panel's menu ended the app with status 0"
+log "\"Quit\" from the panel's menu ended the app with status 0"

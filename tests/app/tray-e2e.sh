@@ -47,47 +47,17 @@ export QT_QPA_PLATFORM=xcb
 # libxkbcommon-x11 hands strndup() names that are not NUL-terminated, which
 # strndup allows but ASan's strict string checks report.
 export ASAN_OPTIONS=${ASAN_OPTIONS//strict_string_checks=1/strict_string_checks=0}
-work=${BRENVIK_TEST_SCRATCH:-$(mktemp -d)}/e2e
-mkdir -p "$work"
+# shellcheck source=../support/e2e-helpers.sh
+source "$(dirname "$0")/../support/e2e-helpers.sh" e2e "${BRENVIK_TEST_SCRATCH:-$(mktemp -d)}/e2e"
 # The fake Codex CLI lives where the path says nothing about this program.
 codex_dir=$(mktemp -d /tmp/e2e-cli.XXXXXX)
-
-pids=()
-cleanup() {
-    local pid
-    for pid in "${pids[@]}"; do
-        kill "$pid" 2>/dev/null || true
-        kill -CONT "$pid" 2>/dev/null || true # a stopped one takes its TERM only then
-    done
-    for pid in "${pids[@]}"; do
-        wait "$pid" 2>/dev/null || true
-    done
-    rm -rf "$codex_dir"
-}
-trap cleanup EXIT
-
-log() { echo "e2e: $*"; }
-fail() {
-    echo "e2e FAILED: $*" >&2
-    import -window root "$work/failure.png" 2>/dev/null && echo "screen: $work/failure.png" >&2
-    [[ -f $work/app.log ]] && sed 's/^/app: /' "$work/app.log" >&2
-    exit 1
-}
-# shellcheck source=../support/e2e-helpers.sh
-source "$(dirname "$0")/../support/e2e-helpers.sh"
+e2e_cleanup() { rm -rf "$codex_dir"; }
 
 # --- display, window manager -------------------------------------------------
-exec 3>"$work/display"
-start "$work/xvfb.log" Xvfb -displayfd 3 -screen 0 1024x700x24 -nolisten tcp
-exec 3>&-
-wait_until 20 test -s "$work/display" || fail "Xvfb did not start"
-export DISPLAY=:$(head -n1 "$work/display")
 screen_w=1024
 screen_h=700
+start_x_display ${screen_w}x$screen_h
 log "display $DISPLAY"
-start "$work/openbox.log" openbox --sm-disable
-wait_until 20 sh -c 'xprop -root _NET_SUPPORTING_WM_CHECK | grep -q "window id"' ||
-    fail "openbox did not start"
 
 start_trayer() {
     start "$work/trayer.log" trayer --edge top --align right --widthtype request --height 24 \

@@ -16,25 +16,9 @@ if [[ -z ${BRENVIK_E2E_PRIVATE_BUS:-} ]]; then
 fi
 
 # XDG_RUNTIME_DIR is private (0700): weston puts its socket there.
-work=${BRENVIK_TEST_SCRATCH:-$(mktemp -d)}/wayland-e2e
-mkdir -p "$work"
-pids=()
-cleanup() {
-    local pid
-    for pid in "${pids[@]}"; do kill "$pid" 2>/dev/null || true; done
-    for pid in "${pids[@]}"; do wait "$pid" 2>/dev/null || true; done
-}
-trap cleanup EXIT
-
-log() { echo "wayland-e2e: $*"; }
-fail() {
-    echo "wayland-e2e FAILED: $*" >&2
-    [[ -f $work/scene.txt ]] && sed 's/^/scene: /' "$work/scene.txt" >&2
-    [[ -f $work/app.log ]] && sed 's/^/app: /' "$work/app.log" >&2
-    exit 1
-}
 # shellcheck source=../support/e2e-helpers.sh
-source "$(dirname "$0")/../support/e2e-helpers.sh"
+source "$(dirname "$0")/../support/e2e-helpers.sh" wayland-e2e "${BRENVIK_TEST_SCRATCH:-$(mktemp -d)}/wayland-e2e"
+e2e_report_logs=(scene app)
 
 # --- compositor: headless, pixman so that screenshots have pixels; --debug
 # opens the scene graph and the screenshooter to clients.
@@ -52,12 +36,12 @@ export QT_QPA_PLATFORM=wayland
 # --- looking at the compositor ----------------------------------------------------
 # "X1 Y1 X2 Y2" of the top-level window titled NAME, from weston's scene graph.
 window_box() {
-    timeout 10 weston-debug scene-graph >"$work/scene.txt" 2>/dev/null || return 1
+    timeout 10 weston-debug scene-graph >"$work/scene.log" 2>/dev/null || return 1
     awk -v want="top-level window '$1' of" '
         index($0, want) { found = 1; next }
         found && /position:/ {
             gsub(/[(),>-]/, " "); print $2, $3, $4, $5; exit
-        }' "$work/scene.txt" | grep .
+        }' "$work/scene.log" | grep .
 }
 is_mapped() { window_box "$1" >/dev/null; }
 is_closed() { ! is_mapped "$1"; }

@@ -393,9 +393,3 @@ TEST(StatusCommand, GoesToTheTmuxPaneOfASession) {
 }
 
 } // namespace
-
-int main(int argc, char** argv) {
-    QCoreApplication app(argc, argv);
-    ::testing::InitGoogleTest(&argc, argv);
-    return RUN_ALL_TESTS();
-}

@@ -17,41 +17,18 @@ app=$2
 if [[ -z ${BRENVIK_E2E_PRIVATE_BUS:-} ]]; then
     BRENVIK_E2E_PRIVATE_BUS=1 exec "$(dirname "$0")/../support/private-session.sh" "$0" "$@"
 fi
-# shellcheck source=../support/e2e-helpers.sh
-source "$(dirname "$0")/../support/e2e-helpers.sh"
-
 unset QT_QPA_PLATFORM TMUX WAYLAND_DISPLAY
 # Where the path says nothing about this program.
 dir=$(mktemp -d /tmp/cdx-go.XXXXXX)
+# shellcheck source=../support/e2e-helpers.sh
+source "$(dirname "$0")/../support/e2e-helpers.sh" e2e "$dir"
 tmux=(tmux -S "$dir/sock" -f /dev/null)
-pids=()
-cleanup() {
+e2e_cleanup() {
     "${tmux[@]}" kill-server 2>/dev/null || true
-    local pid
-    for pid in "${pids[@]}"; do
-        kill "$pid" 2>/dev/null || true
-    done
-    for pid in "${pids[@]}"; do
-        wait "$pid" 2>/dev/null || true
-    done
     rm -rf "$dir"
 }
-trap cleanup EXIT
-log() { echo "e2e: $*"; }
-fail() {
-    echo "e2e FAILED: $*" >&2
-    [[ -f $dir/app.log ]] && sed 's/^/app: /' "$dir/app.log" >&2
-    exit 1
-}
 
-exec 3>"$dir/display"
-start "$dir/xvfb.log" Xvfb -displayfd 3 -screen 0 1024x700x24 -nolisten tcp
-exec 3>&-
-wait_until 20 test -s "$dir/display" || fail "Xvfb did not start"
-export DISPLAY=:$(head -n1 "$dir/display")
-start "$dir/openbox.log" openbox --sm-disable
-wait_until 20 sh -c 'xprop -root _NET_SUPPORTING_WM_CHECK | grep -q "window id"' ||
-    fail "openbox did not start"
+start_x_display 1024x700
 xdotool set_num_desktops 2
 
 # one: window 0 a shell and the session docs (pane 0.1), window 1 a shell and
