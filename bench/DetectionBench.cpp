@@ -5,8 +5,13 @@
 #include "detection/PsProcessTable.h"
 
 #include <benchmark/benchmark.h>
+#include <cstdio>
+#include <cstdlib>
+#include <dirent.h>
+#include <fcntl.h>
 #include <random>
 #include <sys/resource.h>
+#include <unistd.h>
 
 namespace {
 
@@ -119,6 +124,43 @@ void BM_ProcSnapshotCold(benchmark::State& state) {
     measureCPU(state, [] { return ProcProcessTableSource().snapshot(); });
 }
 BENCHMARK(BM_ProcSnapshotCold)->UseManualTime()->Unit(benchmark::kMillisecond)->MinTime(1.0);
+
+// Listing /proc, and opening and reading one file per process: the floor of
+// a refresh (it must learn which processes exist), and what reading every
+// process's stat would cost, which the /proc source's rotation avoids.
+template <bool readStat> void readProc(benchmark::State& state) {
+    measureCPU(state, [] {
+        QList<int> rows;
+        DIR* proc = ::opendir("/proc");
+        char buffer[1024];
+        while (const dirent* entry = ::readdir(proc)) {
+            if (entry->d_name[0] < '1' || entry->d_name[0] > '9')
+                continue;
+            if constexpr (readStat) {
+                char path[sizeof entry->d_name + 8];
+                std::snprintf(path, sizeof path, "%s/stat", entry->d_name);
+                const int fd = ::openat(::dirfd(proc), path, O_RDONLY | O_CLOEXEC);
+                if (fd < 0)
+                    continue;
+                const bool read = ::read(fd, buffer, sizeof buffer) > 0;
+                ::close(fd);
+                if (!read)
+                    continue;
+            }
+            rows.append(std::atoi(entry->d_name));
+        }
+        ::closedir(proc);
+        return rows;
+    });
+}
+void BM_ListFloor(benchmark::State& state) {
+    readProc<false>(state);
+}
+BENCHMARK(BM_ListFloor)->UseManualTime()->Unit(benchmark::kMillisecond)->MinTime(1.0);
+void BM_EveryStat(benchmark::State& state) {
+    readProc<true>(state);
+}
+BENCHMARK(BM_EveryStat)->UseManualTime()->Unit(benchmark::kMillisecond)->MinTime(1.0);
 
 void BM_PsSnapshot(benchmark::State& state) {
     measureCPU(state, [] { return readProcessTable(); });

@@ -31,6 +31,8 @@ awk -F, -v procs="$detect_count" '
     printf "one snapshot, /proc (steady): %.3f ms CPU\n", t["BM_ProcSnapshotSteady"]
     printf "one snapshot, /proc (cold):   %.3f ms CPU\n", t["BM_ProcSnapshotCold"]
     printf "one snapshot, /bin/ps:        %.3f ms CPU incl. the child\n", t["BM_PsSnapshot"]
+    printf "listing /proc alone:          %.3f ms CPU (the floor: which processes exist)\n", t["BM_ListFloor"]
+    printf "listing + every stat:         %.3f ms CPU (what the rotation saves)\n", t["BM_EveryStat"]
     if (t["BM_ProcSnapshotSteady"] > 0)
       printf "/proc is %.1fx cheaper than ps steady, %.1fx on first sight (goal >= 5x)\n",
         t["BM_PsSnapshot"] / t["BM_ProcSnapshotSteady"], t["BM_PsSnapshot"] / t["BM_ProcSnapshotCold"]
@@ -133,6 +135,9 @@ for n in $scale_sizes; do
   status_out=$(WARMUP=6 "$(dirname "$0")/steady-state.sh" "$scale_seconds" "$build/src/cli/brenvik-status" --watch)
   per_refresh=$(echo "$status_out" | figure "CPU time per refresh" | awk '{ print $1 }')
   echo "brenvik-status --watch: $(echo "$status_out" | figure "CPU use"), $per_refresh ms per refresh, $(echo "$status_out" | figure "resident memory"); ps costs $(awk -v a="$ps_cost" -v b="$per_refresh" 'BEGIN { printf "%.0f", (b > 0 ? a / b : 0) }')x a refresh (goal >= 20x at 1,000)"
+  floor=$("$build/bench/detection_bench" --benchmark_filter=BM_ListFloor --benchmark_format=csv 2>/dev/null |
+    awk -F, '/^"BM_ListFloor/ { print $3 }')
+  echo "the floor (listing /proc): $floor ms; a refresh is $(awk -v a="$per_refresh" -v b="$floor" 'BEGIN { printf "%.1f", (b > 0 ? a / b : 0) }')x it; ps could be at most $(awk -v a="$ps_cost" -v b="$floor" 'BEGIN { printf "%.0f", (b > 0 ? a / b : 0) }')x a refresh"
   if [ -z "${SCALE_SKIP_APP:-}" ]; then
     app_out=$(dbus-run-session -- bash -c "set -euo pipefail; $(declare -f app_steady_state); APP_SECONDS=$scale_seconds app_steady_state '$build' '$(dirname "$0")/steady-state.sh'" 2>/dev/null)
     echo "tray app at rest:       $(echo "$app_out" | figure "CPU use"), $(echo "$app_out" | figure "CPU time per refresh"), $(echo "$app_out" | figure "resident memory")"
