@@ -316,7 +316,10 @@ bool isCandidateCommand(QStringView lowered) {
 }
 
 bool isCodexExecutable(QStringView executablePath) {
-    return executableKind(executableName(executablePath)) != Executable::other;
+    // Every name it knows holds "codex": most files are ruled out without
+    // lower-casing (a copy) at every refresh.
+    return mayMentionCodex(fileName(executablePath)) &&
+           executableKind(executableName(executablePath)) != Executable::other;
 }
 
 bool isLauncherLink(QStringView loweredParent, QStringView loweredChild) {

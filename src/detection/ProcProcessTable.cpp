@@ -6,6 +6,7 @@
 #include <QCoreApplication>
 #include <QFile>
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <charconv>
 #include <cstdio>
@@ -51,46 +52,28 @@ std::optional<StatFields> parseStatFields(QByteArrayView contents) {
         return std::nullopt;
     fields.comm = contents.sliced(open + 1, close - open - 1);
 
-    // Fields after the name, counted from the state (field 3 of the line).
-    constexpr int kState = 0, kPpid = 1, kFlags = 6, kUtime = 11, kStime = 12, kStartTime = 19;
+    // The fields this reader uses, by their numbers in proc(5). Field 2, the
+    // name, may hold anything: the others are counted from its last ")".
+    enum : int { kState = 3, kPpid = 4, kFlags = 9, kUtime = 14, kStime = 15, kStartTime = 22 };
+    std::array<QByteArrayView, kStartTime + 1> field;
     const QByteArrayView rest = contents.sliced(close + 1);
     qsizetype at = 0;
-    for (int index = 0; index <= kStartTime; ++index) {
+    for (int number = kState; number <= kStartTime; ++number) {
         while (at < rest.size() && isStatSpace(rest[at]))
             ++at;
         const qsizetype begin = at;
         while (at < rest.size() && !isStatSpace(rest[at]))
             ++at;
-        const QByteArrayView field = rest.sliced(begin, at - begin);
-        if (field.isEmpty())
-            return std::nullopt;
-        bool ok = true;
-        switch (index) {
-        case kState:
-            ok = field.size() == 1;
-            fields.state = field[0];
-            break;
-        case kPpid:
-            ok = parseWhole(field, fields.ppid);
-            break;
-        case kFlags:
-            ok = parseWhole(field, fields.flags);
-            break;
-        case kUtime:
-            ok = parseWhole(field, fields.utimeTicks);
-            break;
-        case kStime:
-            ok = parseWhole(field, fields.stimeTicks);
-            break;
-        case kStartTime:
-            ok = parseWhole(field, fields.startTimeTicks);
-            break;
-        default:
-            break;
-        }
-        if (!ok)
+        field[number] = rest.sliced(begin, at - begin);
+        if (field[number].isEmpty())
             return std::nullopt;
     }
+    if (field[kState].size() != 1 || !parseWhole(field[kPpid], fields.ppid) ||
+        !parseWhole(field[kFlags], fields.flags) || !parseWhole(field[kUtime], fields.utimeTicks) ||
+        !parseWhole(field[kStime], fields.stimeTicks) ||
+        !parseWhole(field[kStartTime], fields.startTimeTicks))
+        return std::nullopt;
+    fields.state = field[kState][0];
     return fields;
 }
 
