@@ -51,6 +51,8 @@ TEST(NotificationPolicy, WhatIsAnnounced) {
     const auto b = [](ProcessActivityStatus s, qint64 since) {
         return session(2, s, since, "beta");
     };
+    const QString alphaWaits =
+        u"Codex is waiting for you \u00B7 alpha | A command needs your approval."_qs;
     // Started at 1 s, burning a core until 6 s; no log yet to say otherwise.
     const auto startingUp = [](ProcessActivityStatus s, qint64 since) {
         ProcessMatch match = session(3, s, since, "gamma");
@@ -93,11 +95,7 @@ TEST(NotificationPolicy, WhatIsAnnounced) {
           {2, {}, false, true, {u"Codex finished \u00B7 alpha | Worked 16 s\nDone."_qs}}}},
         {"waiting, then approved",
          {{0, {a(running, -30)}, false, true, {}},
-          {2,
-           {a(waiting, 1)},
-           false,
-           true,
-           {u"Codex is waiting for you \u00B7 alpha | A command needs your approval."_qs}},
+          {2, {a(waiting, 1)}, false, true, {alphaWaits}},
           {4, {a(waiting, 1)}, false, true, {}},
           {6, {a(running, 5)}, false, true, {u"close 1"_qs}}}},
         {"two sessions in one refresh share one notice",
@@ -113,21 +111,13 @@ TEST(NotificationPolicy, WhatIsAnnounced) {
           {4, {a(running, -60)}, false, true, {}}}},
         {"turned off: nothing shown, but a waiting notice still closes",
          {{0, {a(running, -60)}, false, true, {}},
-          {2,
-           {a(waiting, 1)},
-           false,
-           true,
-           {u"Codex is waiting for you \u00B7 alpha | A command needs your approval."_qs}},
+          {2, {a(waiting, 1)}, false, true, {alphaWaits}},
           {4, {a(idle, 3)}, false, false, {u"close 1"_qs}},
           {6, {a(running, 5)}, false, false, {}},
           {30, {a(idle, 29)}, false, false, {}}}},
         {"a waiting session that went away",
          {{0, {a(running, -60)}, false, true, {}},
-          {2,
-           {a(waiting, 1)},
-           false,
-           true,
-           {u"Codex is waiting for you \u00B7 alpha | A command needs your approval."_qs}},
+          {2, {a(waiting, 1)}, false, true, {alphaWaits}},
           {4, {}, false, true, {u"close 1"_qs}}}},
     };
     for (const auto& c : cases) {
