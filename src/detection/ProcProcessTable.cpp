@@ -99,6 +99,20 @@ qsizetype readSmallFile(int directory, const char* name, char* buffer, qsizetype
     return length;
 }
 
+// A process's stat, through its path: most processes read need nothing
+// else, and opening their directory would double the calls. Its name views
+// `buffer`.
+template <std::size_t N>
+std::optional<StatFields> readStat(int proc, const char* pid, char (&buffer)[N]) {
+    char path[32];
+    if (std::snprintf(path, sizeof path, "%s/stat", pid) >= int(sizeof path))
+        return std::nullopt;
+    const qsizetype length = readSmallFile(proc, path, buffer, qsizetype(N));
+    if (length <= 0)
+        return std::nullopt;
+    return parseStatFields(QByteArrayView(buffer, length));
+}
+
 bool isNumericName(const char* name) {
     if (*name == '\0')
         return false;
@@ -190,11 +204,14 @@ void ProcProcessTableSource::readDetails(Known& known, int pidDirectory, quint64
     known.executable = readLink(pidDirectory, "exe");
     known.cwd = readLink(pidDirectory, "cwd");
     known.isCodex = known.isCodex || isCodexExecutable(known.executable);
-    if (m_bootTimeSeconds) {
-        const auto sinceBoot = qint64(double(startTimeTicks) * 1000.0 / m_ticksPerSecond);
-        known.startedAt =
-            QDateTime::fromMSecsSinceEpoch(*m_bootTimeSeconds * 1000 + sinceBoot, Qt::UTC);
-    }
+    known.startedAt = startTimeOf(startTimeTicks);
+}
+
+std::optional<QDateTime> ProcProcessTableSource::startTimeOf(quint64 startTimeTicks) const {
+    if (!m_bootTimeSeconds)
+        return std::nullopt;
+    const auto sinceBoot = qint64(double(startTimeTicks) * 1000.0 / m_ticksPerSecond);
+    return QDateTime::fromMSecsSinceEpoch(*m_bootTimeSeconds * 1000 + sinceBoot, Qt::UTC);
 }
 
 void ProcProcessTableSource::setProcessesOfInterest(QSet<qint64> pids) {
@@ -276,7 +293,7 @@ QList<ObservedProcess> ProcProcessTableSource::snapshot() {
     const double interval =
         m_previousAt ? std::chrono::duration<double>(now - *m_previousAt).count() : 0.0;
     m_previousAt = now;
-    const quint64 generation = ++m_generation;
+    const quint64 generation = m_reRead.nextGeneration();
 
     QList<ObservedProcess> rows;
     rows.reserve(m_previousCount + 32);
@@ -292,13 +309,10 @@ QList<ObservedProcess> ProcProcessTableSource::snapshot() {
         }
         if (!isNumericName(entry->d_name))
             continue;
-        // Seen last time, and nothing any session is made of: its row stands
-        // as it was read, except on its turn in the rotation. Kernel threads
-        // never turn into anything else.
         if (const auto seen = m_known.find(std::strtoll(entry->d_name, nullptr, 10));
-            seen != m_known.end() && seen->generation == generation - 1 &&
-            !m_ofInterest.contains(seen.key()) &&
-            (seen->isKernelThread || (seen.key() + qint64(generation)) % kRotationSlices != 0)) {
+            seen != m_known.end() && m_reRead.seenLastTime(seen->generation) &&
+            m_reRead.keepsRow(seen.key(), seen->isKernelThread,
+                              m_ofInterest.contains(seen.key()))) {
             seen->generation = generation;
             rows.append(ObservedProcess{.pid = seen.key(),
                                         .ppid = seen->ppid,
@@ -312,24 +326,14 @@ QList<ObservedProcess> ProcProcessTableSource::snapshot() {
                                         .startedAt = seen->startedAt});
             continue;
         }
-        // stat through its path: most processes read here need nothing else,
-        // and opening their directory would double the calls.
-        char statPath[32];
-        if (std::snprintf(statPath, sizeof statPath, "%s/stat", entry->d_name) >=
-            int(sizeof statPath))
-            continue;
-        const qsizetype statLength =
-            readSmallFile(::dirfd(dir.get()), statPath, statBuffer, qsizetype(sizeof statBuffer));
-        if (statLength <= 0)
-            continue;
-        const auto stat = parseStatFields(QByteArrayView(statBuffer, statLength));
+        const auto stat = readStat(::dirfd(dir.get()), entry->d_name, statBuffer);
         if (!stat)
             continue;
 
         Known& known = m_known[stat->pid];
         // Seen in the previous snapshot as the same process (a PID may be reused).
         const bool continuing =
-            known.generation == generation - 1 && known.startTimeTicks == stat->startTimeTicks;
+            m_reRead.seenLastTime(known.generation) && known.startTimeTicks == stat->startTimeTicks;
         const bool zombie = stat->state == 'Z';
         if (zombie) {
             // It ran its course: nothing it was may be counted any more.
@@ -346,7 +350,8 @@ QList<ObservedProcess> ProcProcessTableSource::snapshot() {
                              .cpuTime = known.cpuTime,
                              .generation = known.generation};
             known = dead;
-        } else if (!continuing || known.comm != stat->comm || !known.commandIsFinal) {
+        } else if (ReReadPolicy::readsCommandLine(continuing, known.comm != stat->comm,
+                                                  known.commandIsFinal)) {
             const FileDescriptor pidDir(
                 ::openat(::dirfd(dir.get()), entry->d_name, O_RDONLY | O_DIRECTORY | O_CLOEXEC));
             if (!pidDir.isValid())
@@ -354,13 +359,11 @@ QList<ObservedProcess> ProcProcessTableSource::snapshot() {
             auto commandLine = readCommandLine(pidDir.get(), commLooksLikeCodex(stat->comm));
             if (!commandLine)
                 continue; // vanished mid-read; pruned below unless seen before
-            // An empty command line is final only for a kernel thread. A process
-            // in the middle of exec shows its new comm before its arguments;
-            // one between fork and exec shows its parent's command line.
             const auto parent = m_known.constFind(stat->ppid);
-            known.commandIsFinal = (!commandLine->text.isEmpty() || stat->isKernelThread()) &&
-                                   (parent == m_known.cend() || !parent->isCodex ||
-                                    parent->command != commandLine->text);
+            known.commandIsFinal =
+                ReReadPolicy::isFinal(commandLine->text.isEmpty(), stat->isKernelThread(),
+                                      parent != m_known.cend() && parent->isCodex &&
+                                          parent->command == commandLine->text);
             known.arguments = std::move(commandLine->arguments);
             if (commandLine->text.isEmpty())
                 commandLine->text = u'[' + QString::fromUtf8(stat->comm) + u']';

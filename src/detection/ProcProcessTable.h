@@ -1,6 +1,7 @@
 #pragma once
 
 #include "detection/ProcessSnapshot.h"
+#include "detection/ReReadPolicy.h"
 
 #include <QByteArray>
 #include <QByteArrayView>
@@ -53,10 +54,7 @@ public:
     [[nodiscard]] QList<ObservedProcess> snapshot() override;
     void setProcessesOfInterest(QSet<qint64> pids) override;
 
-    // A process that matters to no session is read once in this many
-    // snapshots (every 10 s at 2 s a refresh), so that one which turns into
-    // Codex is seen soon enough while most of the table costs nothing.
-    static constexpr int kRotationSlices = 5;
+    static constexpr int kRotationSlices = ReReadPolicy::kRotationSlices;
 
 private:
     // What the previous snapshots taught about one process.
@@ -89,7 +87,10 @@ private:
     // Codex's or its parent is. False when it did not read them.
     bool learn(Known& known, int pidDirectory, qint64 ppid, QByteArrayView comm,
                quint64 startTimeTicks, QString command);
+    // Its executable, working directory and start time.
     void readDetails(Known& known, int pidDirectory, quint64 startTimeTicks);
+    // When it started: its stat's start time counts ticks since boot.
+    [[nodiscard]] std::optional<QDateTime> startTimeOf(quint64 startTimeTicks) const;
 
     QString m_procRoot;
     SteadyClock m_clock;
@@ -98,7 +99,7 @@ private:
     QHash<qint64, Known> m_known;
     QSet<qint64> m_ofInterest; // read at every snapshot
     std::optional<std::chrono::steady_clock::time_point> m_previousAt;
-    quint64 m_generation = 1; // so that no snapshot mistakes a fresh entry (0) for the previous one
+    ReReadPolicy m_reRead;
     qsizetype m_previousCount = 0;
     QByteArray m_cmdlineBuffer;            // reused: cmdline may be long
     std::array<QString, 256> m_stateTexts; // shared one-letter texts
