@@ -243,8 +243,9 @@ LogLineEvent eventFrom(const Fields& fields, Kind kind) {
 
 enum class Walk { done, irrelevant, failed };
 
-// Reads the payload object's own keys; stops early once it is irrelevant.
-Walk walkPayload(JsonWalker& walker, Fields& fields) {
+// Walks an object's members after its "{": `member(key)` reads or skips each
+// value and says whether to go on (done), stop early (irrelevant) or give up.
+template <typename Member> Walk walkMembers(JsonWalker& walker, Member member) {
     if (walker.take('}'))
         return Walk::done;
     for (;;) {
@@ -252,15 +253,26 @@ Walk walkPayload(JsonWalker& walker, Fields& fields) {
         if (!walker.string(key) || !walker.take(':'))
             return Walk::failed;
         walker.skipSpace();
-        const auto stringField = [&](QByteArrayView& value, bool* present = nullptr) {
-            if (walker.peek() != '"')
-                return walker.skipValue();
-            if (!walker.string(value))
-                return false;
-            if (present)
-                *present = true;
-            return true;
-        };
+        if (const Walk walk = member(key); walk != Walk::done)
+            return walk;
+        if (walker.take(','))
+            continue;
+        return walker.take('}') ? Walk::done : Walk::failed;
+    }
+}
+
+// Reads the payload object's own keys; stops early once it is irrelevant.
+Walk walkPayload(JsonWalker& walker, Fields& fields) {
+    const auto stringField = [&walker](QByteArrayView& value, bool* present = nullptr) {
+        if (walker.peek() != '"')
+            return walker.skipValue();
+        if (!walker.string(value))
+            return false;
+        if (present)
+            *present = true;
+        return true;
+    };
+    return walkMembers(walker, [&](QByteArrayView key) {
         bool ok = true;
         if (key == "type") {
             QByteArrayView type;
@@ -294,24 +306,14 @@ Walk walkPayload(JsonWalker& walker, Fields& fields) {
         } else {
             ok = walker.skipValue();
         }
-        if (!ok)
-            return Walk::failed;
-        if (walker.take(','))
-            continue;
-        return walker.take('}') ? Walk::done : Walk::failed;
-    }
+        return ok ? Walk::done : Walk::failed;
+    });
 }
 
 Walk walkLine(JsonWalker& walker, Fields& fields) {
     if (!walker.take('{'))
         return Walk::failed;
-    if (walker.take('}'))
-        return Walk::done;
-    for (;;) {
-        QByteArrayView key;
-        if (!walker.string(key) || !walker.take(':'))
-            return Walk::failed;
-        walker.skipSpace();
+    const Walk walk = walkMembers(walker, [&](QByteArrayView key) {
         bool ok = true;
         if (key == "type") {
             QByteArrayView type;
@@ -324,21 +326,16 @@ Walk walkLine(JsonWalker& walker, Fields& fields) {
             ok = walker.peek() == '"' ? walker.string(fields.timestamp) : walker.skipValue();
         } else if (key == "payload" && walker.peek() == '{') {
             walker.take('{');
-            const Walk payload = walkPayload(walker, fields);
-            if (payload != Walk::done)
-                return payload;
+            return walkPayload(walker, fields);
         } else {
             ok = walker.skipValue();
         }
-        if (!ok)
-            return Walk::failed;
-        if (walker.take(','))
-            continue;
-        if (!walker.take('}'))
-            return Walk::failed;
-        walker.skipSpace();
-        return walker.atEnd() ? Walk::done : Walk::failed;
-    }
+        return ok ? Walk::done : Walk::failed;
+    });
+    if (walk != Walk::done)
+        return walk;
+    walker.skipSpace();
+    return walker.atEnd() ? Walk::done : Walk::failed;
 }
 
 void appendUtf8(QByteArray& out, char32_t code) {
