@@ -14,15 +14,9 @@ struct StatusTable {
 
 // A row's status; the JSON keeps the untranslated value.
 [[nodiscard]] QString statusName(ProcessActivityStatus status) {
-    switch (status) {
-    case ProcessActivityStatus::running:
-        return StatusTable::tr("running");
-    case ProcessActivityStatus::waiting:
-        return StatusTable::tr("waiting");
-    case ProcessActivityStatus::idle:
-        break;
-    }
-    return StatusTable::tr("idle");
+    return status == ProcessActivityStatus::running   ? StatusTable::tr("running")
+           : status == ProcessActivityStatus::waiting ? StatusTable::tr("waiting")
+                                                      : StatusTable::tr("idle");
 }
 
 [[nodiscard]] QString stateName(const CodexRunState& state) {

@@ -358,27 +358,21 @@ CodexRole codexRole(QStringView lowered, QStringView executablePath, const QStri
             isOneOf(fileName(words[0]), {u"apply_patch", u"applypatch"}))
             return CodexRole::helper;
     }
-    switch (running.executable) {
-    case Executable::codex:
+    // The executable decides; a script's entry point only where the executable is none we know.
+    if (running.executable == Executable::other) {
+        if (running.entry == Entry::acpx)
+            return namesCodexAgent(lowered, words, running.arguments) ? CodexRole::adapter
+                                                                      : CodexRole::none;
+        running.executable = running.entry == Entry::codex     ? Executable::codex
+                             : running.entry == Entry::adapter ? Executable::adapter
+                                                               : Executable::other;
+    }
+    if (running.executable == Executable::codex)
         return codexCommandRole(words, running.arguments);
-    case Executable::adapter:
+    if (running.executable == Executable::adapter)
         return CodexRole::adapter;
-    case Executable::sandbox:
+    if (running.executable == Executable::sandbox)
         return CodexRole::helper;
-    case Executable::other:
-        break;
-    }
-    switch (running.entry) {
-    case Entry::codex:
-        return codexCommandRole(words, running.arguments);
-    case Entry::adapter:
-        return CodexRole::adapter;
-    case Entry::acpx:
-        return namesCodexAgent(lowered, words, running.arguments) ? CodexRole::adapter
-                                                                  : CodexRole::none;
-    case Entry::other:
-        break;
-    }
     return CodexRole::none;
 }
 

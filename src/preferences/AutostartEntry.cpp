@@ -5,6 +5,9 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QSaveFile>
+#include <algorithm>
+#include <iterator>
+#include <utility>
 
 namespace brenvik {
 
@@ -37,27 +40,21 @@ QString quoteExecArgument(const QString& argument) {
     return quoted + QLatin1Char('"');
 }
 
-// The string type's escapes, so that a value stays on its one line.
+// The string type's escapes, so that a value stays on its one line: each
+// character and the letter that stands for it behind a backslash.
+constexpr std::pair<char16_t, char16_t> kStringEscapes[] = {
+    {u'\\', u'\\'}, {u'\n', u'n'}, {u'\t', u't'}, {u'\r', u'r'}};
+
 QString escapeString(const QString& value) {
     QString escaped;
     escaped.reserve(value.size());
     for (const QChar c : value) {
-        switch (c.unicode()) {
-        case u'\\':
-            escaped += QStringLiteral("\\\\");
-            break;
-        case u'\n':
-            escaped += QStringLiteral("\\n");
-            break;
-        case u'\t':
-            escaped += QStringLiteral("\\t");
-            break;
-        case u'\r':
-            escaped += QStringLiteral("\\r");
-            break;
-        default:
+        const auto* escape = std::find_if(std::begin(kStringEscapes), std::end(kStringEscapes),
+                                          [c](const auto& e) { return e.first == c; });
+        if (escape != std::end(kStringEscapes))
+            escaped.append(QLatin1Char('\\')).append(QChar(escape->second));
+        else
             escaped += c;
-        }
     }
     return escaped;
 }
@@ -72,26 +69,14 @@ QString unescapeString(QStringView value) {
             continue;
         }
         const QChar next = value[++i];
-        switch (next.unicode()) {
-        case u's':
+        const auto* escape = std::find_if(std::begin(kStringEscapes), std::end(kStringEscapes),
+                                          [next](const auto& e) { return e.second == next; });
+        if (next == u's') // a space, read though never written
             plain += QLatin1Char(' ');
-            break;
-        case u'n':
-            plain += QLatin1Char('\n');
-            break;
-        case u't':
-            plain += QLatin1Char('\t');
-            break;
-        case u'r':
-            plain += QLatin1Char('\r');
-            break;
-        case u'\\':
-            plain += QLatin1Char('\\');
-            break;
-        default: // not an escape of the string type: keep it for the Exec rules
-            plain += c;
-            plain += next;
-        }
+        else if (escape != std::end(kStringEscapes))
+            plain += QChar(escape->first);
+        else // not an escape of the string type: keep it for the Exec rules
+            plain.append(c).append(next);
     }
     return plain;
 }

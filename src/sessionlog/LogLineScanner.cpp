@@ -156,43 +156,29 @@ Value named(QByteArrayView type, const std::pair<QByteArrayView, Value> (&names)
     return otherwise;
 }
 
-Kind eventKind(QByteArrayView type) {
-    static constexpr std::pair<QByteArrayView, Kind> kNames[] = {
-        {"task_started", Kind::turnStarted}, {"task_complete", Kind::turnEnded},
-        {"turn_aborted", Kind::turnEnded},   {"agent_message", Kind::agentMessage},
-        {"user_message", Kind::userMessage}, {"token_count", Kind::tokenCount},
-    };
-    return named(type, kNames, Kind::other);
-}
-
-Kind responseItemKind(QByteArrayView type) {
-    static constexpr std::pair<QByteArrayView, Kind> kNames[] = {
-        {"function_call", Kind::toolCall},
-        {"custom_tool_call", Kind::toolCall},
-        {"local_shell_call", Kind::toolCall},
-        {"function_call_output", Kind::toolOutput},
-        {"custom_tool_call_output", Kind::toolOutput},
-    };
-    return named(type, kNames, Kind::other);
-}
-
+// The types Brenvik follows, by the line's type and by its payload's.
 enum class LineType { sessionMeta, turnContext, eventMsg, responseItem, other };
-
-LineType lineType(QByteArrayView type) {
-    static constexpr std::pair<QByteArrayView, LineType> kNames[] = {
-        {"event_msg", LineType::eventMsg},
-        {"response_item", LineType::responseItem},
-        {"session_meta", LineType::sessionMeta},
-        {"turn_context", LineType::turnContext},
-    };
-    return named(type, kNames, LineType::other);
-}
+constexpr std::pair<QByteArrayView, LineType> kLineTypes[] = {
+    {"event_msg", LineType::eventMsg},
+    {"response_item", LineType::responseItem},
+    {"session_meta", LineType::sessionMeta},
+    {"turn_context", LineType::turnContext}};
+constexpr std::pair<QByteArrayView, Kind> kEventKinds[] = {
+    {"task_started", Kind::turnStarted}, {"task_complete", Kind::turnEnded},
+    {"turn_aborted", Kind::turnEnded},   {"agent_message", Kind::agentMessage},
+    {"user_message", Kind::userMessage}, {"token_count", Kind::tokenCount}};
+constexpr std::pair<QByteArrayView, Kind> kResponseItemKinds[] = {
+    {"function_call", Kind::toolCall},
+    {"custom_tool_call", Kind::toolCall},
+    {"local_shell_call", Kind::toolCall},
+    {"function_call_output", Kind::toolOutput},
+    {"custom_tool_call_output", Kind::toolOutput}};
 
 // The kind once both types are known; nullopt while that is still open.
 std::optional<Kind> kindOf(const Fields& fields) {
     if (!fields.type)
         return std::nullopt;
-    const LineType type = lineType(*fields.type);
+    const LineType type = named(*fields.type, kLineTypes, LineType::other);
     if (type == LineType::other)
         return Kind::other;
     if (type == LineType::sessionMeta)
@@ -201,8 +187,8 @@ std::optional<Kind> kindOf(const Fields& fields) {
         return Kind::turnContext;
     if (!fields.payloadType)
         return std::nullopt;
-    return type == LineType::eventMsg ? eventKind(*fields.payloadType)
-                                      : responseItemKind(*fields.payloadType);
+    return type == LineType::eventMsg ? named(*fields.payloadType, kEventKinds, Kind::other)
+                                      : named(*fields.payloadType, kResponseItemKinds, Kind::other);
 }
 
 LogLineEvent eventFrom(const Fields& fields, Kind kind) {
@@ -216,14 +202,13 @@ LogLineEvent eventFrom(const Fields& fields, Kind kind) {
         event.originator = fields.originator;
         event.cliVersion = fields.cliVersion;
         break;
-    case Kind::turnEnded:
-        event.message = fields.lastAgentMessage;
-        event.hasMessage = fields.hasLastAgentMessage;
+    case Kind::turnEnded: // the turn's last answer, repeated
+    case Kind::agentMessage: {
+        const bool ended = kind == Kind::turnEnded;
+        event.message = ended ? fields.lastAgentMessage : fields.message;
+        event.hasMessage = ended ? fields.hasLastAgentMessage : fields.hasMessage;
         break;
-    case Kind::agentMessage:
-        event.message = fields.message;
-        event.hasMessage = fields.hasMessage;
-        break;
+    }
     case Kind::toolCall:
     case Kind::toolOutput:
         event.callId = fields.callId;
