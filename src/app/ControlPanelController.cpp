@@ -3,6 +3,7 @@
 #include "app/ControlPanelPlacement.h"
 #include "views/ControlPanelView.h"
 #include "views/StatusPresentation.h"
+#include "views/WidgetEvent.h"
 
 #include <QGuiApplication>
 #include <QScreen>
@@ -10,33 +11,8 @@
 #include <QVBoxLayout>
 #include <QWindow>
 #include <algorithm>
-#include <functional>
 
 namespace brenvik {
-
-namespace {
-
-// Calls back whenever the watched widget's layout asks to be redone: its
-// content needs another size.
-class LayoutWatcher : public QObject {
-public:
-    LayoutWatcher(QWidget* widget, std::function<void()> changed)
-        : QObject(widget)
-        , m_changed(std::move(changed)) {
-        widget->installEventFilter(this);
-    }
-
-    bool eventFilter(QObject*, QEvent* event) override {
-        if (event->type() == QEvent::LayoutRequest)
-            m_changed();
-        return false;
-    }
-
-private:
-    std::function<void()> m_changed;
-};
-
-} // namespace
 
 ControlPanelController::ControlPanelController(CodexProcessMonitor& monitor,
                                                LaunchAtLoginController& launchAtLogin,
@@ -119,7 +95,8 @@ void ControlPanelController::buildWindow() {
     m_window->setFixedSize(content.size());
     // move() places the frame, not the content.
     m_window->move(content.topLeft() - QPoint(frame.left(), frame.top()));
-    new LayoutWatcher(view, [this] { fitWindow(); });
+    // The content wants another size.
+    onWidgetEvent(view, QEvent::LayoutRequest, [this] { fitWindow(); });
 }
 
 void ControlPanelController::fitWindow() {

@@ -79,12 +79,15 @@ void PopoverWindow::open(const QRect& anchor) {
     activateWindow();
 }
 
-void PopoverWindow::changeEvent(QEvent* event) {
-    QWidget::changeEvent(event);
+bool PopoverWindow::event(QEvent* event) {
+    const bool handled = QWidget::event(event);
+    if (event->type() == QEvent::Hide)
+        m_sinceClosed.start();
     // No popup grab tells it about clicks elsewhere: losing the focus does.
-    if (event->type() == QEvent::ActivationChange && placedByDesktop() && isVisible() &&
-        !isActiveWindow())
+    else if (event->type() == QEvent::ActivationChange && placedByDesktop() && isVisible() &&
+             !isActiveWindow())
         hide();
+    return handled;
 }
 
 void PopoverWindow::keyPressEvent(QKeyEvent* event) {
@@ -93,11 +96,6 @@ void PopoverWindow::keyPressEvent(QKeyEvent* event) {
         return;
     }
     QWidget::keyPressEvent(event);
-}
-
-void PopoverWindow::hideEvent(QHideEvent* event) {
-    m_sinceClosed.start();
-    QWidget::hideEvent(event);
 }
 
 void PopoverWindow::paintEvent(QPaintEvent* event) {

@@ -26,8 +26,7 @@ public:
     void open(const QRect& anchor);
 
 protected:
-    void changeEvent(QEvent* event) override;
-    void hideEvent(QHideEvent* event) override;
+    bool event(QEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
 

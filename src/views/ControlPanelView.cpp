@@ -7,10 +7,31 @@
 #include "views/ViewStyle.h"
 
 #include <QHBoxLayout>
+#include <QPainter>
 #include <QShortcut>
 #include <QVBoxLayout>
 
 namespace brenvik {
+
+namespace {
+
+// A hairline between sections.
+class Divider : public QWidget {
+public:
+    explicit Divider(QWidget* parent)
+        : QWidget(parent) {
+        setFixedHeight(1);
+        setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    }
+
+protected:
+    void paintEvent(QPaintEvent*) override {
+        QPainter painter(this);
+        painter.fillRect(rect(), namedColor(NamedColor::separator, palette()));
+    }
+};
+
+} // namespace
 
 namespace {
 constexpr int kPadding = 18;

@@ -4,6 +4,7 @@
 #include "views/CoalescedUpdate.h"
 #include "views/ProcessRowsView.h"
 #include "views/ViewStyle.h"
+#include "views/WidgetEvent.h"
 
 #include <QApplication>
 #include <QEvent>
@@ -55,6 +56,8 @@ ProcessListSectionView::ProcessListSectionView(CodexProcessMonitor& monitor, QWi
     m_scroll->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     m_scroll->viewport()->setAutoFillBackground(false);
     applySlimScrollBarStyle(m_scroll->verticalScrollBar());
+    onWidgetEvent(this, QEvent::PaletteChange,
+                  [this] { applySlimScrollBarStyle(m_scroll->verticalScrollBar()); });
 
     m_pages->addWidget(placeholderPage);
     m_pages->addWidget(m_plainPage);
@@ -67,12 +70,6 @@ ProcessListSectionView::ProcessListSectionView(CodexProcessMonitor& monitor, QWi
                 &CoalescedUpdate::schedule);
     connect(m_rows, &ProcessRowsView::goRequested, this, &ProcessListSectionView::goRequested);
     updateFromMonitor();
-}
-
-void ProcessListSectionView::changeEvent(QEvent* event) {
-    QWidget::changeEvent(event);
-    if (event->type() == QEvent::PaletteChange)
-        applySlimScrollBarStyle(m_scroll->verticalScrollBar());
 }
 
 QString ProcessListSectionView::placeholderText() const {

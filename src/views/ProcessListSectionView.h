@@ -38,7 +38,6 @@ Q_SIGNALS:
     void goRequested(qint64 pid);
 
 protected:
-    void changeEvent(QEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
     void showEvent(QShowEvent* event) override;
 

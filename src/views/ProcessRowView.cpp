@@ -187,29 +187,21 @@ QString ProcessRowView::placeText() const {
     return m_place->text();
 }
 
-void ProcessRowView::showGoToButton() {
-    m_goTo->setVisible(underMouse() || hasFocus());
-    update();
-}
-
-void ProcessRowView::enterEvent(QEnterEvent* event) {
-    QWidget::enterEvent(event);
-    showGoToButton();
-}
-
-void ProcessRowView::leaveEvent(QEvent* event) {
-    QWidget::leaveEvent(event);
-    showGoToButton();
-}
-
-void ProcessRowView::focusInEvent(QFocusEvent* event) {
-    QWidget::focusInEvent(event);
-    showGoToButton();
-}
-
-void ProcessRowView::focusOutEvent(QFocusEvent* event) {
-    QWidget::focusOutEvent(event);
-    showGoToButton();
+bool ProcessRowView::event(QEvent* event) {
+    const bool handled = QWidget::event(event);
+    switch (event->type()) {
+    // The "Go to" button shows while the pointer is over the row or it has the focus.
+    case QEvent::Enter:
+    case QEvent::Leave:
+    case QEvent::FocusIn:
+    case QEvent::FocusOut:
+        m_goTo->setVisible(underMouse() || hasFocus());
+        update();
+        break;
+    default:
+        break;
+    }
+    return handled;
 }
 
 void ProcessRowView::keyPressEvent(QKeyEvent* event) {

@@ -74,17 +74,12 @@ Q_SIGNALS:
     void goRequested(qint64 pid);
 
 protected:
-    void enterEvent(QEnterEvent* event) override;
-    void leaveEvent(QEvent* event) override;
-    void focusInEvent(QFocusEvent* event) override;
-    void focusOutEvent(QFocusEvent* event) override;
+    bool event(QEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void mouseDoubleClickEvent(QMouseEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
 
 private:
-    void showGoToButton();
-
     ProcessMatch m_match;
     ElidingLabel* m_title;
     StatusCapsule* m_capsule;

@@ -8,12 +8,6 @@
 
 namespace brenvik {
 
-namespace {
-constexpr qreal kTrackWidth = 32;
-constexpr qreal kTrackHeight = 18;
-constexpr qreal kLabelGap = 12;
-} // namespace
-
 ToggleSwitch::ToggleSwitch(const QString& label, QWidget* parent)
     : QAbstractButton(parent) {
     setText(label);

@@ -27,6 +27,9 @@ protected:
     [[nodiscard]] bool hitButton(const QPoint& pos) const override;
 
 private:
+    // The switch's track, and the gap between it and the label.
+    static constexpr qreal kTrackWidth = 32, kTrackHeight = 18, kLabelGap = 12;
+
     [[nodiscard]] QRectF trackRect() const;
 
     // The focus ring shows only when the keyboard brought the focus here.

@@ -1,5 +1,7 @@
 #include "views/ViewStyle.h"
 
+#include "views/WidgetEvent.h"
+
 #include <QApplication>
 #include <QEvent>
 #include <QPainter>
@@ -119,6 +121,7 @@ StyledLabel::StyledLabel(TextStyle style, FontWeight weight, NamedColor color, Q
     setFont(styledFont(style, weight));
     setTextFormat(Qt::PlainText);
     applyColor();
+    onWidgetEvent(this, QEvent::PaletteChange, [this] { applyColor(); });
 }
 
 StyledLabel::StyledLabel(TextStyle style, NamedColor color, QWidget* parent)
@@ -138,21 +141,13 @@ void StyledLabel::setMaximumLines(int lines) {
                                : QWIDGETSIZE_MAX);
 }
 
-void StyledLabel::changeEvent(QEvent* event) {
-    QLabel::changeEvent(event);
-    if (event->type() == QEvent::PaletteChange && !m_applying)
-        applyColor();
-}
-
 void StyledLabel::applyColor() {
-    m_applying = true;
     // Resolve against the inherited palette, not the one tinted before.
     const QPalette inherited = inheritedPalette(*this);
     QPalette tinted = palette();
     tinted.setColor(QPalette::WindowText, namedColor(m_color, inherited));
     tinted.setColor(QPalette::Text, namedColor(m_color, inherited));
     setPalette(tinted);
-    m_applying = false;
 }
 
 void ElidingLabel::setFullText(const QString& text) {
@@ -209,16 +204,10 @@ StyledButton::StyledButton(const QString& text, Kind kind, QWidget* parent)
     // not leave a focus ring behind.
     setFocusPolicy(Qt::TabFocus);
     applyPalette();
-}
-
-void StyledButton::changeEvent(QEvent* event) {
-    QPushButton::changeEvent(event);
-    if (event->type() == QEvent::PaletteChange && !m_applying)
-        applyPalette();
+    onWidgetEvent(this, QEvent::PaletteChange, [this] { applyPalette(); });
 }
 
 void StyledButton::applyPalette() {
-    m_applying = true;
     const QPalette pal = inheritedPalette(*this);
     const bool dark = isDarkPalette(pal);
     const QColor accent = pal.color(QPalette::Highlight);
@@ -247,7 +236,6 @@ void StyledButton::applyPalette() {
                        "QPushButton:focus { border: 2px solid %6; padding: 2px 13px; }")
             .arg(css(background), css(label), css(border), css(hover), css(pressed),
                  css(withOpacity(accent, 0.6))));
-    m_applying = false;
 }
 
 void applySlimScrollBarStyle(QScrollBar* bar) {
@@ -265,17 +253,6 @@ void applySlimScrollBarStyle(QScrollBar* bar) {
                        " background: none; }")
             .arg(css(withOpacity(text, 0.06)), css(withOpacity(text, 0.32)),
                  css(withOpacity(text, 0.45))));
-}
-
-Divider::Divider(QWidget* parent)
-    : QWidget(parent) {
-    setFixedHeight(1);
-    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
-}
-
-void Divider::paintEvent(QPaintEvent*) {
-    QPainter painter(this);
-    painter.fillRect(rect(), namedColor(NamedColor::separator, palette()));
 }
 
 } // namespace brenvik

@@ -58,14 +58,10 @@ public:
     // Wraps, showing at most this many lines (0: one line, no wrapping).
     void setMaximumLines(int lines);
 
-protected:
-    void changeEvent(QEvent* event) override;
-
 private:
     void applyColor();
 
     NamedColor m_color;
-    bool m_applying = false;
 };
 
 // One line of text that ends in "…" when it does not fit; the whole text is
@@ -102,28 +98,13 @@ public:
     enum Kind { bordered, prominent };
     StyledButton(const QString& text, Kind kind, QWidget* parent = nullptr);
 
-protected:
-    void changeEvent(QEvent* event) override;
-
 private:
     void applyPalette();
 
     Kind m_kind;
-    bool m_applying = false;
 };
 
 // A slim scroll bar without arrows, in the palette's colours.
 void applySlimScrollBarStyle(QScrollBar* bar);
-
-// A hairline between sections.
-class Divider : public QWidget {
-    Q_OBJECT
-
-public:
-    explicit Divider(QWidget* parent = nullptr);
-
-protected:
-    void paintEvent(QPaintEvent* event) override;
-};
 
 } // namespace brenvik
