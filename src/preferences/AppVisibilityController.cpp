@@ -5,7 +5,7 @@
 namespace brenvik {
 
 AppVisibilityController::AppVisibilityController(StoredPreferences& preferences, QObject* parent)
-    : QObject(parent)
+    : PreferenceController(parent)
     , m_ownPolicy(std::make_unique<TaskbarActivationPolicy>())
     , m_policy(m_ownPolicy.get())
     , m_preferences(preferences)
@@ -13,7 +13,7 @@ AppVisibilityController::AppVisibilityController(StoredPreferences& preferences,
 
 AppVisibilityController::AppVisibilityController(ActivationPolicy& policy,
                                                  StoredPreferences& preferences, QObject* parent)
-    : QObject(parent)
+    : PreferenceController(parent)
     , m_policy(&policy)
     , m_preferences(preferences)
     , m_showDockIcon(preferences.isOn(StoredPreferences::kShowDockIcon)) {}
@@ -26,21 +26,20 @@ void AppVisibilityController::setShowDockIcon(bool show) {
         m_preferences.store(StoredPreferences::kShowDockIcon, m_showDockIcon);
     applyActivationPolicy(true, true);
     // The choice still holds for this session; say that it will not survive.
-    if (storeError && !m_lastError)
-        publish(this, m_lastError, storeError, &AppVisibilityController::lastErrorChanged);
+    if (storeError && !lastError())
+        setLastError(storeError);
 }
 
 void AppVisibilityController::applyActivationPolicy(bool activate, bool reportFailure) {
     const ActivationPolicyKind wanted =
         m_showDockIcon ? ActivationPolicyKind::regular : ActivationPolicyKind::accessory;
     if (m_policy->setPolicy(wanted)) {
-        publish(this, m_lastError, std::nullopt, &AppVisibilityController::lastErrorChanged);
+        setLastError(std::nullopt);
         if (m_showDockIcon && activate)
             m_policy->activate();
     } else if (reportFailure) {
-        publish(this, m_lastError,
-                tr((m_policy->desktopCanHide() ? kRefusalMessage : kCannotHideMessage).data()),
-                &AppVisibilityController::lastErrorChanged);
+        setLastError(
+            tr((m_policy->desktopCanHide() ? kRefusalMessage : kCannotHideMessage).data()));
     }
 }
 

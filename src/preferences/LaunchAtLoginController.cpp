@@ -8,7 +8,7 @@ LaunchAtLoginController::LaunchAtLoginController(QObject* parent)
     : LaunchAtLoginController(AutostartEntry(), parent) {}
 
 LaunchAtLoginController::LaunchAtLoginController(AutostartEntry entry, QObject* parent)
-    : QObject(parent)
+    : PreferenceController(parent)
     , m_entry(std::move(entry)) {
     setStatus(systemStatus());
 }
@@ -24,7 +24,7 @@ LaunchAtLoginStatus LaunchAtLoginController::systemStatus() const {
 void LaunchAtLoginController::setEnabled(bool enabled) {
     // No check of the current state first: the request goes to disk as asked.
     std::optional<QString> error = enabled ? m_entry.install() : m_entry.remove();
-    publish(this, m_lastError, std::move(error), &LaunchAtLoginController::lastErrorChanged);
+    setLastError(std::move(error));
     setStatus(systemStatus());
 }
 

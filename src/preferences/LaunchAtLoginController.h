@@ -2,6 +2,7 @@
 
 #include "preferences/AutostartEntry.h"
 #include "preferences/LaunchAtLoginStatus.h"
+#include "preferences/PreferenceController.h"
 
 #include <QObject>
 #include <QString>
@@ -11,10 +12,9 @@ namespace brenvik {
 
 // Registers Brenvik to start at login through an XDG autostart entry, and
 // publishes what the disk holds. Published properties follow publish().
-class LaunchAtLoginController : public QObject {
+class LaunchAtLoginController : public PreferenceController {
     Q_OBJECT
     Q_PROPERTY(brenvik::LaunchAtLoginStatus status READ status WRITE setStatus NOTIFY statusChanged)
-    Q_PROPERTY(std::optional<QString> lastError READ lastError NOTIFY lastErrorChanged)
 
 public:
     // Reads the current status at once. The default entry is this program's
@@ -24,7 +24,6 @@ public:
 
     [[nodiscard]] LaunchAtLoginStatus status() const noexcept { return m_status; }
     void setStatus(LaunchAtLoginStatus status);
-    [[nodiscard]] const std::optional<QString>& lastError() const noexcept { return m_lastError; }
 
     // The status the system holds right now (not published).
     [[nodiscard]] LaunchAtLoginStatus systemStatus() const;
@@ -36,14 +35,11 @@ public:
     [[nodiscard]] const AutostartEntry& entry() const noexcept { return m_entry; }
 
 Q_SIGNALS:
-    void objectWillChange();
     void statusChanged(brenvik::LaunchAtLoginStatus status);
-    void lastErrorChanged(const std::optional<QString>& lastError);
 
 private:
     AutostartEntry m_entry;
     LaunchAtLoginStatus m_status = LaunchAtLoginStatus::notRegistered;
-    std::optional<QString> m_lastError;
 };
 
 } // namespace brenvik
