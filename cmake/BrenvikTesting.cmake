@@ -1,13 +1,18 @@
-# brenvik_add_test(NAME <name> COMMAND <cmd...> [SERIAL] [LABELS <labels...>] [TIMEOUT <s>])
+# brenvik_add_test(NAME <name> COMMAND <cmd...> [SERIAL] [PRIVATE_SESSION] [LABELS <labels...>]
+#                  [TIMEOUT <s>])
 #
 # Every test runs through tests/support/isolated-env.sh: a private HOME,
 # XDG_CONFIG_HOME and XDG_RUNTIME_DIR, so no test touches the user's settings
 # or autostart folder, and the sanitizer options that keep system-library
-# leaks out of the report.
+# leaks out of the report. PRIVATE_SESSION runs it on a session bus and in a
+# PID namespace of its own (tests/support/private-session.sh).
 set(BRENVIK_ISOLATED_ENV "${PROJECT_SOURCE_DIR}/tests/support/isolated-env.sh")
 
 function(brenvik_add_test)
-  cmake_parse_arguments(ARG "SERIAL" "NAME;TIMEOUT" "COMMAND;LABELS" ${ARGN})
+  cmake_parse_arguments(ARG "SERIAL;PRIVATE_SESSION" "NAME;TIMEOUT" "COMMAND;LABELS" ${ARGN})
+  if(ARG_PRIVATE_SESSION)
+    list(PREPEND ARG_COMMAND ${PROJECT_SOURCE_DIR}/tests/support/private-session.sh)
+  endif()
   add_test(NAME ${ARG_NAME} COMMAND ${BRENVIK_ISOLATED_ENV} ${ARG_COMMAND})
   set(env
     "QT_QPA_PLATFORM=offscreen"

@@ -29,15 +29,15 @@ target_link_libraries(brenvik-fake-sni-watcher PRIVATE Qt6::Core Qt6::DBus brenv
 brenvik_add_test(NAME brenvik_tray_e2e
   COMMAND ${CMAKE_CURRENT_LIST_DIR}/tray-e2e.sh $<TARGET_FILE:brenvik>
           $<TARGET_FILE:brenvik-fake-sni-watcher>
-  SERIAL LABELS e2e TIMEOUT 300)
+  SERIAL PRIVATE_SESSION LABELS e2e TIMEOUT 300)
 # End to end with a real StatusNotifierItem host: Xfce's panel, started after the app.
 brenvik_add_test(NAME brenvik_sni_panel_e2e
   COMMAND ${CMAKE_CURRENT_LIST_DIR}/sni-panel-e2e.sh $<TARGET_FILE:brenvik>
-  SERIAL LABELS e2e TIMEOUT 120)
+  SERIAL PRIVATE_SESSION LABELS e2e TIMEOUT 120)
 
 # On Wayland, under weston's headless compositor on a private session bus.
 brenvik_add_test(NAME brenvik_wayland_e2e
   COMMAND ${CMAKE_CURRENT_LIST_DIR}/wayland-e2e.sh $<TARGET_FILE:brenvik>
           $<TARGET_FILE:brenvik-fake-sni-watcher>
-  SERIAL LABELS e2e TIMEOUT 120)
+  SERIAL PRIVATE_SESSION LABELS e2e TIMEOUT 120)
 

@@ -7,22 +7,16 @@
 # click (the panel calls Activate) opens the popover just below the icon, and
 # Activate sent on the bus opens it too; "Quit" from the panel's menu ends the
 # app with status 0.
-# Usage: sni-panel-e2e.sh BRENVIK
+# Usage: private-session.sh sni-panel-e2e.sh BRENVIK
 set -euo pipefail
 
 app=$1
 
-if [[ -z ${BRENVIK_SNI_PRIVATE_BUS:-} ]]; then
-    BRENVIK_SNI_PRIVATE_BUS=1 exec "$(dirname "$0")/../support/private-session.sh" "$0" "$@"
-fi
-
-export QT_QPA_PLATFORM=xcb
 # No accessibility bus: the panel would have the session bus start one.
 export NO_AT_BRIDGE=1
-# libxkbcommon-x11 hands strndup() names that are not NUL-terminated.
-export ASAN_OPTIONS=${ASAN_OPTIONS//strict_string_checks=1/strict_string_checks=0}
 # shellcheck source=../support/e2e-helpers.sh
 source "$(dirname "$0")/../support/e2e-helpers.sh" sni-e2e "${BRENVIK_TEST_SCRATCH:-$(mktemp -d)}/sni"
+qt_on_x11
 e2e_report_logs=(openbox app panel)
 # Each helper runs in a process group of its own, so that ending it also ends
 # what it started (the panel runs its plugins in wrapper processes).
@@ -106,10 +100,7 @@ panel_height() {
 wait_until 20 panel_height >/dev/null || fail "no panel window along the top"
 panel_h=$(panel_height)
 icon_box() { # prints "X Y W H" of the icon in the panel
-    import -window root -crop "1024x${panel_h}+0+0" "$work/strip.png" 2>/dev/null || return 1
-    convert "$work/strip.png" -depth 8 txt:- |
-        sed -n 's/^\([0-9]*\),\([0-9]*\): *(\([0-9]*\),\([0-9]*\),\([0-9]*\).*/\1 \2 \3 \4 \5/p' |
-        awk '{ hi = $3; lo = $3
+    screen_pixels 1024 "$panel_h" 0 0 | awk '{ hi = $3; lo = $3
                if ($4 > hi) hi = $4; if ($5 > hi) hi = $5
                if ($4 < lo) lo = $4; if ($5 < lo) lo = $5 }
              hi - lo > 80 { n++
@@ -120,7 +111,6 @@ icon_box() { # prints "X Y W H" of the icon in the panel
 wait_until 20 icon_box >/dev/null || fail "no icon in the panel"
 read -r ix iy iw ih < <(icon_box)
 log "icon ${iw}x${ih} at +$ix+$iy in the ${panel_h} px panel"
-cp "$work/strip.png" "$work/icon-in-panel.png"
 
 # --- right click: the panel's menu, built from the item's exported menu ----------
 menu_labels() {
@@ -160,13 +150,7 @@ xdotool key Escape
 wait_until 10 eval '! panel_menu_shown' || fail "the menu did not close"
 
 # --- left click: Activate, the popover just below the icon ------------------------
-popover_geometry() { # "W H X Y" of the mapped popover
-    local id
-    id=$(xwininfo -root -tree | sed -n 's/^ *\(0x[0-9a-f]*\) "Brenvik Popover": .*/\1/p' | head -n1)
-    [[ -n $id ]] && xwininfo -id "$id" | grep -q 'Map State: IsViewable' || return 1
-    xwininfo -id "$id" | awk '/Absolute upper-left X/ { x = $NF } /Absolute upper-left Y/ { y = $NF }
-                               /Width:/ { w = $NF } /Height:/ { h = $NF } END { print w, h, x, y }'
-}
+popover_geometry() { window_geometry "$(app_windows "Brenvik Popover" | head -n1)"; }
 popover_shown() { popover_geometry >/dev/null; }
 popover_closed() { ! popover_shown; }
 click_icon 1
@@ -203,10 +187,9 @@ xdotool key Escape
 wait_until 10 popover_closed || fail "Escape did not close the popover"
 
 # --- "Quit" from the panel's menu -------------------------------------------------
-app_ended() { [[ ! -e /proc/$app_pid ]] || grep -q '^State:[[:space:]]*Z' "/proc/$app_pid/status"; }
 open_menu || fail "a right click on the icon opened no menu"
 xdotool key Up Return # the last item
-wait_until 20 app_ended || fail "\"Quit\" from the panel's menu did not end the app"
+wait_until 20 process_ended "$app_pid" || fail "\"Quit\" from the panel's menu did not end the app"
 status=0
 wait "$app_pid" || status=$?
 ((status == 0)) || fail "\"Quit\" ended the app with status $status"

@@ -5,15 +5,12 @@
 # refusal from the start (the stored value untouched); the item's Activate
 # opens the popover as a window the compositor places fully on screen, and a
 # second Activate closes it.
-# Usage: wayland-e2e.sh BRENVIK FAKE_SNI_WATCHER
+# Usage: private-session.sh wayland-e2e.sh BRENVIK FAKE_SNI_WATCHER
 set -euo pipefail
 
 app=$1
 fake_watcher=$2
 
-if [[ -z ${BRENVIK_E2E_PRIVATE_BUS:-} ]]; then
-    BRENVIK_E2E_PRIVATE_BUS=1 exec "$(dirname "$0")/../support/private-session.sh" "$0" "$@"
-fi
 
 # XDG_RUNTIME_DIR is private (0700): weston puts its socket there.
 # shellcheck source=../support/e2e-helpers.sh

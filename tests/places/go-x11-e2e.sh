@@ -7,16 +7,12 @@
 # and terminal. Then one session waits for an approval: --go waiting goes
 # there, and so does the tray app (with trayer and dunst) from its notice's
 # default action, from a double click on its row and from its tray menu item.
-# Usage: go-x11-e2e.sh BRENVIK_STATUS BRENVIK
+# Usage: private-session.sh go-x11-e2e.sh BRENVIK_STATUS BRENVIK
 set -euo pipefail
 
 status_command=$1
 app=$2
 
-# A PID namespace of its own: stand-in sessions elsewhere must not count.
-if [[ -z ${BRENVIK_E2E_PRIVATE_BUS:-} ]]; then
-    BRENVIK_E2E_PRIVATE_BUS=1 exec "$(dirname "$0")/../support/private-session.sh" "$0" "$@"
-fi
 unset QT_QPA_PLATFORM TMUX WAYLAND_DISPLAY
 # Where the path says nothing about this program.
 dir=$(mktemp -d /tmp/cdx-go.XXXXXX)
@@ -113,10 +109,7 @@ out=$("$status_command" --go 1 2>&1) && fail "--go 1 succeeded: $out"
 [[ $out == "brenvik-status: no Codex session has PID 1" ]] || fail "--go 1 said: $out"
 
 # === the tray app ============================================================
-export QT_QPA_PLATFORM=xcb
-# libxkbcommon-x11 hands strndup() names that are not NUL-terminated, which
-# strndup allows but ASan's strict string checks report.
-export ASAN_OPTIONS=${ASAN_OPTIONS//strict_string_checks=1/strict_string_checks=0}
+qt_on_x11
 start "$dir/dunst.log" dunst
 start "$dir/trayer.log" trayer --edge top --align right --widthtype request --height 24 \
     --SetDockType true --transparent false --tint 0xdddddd
@@ -126,32 +119,15 @@ start "$dir/focus.log" sh -c 'xprop -spy -root _NET_ACTIVE_WINDOW _NET_CURRENT_D
     while read -r line; do echo "$(date +%T.%N) $line"; done'
 e2e_report_logs+=(focus)
 # Ours: the control panel (at least 420 wide) and the tray icon (at most 64).
-geometry_of() { # "W H X Y" of a window, X and Y absolute
-    xwininfo -id "$1" 2>/dev/null | awk '/Absolute upper-left X/ { x = $NF } /Absolute upper-left Y/ { y = $NF }
-        /^ *Width:/ { w = $NF } /^ *Height:/ { h = $NF } END { print w, h, x, y }'
-}
-window_of_app() { # window_of_app MIN_WIDTH MAX_WIDTH FILE
-    local id w
-    for id in $(xwininfo -root -tree | sed -n 's/^ *\(0x[0-9a-f]*\) "Brenvik": ("brenvik" "Brenvik") .*/\1/p'); do
-        xwininfo -id "$id" 2>/dev/null | grep -q "Map State: IsViewable" || continue
-        read -r w _ < <(geometry_of "$id")
-        ((w >= $1 && w <= $2)) && echo "$id" >"$3" && return 0
-    done
-    return 1
-}
-wait_until 30 window_of_app 420 9999 "$dir/panel" || fail "no control panel"
-wait_until 30 window_of_app 5 64 "$dir/icon" || fail "no tray icon"
-panel=$(cat "$dir/panel")
-icon=$(cat "$dir/icon")
+panel_shown() { panel=$(app_windows Brenvik 420 | head -n1) && [[ -n $panel ]]; }
+icon_shown() { icon=$(app_windows Brenvik 5 64 | head -n1) && [[ -n $icon ]]; }
+wait_until 30 panel_shown || fail "no control panel"
+wait_until 30 icon_shown || fail "no tray icon"
 # The pixels of a window within 40 of colour R G B, as "X Y" lines relative to it.
 pixels_of() { # pixels_of WINDOW R G B
-    local w h x y
-    read -r w h x y < <(geometry_of "$1")
-    import -window root -crop "${w}x${h}+${x}+${y}" +repage -depth 8 txt:- 2>/dev/null |
-        sed -n 's/^\([0-9]*\),\([0-9]*\): *(\([0-9]*\),\([0-9]*\),\([0-9]*\).*/\1 \2 \3 \4 \5/p' |
-        awk -v r="$2" -v g="$3" -v b="$4" '
-            function d(p, q) { return p > q ? p - q : q - p }
-            d($3, r) < 40 && d($4, g) < 40 && d($5, b) < 40 { print $1, $2 }'
+    window_pixels "$1" | awk -v r="$2" -v g="$3" -v b="$4" '
+        function d(p, q) { return p > q ? p - q : q - p }
+        d($3, r) < 40 && d($4, g) < 40 && d($5, b) < 40 { print $1, $2 }'
 }
 # The app has seen website's turn: its icon is the yellow dot.
 icon_is_yellow() { (($(pixels_of "$icon" 245 194 17 | wc -l) > 20)); }
@@ -200,29 +176,24 @@ elsewhere
 xdotool windowactivate --sync "$panel"
 row_y() {
     local width
-    read -r width _ < <(geometry_of "$panel")
+    read -r width _ < <(window_geometry "$panel")
     pixels_of "$panel" 123 63 228 | awk -v half=$((width / 2)) '
         $1 > half { n[$2]++ } END { max = 0; for (y in n) if (n[y] > 8 && y + 0 > max) max = y + 0; print max - 6 }'
 }
 y=$(row_y)
 ((y > 100)) || fail "no waiting row in the control panel"
-read -r _ _ px py < <(geometry_of "$panel")
+read -r _ _ px py < <(window_geometry "$panel")
 xdotool mousemove $((px + 30)) $((py + y)) click --repeat 2 --delay 60 1
 arrived "a double click on its row"
 
 elsewhere
-# The menu by the mouse, which needs no keyboard grab: a click on the first
-# item's text (the topmost dark pixels), again if the click got lost.
+# A click that lands while the window manager is busy can get lost: again, as a person would.
 went_by_menu() {
-    local w h x y menu top
-    read -r w h x y < <(geometry_of "$icon")
+    local w h x y menu
+    read -r w h x y < <(window_geometry "$icon")
     xdotool mousemove $((x + w / 2)) $((y + h / 2)) click 3
     wait_until 5 sh -c "xdotool search --onlyvisible --name '^Brenvik Menu\$' >'$dir/menu'" || return 1
-    menu=$(head -n1 "$dir/menu")
-    top=$(pixels_of "$menu" 0 0 0 | awk 'NR == 1 || $2 < min { min = $2 } END { print min }')
-    [[ -n $top ]] || return 1
-    read -r w h x y < <(geometry_of "$menu")
-    xdotool mousemove $((x + w / 2)) $((y + top + 3)) click 1
+    click_menu_item "$(head -n1 "$dir/menu")" first || return 1
     wait_until 10 sh -c "[ \"\$(xdotool getactivewindow 2>/dev/null)\" = $xt1 ]"
 }
 went_by_menu || { xdotool key Escape; elsewhere; went_by_menu; } || fail "its tray menu item did not go there"

@@ -1,6 +1,6 @@
 # Sourced by the end-to-end scripts: their scratch folder, logging and failure
-# report, bounded waits, background helpers that end with the script, and an
-# X display with a window manager.
+# report, bounded waits, background helpers that end with the script, an X
+# display with a window manager, and what its windows show.
 # Usage: source e2e-helpers.sh NAME WORK_DIR
 #   NAME prefixes every line; WORK_DIR holds the helpers' logs. A script may
 #   define e2e_cleanup, run after the helpers have ended, and set
@@ -67,3 +67,52 @@ start_x_display() {
     wait_until 20 sh -c 'xprop -root _NET_SUPPORTING_WM_CHECK | grep -q "window id"' ||
         fail "openbox did not start"
 }
+
+# Qt programs on the X display. libxkbcommon-x11 hands strndup() names that are
+# not NUL-terminated, which strndup allows but ASan's strict string checks report.
+qt_on_x11() {
+    export QT_QPA_PLATFORM=xcb
+    export ASAN_OPTIONS=${ASAN_OPTIONS//strict_string_checks=1/strict_string_checks=0}
+}
+
+# "W H X Y" of a viewable window, X and Y absolute; fails for one not shown.
+window_geometry() {
+    [[ -n $1 ]] || return 1 # xwininfo would wait for a click on a window
+    xwininfo -id "$1" 2>/dev/null | awk '/Absolute upper-left X/ { x = $NF } /Absolute upper-left Y/ { y = $NF }
+        /^ *Width:/ { w = $NF } /^ *Height:/ { h = $NF } /Map State:/ { shown = $NF == "IsViewable" }
+        END { if (!shown) exit 1; print w, h, x, y }'
+}
+# The IDs of Brenvik's viewable windows titled TITLE and MIN_W to MAX_W wide.
+app_windows() { # app_windows TITLE [MIN_W MAX_W]
+    local id w
+    for id in $(xwininfo -root -tree | sed -n "s/^ *\(0x[0-9a-f]*\) \"$1\": (\"brenvik\" \"Brenvik\") .*/\1/p"); do
+        read -r w _ < <(window_geometry "$id") || continue
+        ((w >= ${2:-0} && w <= ${3:-99999})) && echo "$id"
+    done
+    return 0
+}
+# "X Y R G B" of each pixel of a rectangle of the screen (W H X Y), X and Y within it.
+screen_pixels() {
+    import -window root -crop "${1}x${2}+${3}+${4}" +repage -depth 8 txt:- 2>/dev/null |
+        sed -n 's/^\([0-9]*\),\([0-9]*\): *(\([0-9]*\),\([0-9]*\),\([0-9]*\).*/\1 \2 \3 \4 \5/p'
+}
+window_pixels() { # window_pixels WINDOW
+    local geometry
+    geometry=$(window_geometry "$1") || return 1
+    # shellcheck disable=SC2086 # W H X Y
+    screen_pixels $geometry
+}
+# Clicks the first or the last item of a viewable Qt menu: its topmost or
+# bottommost dark text. The mouse, because keys sent before the menu has
+# grabbed the keyboard go to another window.
+click_menu_item() { # click_menu_item WINDOW first|last
+    local w h x y row last=0 offset=3
+    [[ $2 == last ]] && last=1 offset=-3
+    read -r w h x y < <(window_geometry "$1") || return 1
+    row=$(window_pixels "$1" | awk -v last=$last '
+        $3 + $4 + $5 < 120 { if (n++ == 0 || (last ? $2 > y : $2 < y)) y = $2 } END { if (n) print y }')
+    [[ -n $row ]] || return 1
+    xdotool mousemove $((x + w / 2)) $((y + row + offset)) click 1
+}
+# Gone, or a zombie waiting for its parent.
+process_ended() { [[ ! -e /proc/$1 ]] || grep -q '^State:[[:space:]]*Z' "/proc/$1/status"; }
