@@ -427,29 +427,30 @@ CodexProcessMonitor::classify(const QList<DetectedProcessSample>& samples, const
     return result;
 }
 
-CodexRunState CodexProcessMonitor::runState() const {
-    if (m_lastError)
-        return CodexRunState::error(*m_lastError);
-    if (m_matches.isEmpty())
+CodexRunState runStateOf(const QList<ProcessMatch>& matches,
+                         const std::optional<QString>& lastError) {
+    if (lastError)
+        return CodexRunState::error(*lastError);
+    if (matches.isEmpty())
         return CodexRunState::idle();
     qint64 running = 0;
     QStringList waitingProjects;
-    for (const ProcessMatch& match : m_matches) {
+    for (const ProcessMatch& match : matches) {
         if (match.status == ProcessActivityStatus::running)
             ++running;
         else if (match.status == ProcessActivityStatus::waiting)
             waitingProjects.append(projectName(match));
     }
-    const auto total = static_cast<qint64>(m_matches.size());
+    const auto total = static_cast<qint64>(matches.size());
     const auto waiting = static_cast<qint64>(waitingProjects.size());
     return CodexRunState::observed(total, running, total - running - waiting, waiting,
                                    std::move(waitingProjects));
 }
 
-QString CodexProcessMonitor::summary() const {
-    if (!m_lastUpdated && !m_lastError && m_matches.isEmpty())
+QString summaryText(const CodexRunState& state, bool checking) {
+    if (checking)
         return RunStateText::tr("Checking for Codex CLI processes\u2026");
-    return runState().visit(
+    return state.visit(
         [](const CodexRunState::Observed& observed) -> QString {
             if (const auto sole = soleState(observed))
                 return countedPart(sole->first, sole->second);
@@ -461,6 +462,14 @@ QString CodexProcessMonitor::summary() const {
         [](const CodexRunState::Idle&) -> QString {
             return RunStateText::tr("No Codex CLI process detected");
         });
+}
+
+CodexRunState CodexProcessMonitor::runState() const {
+    return runStateOf(m_matches, m_lastError);
+}
+
+QString CodexProcessMonitor::summary() const {
+    return summaryText(runState(), !m_lastUpdated && !m_lastError && m_matches.isEmpty());
 }
 
 } // namespace brenvik

@@ -100,6 +100,13 @@ private:
     Value m_value;
 };
 
+// The run state of these matches, or of the failure that replaced them.
+[[nodiscard]] CodexRunState runStateOf(const QList<ProcessMatch>& matches,
+                                       const std::optional<QString>& lastError);
+// The status header's line: "2 running", "3 total · 1 running · 2 idle";
+// while `checking` (no refresh has ended yet), that it is looking.
+[[nodiscard]] QString summaryText(const CodexRunState& state, bool checking);
+
 // The tool tip line: "2 Codex processes running", "Codex process detection failed: …";
 // with waiting sessions, the projects they wait in.
 [[nodiscard]] QString detailText(const CodexRunState& state);

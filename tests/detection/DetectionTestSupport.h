@@ -31,6 +31,21 @@ inline ObservedProcess row(qint64 pid, qint64 ppid, const char16_t* command, dou
     return process;
 }
 
+// A session as the monitor gets it: its root, the tree's CPU, whether a member
+// is in a hot state, its Codex members and all its processes.
+inline DetectedProcessSample session(qint64 pid, QString command, double cpuPercent, double cpuTime,
+                                     bool hot = false, qint64 members = 1, qint64 processes = 1) {
+    DetectedProcessSample s;
+    s.pid = pid;
+    s.command = std::move(command);
+    s.totalCPUPercent = cpuPercent;
+    s.cumulativeCPUTime = cpuTime;
+    s.hasHotState = hot;
+    s.memberCount = members;
+    s.processCount = processes;
+    return s;
+}
+
 // A QTemporaryDir template inside the test's private scratch folder.
 inline QString scratchTemplate(const char* name) {
     return qEnvironmentVariable("BRENVIK_TEST_SCRATCH", QDir::tempPath()) + u'/' +

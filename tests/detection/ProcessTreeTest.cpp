@@ -16,17 +16,11 @@ using test::row;
 DetectedProcessSample sample(qint64 pid, const char16_t* command, double cpu, double time, bool hot,
                              qint64 members, qint64 processes, const char16_t* cwd = u"",
                              qint64 commands = 0) {
-    DetectedProcessSample s;
+    DetectedProcessSample s =
+        test::session(pid, QString::fromUtf16(command), cpu, time, hot, members, processes);
     s.interactive =
         codexRole(lowerCasedCommand(QString::fromUtf16(command))) == CodexRole::interactive;
     s.runningCommands = commands;
-    s.pid = pid;
-    s.command = QString::fromUtf16(command);
-    s.totalCPUPercent = cpu;
-    s.cumulativeCPUTime = time;
-    s.hasHotState = hot;
-    s.memberCount = members;
-    s.processCount = processes;
     s.cwd = QString::fromUtf16(cwd);
     return s;
 }

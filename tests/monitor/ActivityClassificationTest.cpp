@@ -94,13 +94,11 @@ const struct {
 TEST(ActivityClassification, VerdictsAcrossRefreshes) {
     for (const auto& testCase : kCases) {
         SCOPED_TRACE(testCase.name);
-        ScriptedScan scan;
-        ManualClock clock;
-        CodexProcessMonitor monitor(scan.function(), clock.function());
+        ScriptedMonitor scripted;
+        const CodexProcessMonitor& monitor = scripted.monitor;
         for (const Step& step : testCase.steps) {
             SCOPED_TRACE(::testing::Message() << "refresh at " << step.atMs << " ms");
-            scan.returns(step.samples);
-            ASSERT_TRUE(refreshAt(monitor, clock, step.atMs));
+            ASSERT_TRUE(scripted.refreshWith(step.samples, {}, step.atMs));
             EXPECT_EQ(verdicts(monitor), QString::fromLatin1(step.expected));
             ASSERT_EQ(monitor.matches().size(), step.samples.size());
             EXPECT_EQ(monitor.historyByPID().size(), step.samples.size());
@@ -156,11 +154,9 @@ TEST(ActivityClassification, TheSessionLogDecidesWhereItCan) {
          logIn(TurnPhase::unknown), running, cpu, 0},
         {"no log", sample(1, 0.0, base), std::nullopt, idle, cpu, 0},
     };
+    const ScriptedMonitor scripted;
     for (const auto& c : cases) {
-        ScriptedScan scan;
-        ManualClock clock;
-        const CodexProcessMonitor monitor(scan.function(), clock.function());
-        const auto result = monitor.classify({c.sample}, at(0), {c.log});
+        const auto result = scripted.monitor.classify({c.sample}, at(0), {c.log});
         ASSERT_EQ(result.matches.size(), 1) << c.name;
         EXPECT_EQ(result.matches[0].status, c.status) << c.name;
         EXPECT_EQ(result.matches[0].source, c.source) << c.name;
@@ -171,56 +167,35 @@ TEST(ActivityClassification, TheSessionLogDecidesWhereItCan) {
 // An approval question comes before its command: a pending call whose
 // command ran and ended reads running until Codex writes its output.
 TEST(ActivityClassification, APendingCallWaitsOnlyBeforeItsCommandRan) {
-    ScriptedScan scan;
-    ManualClock clock;
-    std::mutex mutex; // the logs are read on the scan's thread
-    CodexProcessMonitor::LogState log = logIn(TurnPhase::awaitingToolOutput, -5000);
-    CodexProcessMonitor monitor(scan.function(), clock.function(), nullptr,
-                                [&](const QList<DetectedProcessSample>&) {
-                                    std::lock_guard lock(mutex);
-                                    return QList<CodexProcessMonitor::LogState>{log};
-                                });
-    const struct {
-        qint64 atMs;
-        qint64 commands;
-        qint64 callSinceMs;
-        ProcessActivityStatus status;
-    } steps[] = {
+    ScriptedMonitor scripted;
+    const std::tuple<qint64, qint64, qint64, ProcessActivityStatus> steps[] = {
+        // at ms, commands running, call written at ms, status
         {0, 0, -5000, ProcessActivityStatus::waiting}, // the question
         {2000, 1, -5000, running},                     // approved: its command runs
         {4000, 0, -5000, running},                     // it ended; no output written yet
         {6000, 0, 5000, running},                      // the next call, just written
         {8000, 0, 5000, ProcessActivityStatus::waiting},
     };
-    for (const auto& step : steps) {
+    for (const auto& [atMs, commands, callSinceMs, status] : steps) {
         DetectedProcessSample s = sample(1, 0.0, base);
-        s.runningCommands = step.commands;
-        scan.returns({s});
-        {
-            std::lock_guard lock(mutex);
-            log = logIn(TurnPhase::awaitingToolOutput, step.callSinceMs);
-        }
-        ASSERT_TRUE(refreshAt(monitor, clock, step.atMs));
-        EXPECT_EQ(monitor.matches()[0].status, step.status) << "at " << step.atMs << " ms";
+        s.runningCommands = commands;
+        ASSERT_TRUE(
+            scripted.refreshWith({s}, {logIn(TurnPhase::awaitingToolOutput, callSinceMs)}, atMs));
+        EXPECT_EQ(scripted.monitor.matches()[0].status, status) << "at " << atMs << " ms";
     }
 }
 
 TEST(ActivityClassification, ATurnEndReadsIdleAtTheNextRefresh) {
-    ScriptedScan scan;
-    ManualClock clock;
-    QList<CodexProcessMonitor::LogState> logs{logIn(TurnPhase::running, 0)};
-    CodexProcessMonitor monitor(scan.function(), clock.function(), nullptr,
-                                [&logs](const QList<DetectedProcessSample>&) { return logs; });
-    scan.returns({sample(1, 50.0, base, true)});
-    ASSERT_TRUE(refreshAt(monitor, clock, 0));
-    EXPECT_EQ(monitor.matches()[0].status, running);
-    logs = {logIn(TurnPhase::idle, 1500)};
-    scan.returns({sample(1, 0.0, base + 1.0)});
-    ASSERT_TRUE(refreshAt(monitor, clock, 2000));
-    EXPECT_EQ(monitor.matches()[0].status, idle) << "no grace period after a logged turn";
-    EXPECT_EQ(monitor.matches()[0].since, at(1500));
-    ASSERT_TRUE(refreshAt(monitor, clock, 4000));
-    EXPECT_EQ(monitor.matches()[0].since, at(1500)) << "kept while the status holds";
+    ScriptedMonitor scripted;
+    const QList<ProcessMatch>& matches = scripted.monitor.matches();
+    ASSERT_TRUE(scripted.refreshWith({sample(1, 50.0, base, true)}, {logIn(TurnPhase::running)}));
+    EXPECT_EQ(matches[0].status, running);
+    const QList<CodexProcessMonitor::LogState> ended{logIn(TurnPhase::idle, 1500)};
+    ASSERT_TRUE(scripted.refreshWith({sample(1, 0.0, base + 1.0)}, ended, 2000));
+    EXPECT_EQ(matches[0].status, idle) << "no grace period after a logged turn";
+    EXPECT_EQ(matches[0].since, at(1500));
+    ASSERT_TRUE(scripted.refreshWith({sample(1, 0.0, base + 1.0)}, ended, 4000));
+    EXPECT_EQ(matches[0].since, at(1500)) << "kept while the status holds";
 }
 
 } // namespace

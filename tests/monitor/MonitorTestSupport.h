@@ -1,5 +1,6 @@
 #pragma once
 
+#include "../detection/DetectionTestSupport.h"
 #include "monitor/ProcessMonitoring.h"
 
 #include <QDateTime>
@@ -20,15 +21,7 @@ inline QDateTime at(qint64 ms) {
 inline DetectedProcessSample sample(qint64 pid, double cpuPercent, double cpuTime, bool hot = false,
                                     QString command = QStringLiteral("codex"),
                                     qint64 memberCount = 1) {
-    DetectedProcessSample s;
-    s.pid = pid;
-    s.command = std::move(command);
-    s.totalCPUPercent = cpuPercent;
-    s.cumulativeCPUTime = cpuTime;
-    s.hasHotState = hot;
-    s.memberCount = memberCount;
-    s.processCount = memberCount;
-    return s;
+    return session(pid, std::move(command), cpuPercent, cpuTime, hot, memberCount, memberCount);
 }
 
 // A wall clock the test sets by hand; read on the GUI thread only.
@@ -109,5 +102,36 @@ private:
     monitor.refresh();
     return waitForRefreshToEnd(monitor);
 }
+
+// A monitor on a scripted scan, a hand-set clock and scripted session logs,
+// one per sample (none: judged by CPU); the scan first, since the monitor
+// waits for its scan when destroyed.
+struct ScriptedMonitor {
+    ScriptedScan scan;
+    ManualClock clock;
+    std::mutex logsMutex; // the logs are read on the scan's thread
+    QList<CodexProcessMonitor::LogState> logs;
+    CodexProcessMonitor monitor{scan.function(), clock.function(), nullptr,
+                                [this](const QList<DetectedProcessSample>&) {
+                                    std::lock_guard lock(logsMutex);
+                                    return logs;
+                                }};
+
+    // One refresh at `ms` with these samples and logs; true once it has ended.
+    [[nodiscard]] bool refreshWith(QList<DetectedProcessSample> samples,
+                                   QList<CodexProcessMonitor::LogState> sessionLogs = {},
+                                   qint64 ms = 0) {
+        scan.returns(std::move(samples));
+        {
+            std::lock_guard lock(logsMutex);
+            logs = std::move(sessionLogs);
+        }
+        return refreshAt(monitor, clock, ms);
+    }
+    [[nodiscard]] bool failWith(QString message, qint64 ms = 0) {
+        scan.fails(std::move(message));
+        return refreshAt(monitor, clock, ms);
+    }
+};
 
 } // namespace brenvik::test

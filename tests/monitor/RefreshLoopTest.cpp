@@ -88,9 +88,10 @@ const struct {
                  "lastUpdated: 1000 -> 3000"})},
 };
 
-void runRefresh(CodexProcessMonitor& monitor, ScriptedScan& scan, ManualClock& clock,
-                Outcome outcome, qint64 atMs) {
-    clock.set(atMs);
+void runRefresh(ScriptedMonitor& scripted, Outcome outcome, qint64 atMs) {
+    ScriptedScan& scan = scripted.scan;
+    CodexProcessMonitor& monitor = scripted.monitor;
+    scripted.clock.set(atMs);
     if (outcome == Outcome::failure)
         scan.fails(QStringLiteral("boom"));
     else
@@ -106,17 +107,16 @@ void runRefresh(CodexProcessMonitor& monitor, ScriptedScan& scan, ManualClock& c
 TEST(PublishedState, NoticesComeInOrderBeforeEachValueIsStored) {
     for (const auto& testCase : kOrderCases) {
         SCOPED_TRACE(testCase.name);
-        ScriptedScan scan;
-        ManualClock clock;
-        CodexProcessMonitor monitor(scan.function(), clock.function());
+        ScriptedMonitor scripted;
+        CodexProcessMonitor& monitor = scripted.monitor;
         if (testCase.before)
-            runRefresh(monitor, scan, clock, *testCase.before, 1000);
+            runRefresh(scripted, *testCase.before, 1000);
         const auto matchesBefore = monitor.matches();
         const auto errorBefore = monitor.lastError();
         const auto historyPIDsBefore = monitor.historyByPID().keys();
 
         NoticeRecorder recorder(monitor);
-        runRefresh(monitor, scan, clock, testCase.outcome, 3000);
+        runRefresh(scripted, testCase.outcome, 3000);
         EXPECT_EQ(recorder.notices, testCase.expected)
             << recorder.notices.join(u'\n').toStdString();
 
@@ -128,13 +128,8 @@ TEST(PublishedState, NoticesComeInOrderBeforeEachValueIsStored) {
     }
 }
 
-// One monitor on a scripted scan and a hand-set clock; the scan first, since
-// the monitor waits for its scan when destroyed.
-class RefreshLoop : public ::testing::Test {
+class RefreshLoop : public ::testing::Test, protected ScriptedMonitor {
 protected:
-    ScriptedScan scan;
-    ManualClock clock;
-    CodexProcessMonitor monitor{scan.function(), clock.function()};
     QSignalSpy refreshes{&monitor, &CodexProcessMonitor::lastUpdatedChanged};
 };
 
@@ -219,22 +214,19 @@ TEST(ScanFailure, BecomesTheErrorTextThenSuccessClearsIt) {
     };
     for (const auto& testCase : cases) {
         SCOPED_TRACE(testCase.name);
-        ScriptedScan scan;
-        ManualClock clock;
-        CodexProcessMonitor monitor(scan.function(), clock.function());
-        scan.returns({sample(5, 50.0, 10.0)});
-        ASSERT_TRUE(refreshAt(monitor, clock, 0));
+        ScriptedMonitor scripted;
+        const CodexProcessMonitor& monitor = scripted.monitor;
+        ASSERT_TRUE(scripted.refreshWith({sample(5, 50.0, 10.0)}));
         ASSERT_EQ(monitor.matches().value(0).status, ProcessActivityStatus::running);
 
-        scan.setBehaviour(testCase.behaviour);
-        ASSERT_TRUE(refreshAt(monitor, clock, 2000));
+        scripted.scan.setBehaviour(testCase.behaviour);
+        ASSERT_TRUE(refreshAt(scripted.monitor, scripted.clock, 2000));
         EXPECT_EQ(monitor.lastError(), testCase.expected);
         EXPECT_TRUE(monitor.matches().isEmpty());
         EXPECT_TRUE(monitor.historyByPID().isEmpty());
 
         // Within the grace period and with grown CPU time, but judged as new.
-        scan.returns({sample(5, 0.0, 20.0)});
-        ASSERT_TRUE(refreshAt(monitor, clock, 4000));
+        ASSERT_TRUE(scripted.refreshWith({sample(5, 0.0, 20.0)}, {}, 4000));
         EXPECT_FALSE(monitor.lastError());
         ASSERT_EQ(monitor.matches().size(), 1);
         EXPECT_EQ(monitor.matches()[0].status, ProcessActivityStatus::idle);

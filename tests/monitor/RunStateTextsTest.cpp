@@ -34,54 +34,74 @@ QString describe(const CodexRunState& state) {
     return state.asError() ? u"error: "_qs + state.asError()->message : u"idle"_qs;
 }
 
-// The monitor after its refreshes: what the scan gave, or nothing yet. The
+// The run state of the published matches (or failure), and its texts. The
 // run state is described as its kind and figures.
 TEST(RunStateAndSummary, FollowThePublishedState) {
     const QString noProcess = QStringLiteral("No Codex CLI process detected");
     const QString mixed = QStringLiteral("3 total \u00B7 1 running \u00B7 2 idle");
     const QString failed = QStringLiteral("Process detection failed");
+    constexpr auto idle = ProcessActivityStatus::idle, running = ProcessActivityStatus::running;
     const struct {
         const char* name;
-        std::optional<QList<DetectedProcessSample>> samples; // none: no refresh ended yet
-        std::optional<QString> failure;                      // the scan fails with this text
+        QList<ProcessActivityStatus> matches;
+        std::optional<QString> failure;
         QString summary;
         QString detail;
         QString runState; // "idle", "error: text" or "total/running/idle"
     } cases[] = {
-        {"just started, no refresh ended", std::nullopt, std::nullopt,
-         QStringLiteral("Checking for Codex CLI processes\u2026"), noProcess, u"idle"_qs},
-        {"refreshed, no match", QList<DetectedProcessSample>{}, std::nullopt, noProcess, noProcess,
-         u"idle"_qs},
-        {"one match, idle", QList{sample(1, 0.0, 1.0)}, std::nullopt, QStringLiteral("1 idle"),
-         QStringLiteral("1 Codex process idle"), u"1/0/1"_qs},
-        {"two matches, both running", QList{sample(1, 9.0, 1.0), sample(2, 0.0, 1.0, true)},
-         std::nullopt, QStringLiteral("2 running"), QStringLiteral("2 Codex processes running"),
+        {"no match", {}, std::nullopt, noProcess, noProcess, u"idle"_qs},
+        {"one match, idle",
+         {idle},
+         std::nullopt,
+         QStringLiteral("1 idle"),
+         QStringLiteral("1 Codex process idle"),
+         u"1/0/1"_qs},
+        {"two matches, both running",
+         {running, running},
+         std::nullopt,
+         QStringLiteral("2 running"),
+         QStringLiteral("2 Codex processes running"),
          u"2/2/0"_qs},
         {"three matches, one running",
-         QList{sample(1, 0.0, 1.0), sample(2, 9.0, 1.0), sample(3, 0.0, 1.0)}, std::nullopt, mixed,
-         mixed, u"3/1/2"_qs},
-        {"the latest refresh failed", std::nullopt, QStringLiteral("ps failed with exit code 1"),
-         failed, QStringLiteral("Codex process detection failed: ps failed with exit code 1"),
+         {idle, running, idle},
+         std::nullopt,
+         mixed,
+         mixed,
+         u"3/1/2"_qs},
+        {"the latest refresh failed",
+         {},
+         QStringLiteral("ps failed with exit code 1"),
+         failed,
+         QStringLiteral("Codex process detection failed: ps failed with exit code 1"),
          u"error: ps failed with exit code 1"_qs},
-        {"failed with an empty text", std::nullopt, QString(), failed,
-         QStringLiteral("Codex process detection failed: "), u"error: "_qs},
+        {"failed with an empty text",
+         {},
+         QString(),
+         failed,
+         QStringLiteral("Codex process detection failed: "),
+         u"error: "_qs},
     };
     for (const auto& testCase : cases) {
-        SCOPED_TRACE(testCase.name);
-        ScriptedScan scan;
-        ManualClock clock;
-        CodexProcessMonitor monitor(scan.function(), clock.function());
-        if (testCase.samples || testCase.failure) {
-            if (testCase.failure)
-                scan.fails(*testCase.failure);
-            else
-                scan.returns(*testCase.samples);
-            ASSERT_TRUE(refreshAt(monitor, clock, 0));
+        QList<ProcessMatch> matches;
+        for (const ProcessActivityStatus status : testCase.matches) {
+            matches.append(ProcessMatch());
+            matches.last().status = status;
         }
-        EXPECT_EQ(monitor.summary(), testCase.summary);
-        EXPECT_EQ(detailText(monitor.runState()), testCase.detail);
-        EXPECT_EQ(describe(monitor.runState()), testCase.runState);
+        const CodexRunState state = runStateOf(matches, testCase.failure);
+        EXPECT_EQ(summaryText(state, false), testCase.summary) << testCase.name;
+        EXPECT_EQ(detailText(state), testCase.detail) << testCase.name;
+        EXPECT_EQ(describe(state), testCase.runState) << testCase.name;
     }
+    EXPECT_EQ(summaryText(CodexRunState::idle(), true),
+              QStringLiteral("Checking for Codex CLI processes\u2026"));
+}
+
+// Until a refresh has ended, the monitor says it is checking.
+TEST(RunStateAndSummary, CheckingUntilTheFirstRefreshEnds) {
+    ScriptedMonitor scripted;
+    EXPECT_EQ(scripted.monitor.summary(), summaryText(CodexRunState::idle(), true));
+    ASSERT_TRUE(scripted.refreshWith({}));
+    EXPECT_EQ(scripted.monitor.summary(), summaryText(CodexRunState::idle(), false));
 }
 
 } // namespace

@@ -61,35 +61,6 @@ inline CodexProcessMonitor::LogState waitingLog(const QDateTime& since) {
     return log;
 }
 
-// A monitor on a scripted scan (and session logs), brought into a state by
-// one refresh; true once the refresh has ended.
-struct ScriptedMonitor {
-    ScriptedScan scan;
-    ManualClock clock;
-    std::mutex logsMutex; // the logs are read on the scan's thread
-    QList<CodexProcessMonitor::LogState> logs;
-    CodexProcessMonitor monitor{scan.function(), clock.function(), nullptr,
-                                [this](const QList<DetectedProcessSample>&) {
-                                    std::lock_guard lock(logsMutex);
-                                    return logs;
-                                }};
-
-    // `logs` line up with `samples`; samples without one are judged by CPU.
-    [[nodiscard]] bool refreshWith(QList<DetectedProcessSample> samples,
-                                   QList<CodexProcessMonitor::LogState> sessionLogs = {}) {
-        scan.returns(std::move(samples));
-        {
-            std::lock_guard lock(logsMutex);
-            logs = std::move(sessionLogs);
-        }
-        return refreshAt(monitor, clock, 0);
-    }
-    [[nodiscard]] bool failWith(QString message) {
-        scan.fails(std::move(message));
-        return refreshAt(monitor, clock, 0);
-    }
-};
-
 // The preference controllers on files in a temporary folder.
 class PrivatePreferences {
     QTemporaryDir m_dir;
