@@ -100,7 +100,14 @@ TmuxPane pane(bool work) {
                 : TmuxPane{kSocket, u"spare"_qs, u"$1"_qs, 0, u"@3"_qs, u"w"_qs, 0, u"%2"_qs};
 }
 
+const QString kNoX = u"there is no X server (DISPLAY is not set)"_qs;
+
 TEST(SessionPlaceFinder, FindsThePaneAndTheWindow) {
+    const auto in = [](SessionPlace place) { return PlaceLookup{std::move(place), {}}; };
+    const auto nowhere = [](QString reason) {
+        return PlaceLookup{std::nullopt, std::move(reason)};
+    };
+    const QString anywhere;
     const struct {
         const char* name;
         qint64 pid;
@@ -108,43 +115,21 @@ TEST(SessionPlaceFinder, FindsThePaneAndTheWindow) {
         bool withX;
         PlaceLookup expected;
     } cases[] = {
-        {"in tmux, shown in an xterm",
-         202,
-         u"/home/u/website"_qs,
-         true,
-         {SessionPlace{u"xterm"_qs, 0x1000, pane(true), false}, {}}},
-        {"the same without an X server: the terminal by name",
-         202,
-         {},
-         false,
-         {SessionPlace{u"xterm"_qs, std::nullopt, pane(true), false}, {}}},
-        {"in a tmux session no client shows",
-         211,
-         {},
-         true,
-         {SessionPlace{{}, std::nullopt, pane(false), false}, {}}},
-        {"one of two windows of one program, by its title",
-         302,
-         u"/home/u/proj/infra"_qs,
-         true,
-         {SessionPlace{u"GNOME Terminal"_qs, 0x2000, std::nullopt, true}, {}}},
-        {"its title names nothing: the latest raised",
-         302,
-         u"/srv/x"_qs,
-         true,
-         {SessionPlace{u"GNOME Terminal"_qs, 0x2001, std::nullopt, true}, {}}},
-        {"another user's",
-         400,
-         {},
-         true,
-         {std::nullopt, u"the session belongs to another user"_qs}},
-        {"ended", 999, {}, true, {std::nullopt, u"the session has ended"_qs}},
-        {"nowhere",
-         500,
-         {},
-         false,
-         {std::nullopt, u"it runs in no tmux pane and no known terminal; no window was looked "
-                        u"for: there is no X server (DISPLAY is not set)"_qs}},
+        {"in tmux, shown in an xterm", 202, u"/home/u/website"_qs, true,
+         in(SessionPlace(u"xterm"_qs, 0x1000, pane(true), false))},
+        {"the same without an X server: the terminal by name", 202, anywhere, false,
+         in(SessionPlace(u"xterm"_qs, std::nullopt, pane(true), false))},
+        {"in a tmux session no client shows", 211, anywhere, true,
+         in(SessionPlace(QString(), std::nullopt, pane(false), false))},
+        {"one of two windows of one program, by its title", 302, u"/home/u/proj/infra"_qs, true,
+         in(SessionPlace(u"GNOME Terminal"_qs, 0x2000, std::nullopt, true))},
+        {"its title names nothing: the latest raised", 302, u"/srv/x"_qs, true,
+         in(SessionPlace(u"GNOME Terminal"_qs, 0x2001, std::nullopt, true))},
+        {"another user's", 400, anywhere, true, nowhere(u"the session belongs to another user"_qs)},
+        {"ended", 999, anywhere, true, nowhere(u"the session has ended"_qs)},
+        {"nowhere", 500, anywhere, false,
+         nowhere(u"it runs in no tmux pane and no known terminal; no window was looked for: "_qs +
+                 kNoX)},
     };
     for (const auto& testCase : cases) {
         FakeSystem system;
@@ -155,80 +140,41 @@ TEST(SessionPlaceFinder, FindsThePaneAndTheWindow) {
 }
 
 TEST(GoToSession, SelectsThePaneAndRaisesTheWindow) {
+    using enum GoResult::Outcome;
     const QString selectWork = u"select-window -t @1|select-pane -t %1"_qs;
     const QString selectSpare = u"select-window -t @3|select-pane -t %2"_qs;
-    const struct {
+    const GoResult wentThere{went, {}};
+    const QList<quint32> noWindow, xterm{0x1000};
+    const QString noChange;
+    struct Case {
         const char* name;
         qint64 pid;
         bool withX;
-        QString invokingSocket;
-        std::optional<SessionPlace> remembered;
-        GoResult expected;
         QString tmuxChanges; // what it asked of tmux beyond listing, "|" between
         QList<quint32> activated;
-    } cases[] = {
-        {"in tmux in an xterm",
-         202,
-         true,
-         {},
-         {},
-         {GoResult::Outcome::went, {}},
-         selectWork,
-         {0x1000}},
-        {"no X server: the pane, and why not the window",
-         202,
-         false,
-         {},
-         {},
-         {GoResult::Outcome::selected,
-          u"In xterm, tmux work:1.0: its pane is selected; the window was not raised: there is "
-          u"no X server (DISPLAY is not set)"_qs},
-         selectWork,
-         {}},
-        {"no terminal shows it",
-         211,
-         true,
-         {},
-         {},
-         {GoResult::Outcome::selected,
-          u"In tmux spare:0.0, which no terminal shows: its pane is selected for the next attach"_qs},
-         selectSpare,
-         {}},
-        {"the terminal that showed it shows another session now",
-         211,
-         true,
-         {},
-         SessionPlace{u"xterm"_qs, 0x1000, pane(false), false},
-         {GoResult::Outcome::went, {}},
-         selectSpare + u"|switch-client -c /dev/pts/1 -t %2"_qs,
-         {0x1000}},
-        {"from a key binding of the same server",
-         211,
-         true,
-         kSocket,
-         {},
-         {GoResult::Outcome::went, {}},
-         selectSpare + u"|switch-client -t %2"_qs,
-         {0x1000}},
-        {"a window of its own", 302, true, {}, {}, {GoResult::Outcome::went, {}}, {}, {0x2001}},
-        {"another user's",
-         400,
-         true,
-         {},
-         {},
-         {GoResult::Outcome::failed,
-          u"Cannot go to the session: the session belongs to another user"_qs},
-         {},
-         {}},
-        {"no tmux and no X server",
-         302,
-         false,
-         {},
-         {},
-         {GoResult::Outcome::failed,
-          u"In GNOME Terminal: the window was not raised: there is no X server (DISPLAY is not set)"_qs},
-         {},
-         {}},
+        GoResult expected;
+        QString invokingSocket = {};
+        std::optional<SessionPlace> remembered = {};
+    };
+    const Case cases[] = {
+        {"in tmux in an xterm", 202, true, selectWork, xterm, wentThere},
+        {"no X server: the pane, and why not the window", 202, false, selectWork, noWindow,
+         GoResult(selected,
+                  u"In xterm, tmux work:1.0: its pane is selected; the window was not raised: "_qs +
+                      kNoX)},
+        {"no terminal shows it", 211, true, selectSpare, noWindow,
+         GoResult(selected, u"In tmux spare:0.0, which no terminal shows: its pane is selected "
+                            u"for the next attach"_qs)},
+        {"the terminal that showed it shows another session now", 211, true,
+         selectSpare + u"|switch-client -c /dev/pts/1 -t %2"_qs, xterm, wentThere, QString(),
+         SessionPlace(u"xterm"_qs, 0x1000, pane(false), false)},
+        {"from a key binding of the same server", 211, true,
+         selectSpare + u"|switch-client -t %2"_qs, xterm, wentThere, kSocket},
+        {"a window of its own", 302, true, noChange, QList<quint32>{0x2001}, wentThere},
+        {"another user's", 400, true, noChange, noWindow,
+         GoResult(failed, u"Cannot go to the session: the session belongs to another user"_qs)},
+        {"no tmux and no X server", 302, false, noChange, noWindow,
+         GoResult(failed, u"In GNOME Terminal: the window was not raised: "_qs + kNoX)},
     };
     for (const auto& testCase : cases) {
         FakeSystem system;

@@ -15,45 +15,29 @@ AncestorProcess process(qint64 pid, qint64 ppid, QString name = QStringLiteral("
             .uid = 1000};
 }
 
-TEST(TmuxPanes, ParsesPaneLinesAndSkipsWhatIsNoPane) {
-    const struct {
-        const char* name;
-        const char* output;
-        QList<TmuxPaneRow> expected;
-    } cases[] = {
+TEST(TmuxPanes, ParsesPaneAndClientLinesAndSkipsTheRest) {
+    const TmuxPaneRow pane3{4100, u"%3"_qs, u"$1"_qs, u"@2"_qs, 2, 1};
+    const std::tuple<const char*, const char*, QList<TmuxPaneRow>> panes[] = {
         {"two panes",
          "4100 %3 $1 @2 2 1\n4200 %7 $0 @5 10 0\n",
-         {{4100, u"%3"_qs, u"$1"_qs, u"@2"_qs, 2, 1}, {4200, u"%7"_qs, u"$0"_qs, u"@5"_qs, 10, 0}}},
-        {"no trailing line break, blank lines",
-         "\n4100 %3 $1 @2 2 1",
-         {{4100, u"%3"_qs, u"$1"_qs, u"@2"_qs, 2, 1}}},
+         {pane3, {4200, u"%7"_qs, u"$0"_qs, u"@5"_qs, 10, 0}}},
+        {"no trailing line break, blank lines", "\n4100 %3 $1 @2 2 1", {pane3}},
         {"a field missing, too many, not a number, not an ID",
-         "4100 %3 $1 @2 2\n4100 %3 $1 @2 2 1 9\nx %3 $1 @2 2 1\n4100 3 $1 @2 2 1\n4100 %3 $1 @x 2 "
-         "1\n",
+         "4100 %3 $1 @2 2\n4100 %3 $1 @2 2 1 9\nx %3 $1 @2 2 1\n4100 3 $1 @2 2 1\n"
+         "4100 %3 $1 @x 2 1\n",
          {}},
         {"an error message", "no server running on /tmp/tmux-1000/default\n", {}},
         {"nothing", "", {}},
     };
-    for (const auto& testCase : cases)
-        EXPECT_EQ(parseTmuxPanes(QString::fromUtf8(testCase.output)), testCase.expected)
-            << testCase.name;
-}
+    for (const auto& [name, output, expected] : panes)
+        EXPECT_EQ(parseTmuxPanes(QString::fromUtf8(output)), expected) << name;
 
-TEST(TmuxPanes, ParsesClientLines) {
-    const struct {
-        const char* name;
-        const char* output;
-        QList<TmuxClientRow> expected;
-    } cases[] = {
-        {"two clients",
-         "300 1764000000 $1 /dev/pts/3\n301 1764000100 $0 /dev/pts/4\n",
-         {{300, 1764000000, u"$1"_qs, u"/dev/pts/3"_qs},
-          {301, 1764000100, u"$0"_qs, u"/dev/pts/4"_qs}}},
-        {"a control client without a tty, garbage", "300 1764000000 $1\n300 x $1 /dev/pts/3\n", {}},
-    };
-    for (const auto& testCase : cases)
-        EXPECT_EQ(parseTmuxClients(QString::fromUtf8(testCase.output)), testCase.expected)
-            << testCase.name;
+    EXPECT_EQ(parseTmuxClients(u"300 1764000000 $1 /dev/pts/3\n301 1764000100 $0 /dev/pts/4\n"_qs),
+              (QList<TmuxClientRow>{{300, 1764000000, u"$1"_qs, u"/dev/pts/3"_qs},
+                                    {301, 1764000100, u"$0"_qs, u"/dev/pts/4"_qs}}));
+    EXPECT_EQ(parseTmuxClients(u"300 1764000000 $1\n300 x $1 /dev/pts/3\n"_qs),
+              QList<TmuxClientRow>())
+        << "a control client without a tty, garbage";
 }
 
 TEST(TmuxPanes, PicksThePaneOfTheNearestAncestorAndTheLatestClient) {
