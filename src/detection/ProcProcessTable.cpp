@@ -185,19 +185,36 @@ ProcProcessTableSource::ProcProcessTableSource(QString procRoot, SteadyClock clo
 bool ProcProcessTableSource::learn(Known& known, int pidDirectory, qint64 ppid, QByteArrayView comm,
                                    quint64 startTimeTicks, QString command) {
     known.command = std::move(command);
+    // Kept with the process: recognition reads it lower-cased, and only a
+    // line that mentions Codex is worth lowering.
+    const bool mentionsCodex = mayMentionCodex(known.command);
+    known.lowered = mentionsCodex ? lowerCasedCommand(known.command) : QString();
     known.comm = comm.toByteArray();
     known.executable.clear();
     known.cwd.clear();
     known.startedAt.reset();
     const auto parent = m_known.constFind(ppid);
     const bool parentIsCodex = parent != m_known.cend() && parent->isCodex;
-    const bool mayBeCodex = mayMentionCodex(known.command) &&
-                            codexRole(lowerCasedCommand(known.command)) != CodexRole::none;
+    const bool mayBeCodex = mentionsCodex && codexRole(known.lowered) != CodexRole::none;
     known.isCodex = mayBeCodex;
     if (!mayBeCodex && !parentIsCodex && !commLooksLikeCodex(comm))
         return false;
     readDetails(known, pidDirectory, startTimeTicks);
     return true;
+}
+
+ObservedProcess ProcProcessTableSource::rowOf(qint64 pid, const Known& known, double cpuPercent) {
+    return {.pid = pid,
+            .ppid = known.ppid,
+            .state = stateText(known.state),
+            .cpuPercent = cpuPercent,
+            .cpuTime = known.cpuTime,
+            .command = known.command,
+            .loweredCommand = known.lowered,
+            .arguments = known.arguments,
+            .executable = known.executable,
+            .cwd = known.cwd,
+            .startedAt = known.startedAt};
 }
 
 void ProcProcessTableSource::readDetails(Known& known, int pidDirectory, quint64 startTimeTicks) {
@@ -314,16 +331,7 @@ QList<ObservedProcess> ProcProcessTableSource::snapshot() {
             m_reRead.keepsRow(seen.key(), seen->isKernelThread,
                               m_ofInterest.contains(seen.key()))) {
             seen->generation = generation;
-            rows.append(ObservedProcess{.pid = seen.key(),
-                                        .ppid = seen->ppid,
-                                        .state = stateText(seen->state),
-                                        .cpuPercent = 0.0,
-                                        .cpuTime = seen->cpuTime,
-                                        .command = seen->command,
-                                        .arguments = seen->arguments,
-                                        .executable = seen->executable,
-                                        .cwd = seen->cwd,
-                                        .startedAt = seen->startedAt});
+            rows.append(rowOf(seen.key(), *seen, 0.0));
             continue;
         }
         const auto stat = readStat(::dirfd(dir.get()), entry->d_name, statBuffer);
@@ -388,16 +396,7 @@ QList<ObservedProcess> ProcProcessTableSource::snapshot() {
         known.state = stat->state;
         known.isKernelThread = stat->isKernelThread();
 
-        rows.append(ObservedProcess{.pid = stat->pid,
-                                    .ppid = stat->ppid,
-                                    .state = stateText(stat->state),
-                                    .cpuPercent = cpuPercent,
-                                    .cpuTime = cpuTime,
-                                    .command = known.command,
-                                    .arguments = known.arguments,
-                                    .executable = known.executable,
-                                    .cwd = known.cwd,
-                                    .startedAt = known.startedAt});
+        rows.append(rowOf(stat->pid, known, cpuPercent));
     }
 
     for (const qsizetype index : std::as_const(undecided)) {

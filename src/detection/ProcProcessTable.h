@@ -62,6 +62,7 @@ private:
         quint64 startTimeTicks = 0;
         QByteArray comm; // as read from stat, compared without decoding
         QString command;
+        QString lowered = {};        // lowerCasedCommand(command) where it mentions Codex
         QStringList arguments;       // of Codex-like command lines only
         bool commandIsFinal = false; // false: read it again next time
         bool isCodex = false;        // its children get their details read too
@@ -78,6 +79,8 @@ private:
     };
 
     [[nodiscard]] const QString& stateText(char state);
+    // The row of a process as last read, with its CPU use over the interval.
+    [[nodiscard]] ObservedProcess rowOf(qint64 pid, const Known& known, double cpuPercent);
     struct CommandLine {
         QString text;          // as ps shows it
         QStringList arguments; // where it may be Codex's, or wanted: each argument whole

@@ -20,6 +20,9 @@ struct ObservedProcess {
     double cpuPercent = 0; // percent of one core; may exceed 100
     double cpuTime = 0;    // cumulative seconds
     QString command;       // full command line, trimmed, never empty
+    // lowerCasedCommand(command), where the source keeps it with the process
+    // (the /proc source, for lines that mention Codex); empty otherwise.
+    QString loweredCommand = {};
     // Each argument whole, where the source keeps them (the /proc source, for
     // command lines that may be Codex's); empty otherwise.
     QStringList arguments;

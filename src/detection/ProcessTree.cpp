@@ -165,9 +165,12 @@ private:
         return (m_ascending || indexOf(m_rows[i].pid) == i) && !isZombieState(m_rows[i].state);
     }
 
-    // A command is lower-cased at most once per pass, and only when a test
-    // needs it: most rows are ruled out without it.
+    // A command is lower-cased once, by the source where it keeps it with the
+    // process, else at most once per pass and only when a test needs it: most
+    // rows are ruled out without it.
     const QString& loweredAt(qsizetype i) {
+        if (!m_rows[i].loweredCommand.isEmpty())
+            return m_rows[i].loweredCommand;
         if (m_lowered[i].isNull())
             m_lowered[i] = lowerCasedCommand(m_rows[i].command);
         return m_lowered[i];

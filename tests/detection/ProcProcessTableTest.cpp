@@ -100,6 +100,7 @@ TEST_F(ProcSourceTest, RowsFromStatAndCmdline) {
                                .cpuPercent = 0.0,
                                .cpuTime = 3.0,
                                .command = QStringLiteral("node /x/codex --fast"),
+                               .loweredCommand = QStringLiteral("node /x/codex --fast"),
                                .arguments = {u"node"_qs, u"/x/codex"_qs, u"--fast"_qs},
                                .executable = {},
                                .cwd = {},

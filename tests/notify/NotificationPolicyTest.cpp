@@ -30,9 +30,9 @@ ProcessMatch session(qint64 pid, ProcessActivityStatus status, qint64 sinceSecon
 struct Step {
     qint64 at;
     QList<ProcessMatch> matches;
+    QString expected = {}; // "summary | body" of each notice shown, then "close PID"; " ; " between
     bool failed = false;
     bool enabled = true;
-    QStringList expected; // "summary | body" of each notice shown, then "close PID"
 };
 
 QStringList outcome(const NotificationPolicy::Decision& decision) {
@@ -60,65 +60,50 @@ TEST(NotificationPolicy, WhatIsAnnounced) {
         match.startedAt = at(1);
         return match;
     };
+    const QString off; // turned off, nothing expected
     const struct {
         const char* name;
         QList<Step> steps;
     } cases[] = {
         {"nothing about what was so at start",
-         {{0, {a(idle, -100), b(waiting, -5)}, false, true, {}},
-          {2, {a(idle, -100), b(waiting, -5)}, false, true, {}}}},
+         {{0, {a(idle, -100), b(waiting, -5)}}, {2, {a(idle, -100), b(waiting, -5)}}}},
         {"a session that worked 10 s and went idle; its message's first line",
-         {{0, {a(idle, -100)}, false, true, {}},
-          {2, {a(running, 1)}, false, true, {}},
+         {{0, {a(idle, -100)}},
+          {2, {a(running, 1)}},
           {14,
            {a(idle, 12, "All tests pass.")},
-           false,
-           true,
-           {u"Codex finished \u00B7 alpha | Worked 11 s\nAll tests pass."_qs}}}},
+           u"Codex finished \u00B7 alpha | Worked 11 s\nAll tests pass."_qs}}},
         {"a short turn is no news, nor a short or idle session that ends",
-         {{0, {a(idle, -100), b(running, -1)}, false, true, {}},
-          {2, {a(running, 1)}, false, true, {}},
-          {8, {a(idle, 7)}, false, true, {}},
-          {10, {}, false, true, {}}}},
+         {{0, {a(idle, -100), b(running, -1)}}, {2, {a(running, 1)}}, {8, {a(idle, 7)}}, {10, {}}}},
         {"judged by its CPU: a TUI's start-up is no work, what it does after that is",
-         {{0, {}, false, true, {}},
-          {2, {startingUp(running, 1)}, false, true, {}},
-          {16, {startingUp(idle, 15)}, false, true, {}},
-          {20, {startingUp(running, 19)}, false, true, {}},
-          {40,
-           {startingUp(idle, 39)},
-           false,
-           true,
-           {u"Codex finished \u00B7 gamma | Worked 20 s"_qs}}}},
+         {{0, {}},
+          {2, {startingUp(running, 1)}},
+          {16, {startingUp(idle, 15)}},
+          {20, {startingUp(running, 19)}},
+          {40, {startingUp(idle, 39)}, u"Codex finished \u00B7 gamma | Worked 20 s"_qs}}},
         {"a session that ends with its turn, as codex exec does",
-         {{0, {a(running, -14, "Done.")}, false, true, {}},
-          {2, {}, false, true, {u"Codex finished \u00B7 alpha | Worked 16 s\nDone."_qs}}}},
+         {{0, {a(running, -14, "Done.")}},
+          {2, {}, u"Codex finished \u00B7 alpha | Worked 16 s\nDone."_qs}}},
         {"waiting, then approved",
-         {{0, {a(running, -30)}, false, true, {}},
-          {2, {a(waiting, 1)}, false, true, {alphaWaits}},
-          {4, {a(waiting, 1)}, false, true, {}},
-          {6, {a(running, 5)}, false, true, {u"close 1"_qs}}}},
+         {{0, {a(running, -30)}},
+          {2, {a(waiting, 1)}, alphaWaits},
+          {4, {a(waiting, 1)}},
+          {6, {a(running, 5)}, u"close 1"_qs}}},
         {"two sessions in one refresh share one notice",
-         {{0, {a(running, -60), b(running, -60)}, false, true, {}},
+         {{0, {a(running, -60), b(running, -60)}},
           {2,
            {a(idle, 1), b(idle, 2)},
-           false,
-           true,
-           {u"Codex finished \u00B7 alpha, beta | 2 sessions are done."_qs}}}},
+           u"Codex finished \u00B7 alpha, beta | 2 sessions are done."_qs}}},
         {"nothing while detection fails, nor when it comes back",
-         {{0, {a(running, -60)}, false, true, {}},
-          {2, {}, true, true, {}},
-          {4, {a(running, -60)}, false, true, {}}}},
+         {{0, {a(running, -60)}}, {2, {}, {}, true}, {4, {a(running, -60)}}}},
         {"turned off: nothing shown, but a waiting notice still closes",
-         {{0, {a(running, -60)}, false, true, {}},
-          {2, {a(waiting, 1)}, false, true, {alphaWaits}},
-          {4, {a(idle, 3)}, false, false, {u"close 1"_qs}},
-          {6, {a(running, 5)}, false, false, {}},
-          {30, {a(idle, 29)}, false, false, {}}}},
+         {{0, {a(running, -60)}},
+          {2, {a(waiting, 1)}, alphaWaits},
+          {4, {a(idle, 3)}, u"close 1"_qs, false, false},
+          {6, {a(running, 5)}, off, false, false},
+          {30, {a(idle, 29)}, off, false, false}}},
         {"a waiting session that went away",
-         {{0, {a(running, -60)}, false, true, {}},
-          {2, {a(waiting, 1)}, false, true, {alphaWaits}},
-          {4, {}, false, true, {u"close 1"_qs}}}},
+         {{0, {a(running, -60)}}, {2, {a(waiting, 1)}, alphaWaits}, {4, {}, u"close 1"_qs}}},
     };
     for (const auto& c : cases) {
         NotificationPolicy policy;
@@ -126,7 +111,7 @@ TEST(NotificationPolicy, WhatIsAnnounced) {
             EXPECT_EQ(outcome(policy.update(step.matches, step.failed, step.enabled, at(step.at)))
                           .join(u" ; ")
                           .toStdString(),
-                      step.expected.join(u" ; ").toStdString())
+                      step.expected.toStdString())
                 << c.name << " at " << step.at << " s";
         }
     }
