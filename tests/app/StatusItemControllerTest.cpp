@@ -1,10 +1,8 @@
 #include "app/StatusItemController.h"
 
 #include "tests/app/ShellTestSupport.h"
-#include "views/MenuPopoverView.h"
 
 #include <QApplication>
-#include <QScreen>
 #include <gtest/gtest.h>
 
 namespace brenvik {
@@ -98,28 +96,6 @@ TEST_F(StatusItem, DrawsAtOnceAndRedrawsOnTheTurnAfterEachPublish) {
     EXPECT_EQ(m_surface.toolTips.last(),
               detailText(m_scripted.monitor.runState()) + u'\n' +
                   limitsLineText(*log.rateLimits, QDateTime::currentDateTimeUtc()));
-}
-
-TEST_F(StatusItem, LeftClickTogglesOnePopoverNextToTheIcon) {
-    m_controller.configure(m_scripted.monitor);
-    QWidget* content = m_controller.popover().content();
-    ASSERT_NE(qobject_cast<MenuPopoverView*>(content), nullptr);
-    const QRect screen = QGuiApplication::primaryScreen()->availableGeometry();
-    m_surface.iconGeometry = QRect(screen.right() - 30, screen.top(), 22, 22);
-    m_surface.click();
-    ASSERT_TRUE(m_controller.popover().isVisible());
-    const QRect popover = m_controller.popover().geometry();
-    EXPECT_TRUE(screen.contains(popover));
-    const int gap = popover.top() - m_surface.iconGeometry.bottom();
-    EXPECT_GT(gap, 0) << "covers the icon";
-    EXPECT_LE(gap, 10) << "not next to the icon";
-    m_surface.click();
-    EXPECT_FALSE(m_controller.popover().isVisible());
-    // Let the click that closes a popup pass before it opens again.
-    QTest::qWait(400);
-    m_surface.click();
-    EXPECT_TRUE(m_controller.popover().isVisible());
-    EXPECT_EQ(m_controller.popover().content(), content) << "content made anew";
 }
 
 } // namespace
