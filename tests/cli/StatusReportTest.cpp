@@ -16,21 +16,17 @@ const QDateTime kUpdated(QDate(2026, 11, 23), QTime(4, 5, 6, 789), Qt::OffsetFro
 ProcessMatch match(qint64 pid, QString command, ProcessActivityStatus status, double cpu,
                    double time, qint64 members, QString cwd = {},
                    std::optional<QDateTime> startedAt = {}) {
-    return {.pid = pid,
-            .command = std::move(command),
-            .status = status,
-            .instantaneousCPUPercent = cpu,
-            .cumulativeCPUTime = time,
-            .memberCount = members,
-            .processCount = members + 1,
-            .cwd = std::move(cwd),
-            .startedAt = startedAt,
-            .since = {},
-            .source = StatusSource::cpu,
-            .lastMessage = {},
-            .model = {},
-            .tokens = {},
-            .contextLeftPercent = {}};
+    ProcessMatch m;
+    m.pid = pid;
+    m.command = std::move(command);
+    m.status = status;
+    m.instantaneousCPUPercent = cpu;
+    m.cumulativeCPUTime = time;
+    m.memberCount = members;
+    m.processCount = members + 1;
+    m.cwd = std::move(cwd);
+    m.startedAt = startedAt;
+    return m;
 }
 
 StatusReport observedReport(QList<ProcessMatch> matches, QHash<qint64, SessionPlace> places = {},
