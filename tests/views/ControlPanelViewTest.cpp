@@ -5,6 +5,7 @@
 #include "places/SessionPlaceTracker.h"
 #include "views/CommandText.h"
 #include "views/PreferencesControlsView.h"
+#include "views/ProcessListPresentation.h"
 #include "views/ProcessListSectionView.h"
 #include "views/ProcessRowView.h"
 #include "views/ProcessRowsView.h"
@@ -71,19 +72,19 @@ TEST_F(ControlPanel, PlaceholderAndErrorLineFollowTheMonitor) {
     const QString failure =
         u"Could not read the process table: a very long failure text that cannot fit on one "
         u"line of the control panel however wide the font"_s;
-    const std::tuple<const char*, std::function<bool()>, QString, bool> cases[] = {
-        {"before the first refresh", [] { return true; },
-         u"Checking the local process list\u2026"_s, false},
-        {"after a failure", [&] { return m_scripted.failWith(failure); },
-         u"No process list available while detection is in an error state. "_s + failure, true},
-        {"no match", [&] { return m_scripted.refreshWith({}); },
-         u"No matching Codex CLI processes found."_s, false},
+    const CodexProcessMonitor& monitor = m_scripted.monitor;
+    const std::tuple<const char*, std::function<bool()>, bool> cases[] = {
+        {"before the first refresh", [] { return true; }, false},
+        {"after a failure", [&] { return m_scripted.failWith(failure); }, true},
+        {"no match", [&] { return m_scripted.refreshWith({}); }, false},
     };
-    for (const auto& [name, reach, placeholder, failed] : cases) {
+    for (const auto& [name, reach, failed] : cases) {
         ASSERT_TRUE(reach()) << name;
         settle();
         EXPECT_EQ(m_panel.processList()->form(), ProcessListForm::placeholder) << name;
-        EXPECT_EQ(m_panel.processList()->placeholderText(), placeholder) << name;
+        EXPECT_EQ(m_panel.processList()->placeholderText(),
+                  processListPlaceholder(monitor.lastError(), monitor.lastUpdated()))
+            << name;
         ElidingLabel* line = m_panel.errorLine();
         EXPECT_EQ(line->isVisible(), failed) << name;
         if (failed) {
@@ -131,13 +132,9 @@ TEST_F(ControlPanel, ThreeRowsStackAndAFourthScrolls) {
         return texts;
     };
     // Row 1 runs, row 2 has waited for two minutes, row 3 has no known
-    // directory; each row shows its directory (or PID), status and place;
-    // row 2's log names its model and context.
-    const QString titles[] = {u"~/projects/p1"_s, u"~/projects/p2"_s, u"PID 1003"_s,
-                              u"~/projects/p4"_s};
-    const QString places[] = {u"tmux work:2.1 \u00B7 xterm"_s, u"Zed"_s, QString(), QString()};
-    const QString capsules[] = {u"Running \u00B7 0 s"_s, u"Waiting for you \u00B7 2 min"_s,
-                                u"Idle \u00B7 0 s"_s, u"Idle \u00B7 0 s"_s};
+    // directory; each row shows its directory (or PID), status, command and
+    // place; row 2's log names its model and context.
+    const CodexProcessMonitor& monitor = m_scripted.monitor;
     const std::tuple<int, ProcessListForm, bool> cases[] = {
         {3, ProcessListForm::plainStack, false},
         {4, ProcessListForm::scrollingList, true},
@@ -167,16 +164,20 @@ TEST_F(ControlPanel, ThreeRowsStackAndAFourthScrolls) {
         const QList<ProcessRowView*> rows = list->rowsView()->rows();
         ASSERT_EQ(rows.size(), count);
         for (int i = 0; i < count; ++i) {
-            EXPECT_TRUE(rows[i]->isVisible()) << count << " matches, row " << i;
-            EXPECT_GE(rows[i]->height(), ProcessRowView::kHeight) << count << " matches, row " << i;
-            QStringList expected{titles[i], capsules[i], shownCommand(groups[i].command)};
-            if (i == 1)
-                expected << u"gpt-5.5 \u00B7 63 % context left"_s;
-            if (!places[i].isEmpty())
-                expected << places[i];
-            EXPECT_EQ(texts(rows[i]), expected) << count << " matches, row " << i;
-            EXPECT_TRUE(rows[i]->toolTip().contains(u"PID %1"_s.arg(1001 + i)))
-                << count << " matches, row " << i;
+            SCOPED_TRACE(::testing::Message() << count << " matches, row " << i);
+            EXPECT_TRUE(rows[i]->isVisible());
+            EXPECT_GE(rows[i]->height(), ProcessRowView::kHeight);
+            const ProcessMatch& match = monitor.matches()[i];
+            const QString place =
+                processRowPlace(m_places.placeOf(1001 + i).value_or(SessionPlace{}));
+            EXPECT_EQ(place.isEmpty(), i >= 2) << "sessions 1001 and 1002 were found";
+            QStringList expected{processRowTitle(match),
+                                 statusCapsuleText(match, *monitor.lastUpdated()),
+                                 shownCommand(groups[i].command),
+                                 i == 1 ? u"gpt-5.5 \u00B7 63 % context left"_s : QString(), place};
+            expected.removeAll(QString());
+            EXPECT_EQ(texts(rows[i]), expected);
+            EXPECT_EQ(rows[i]->toolTip(), processRowToolTip(match));
         }
         if (!scrollBar) {
             const QStringList cut = cutTexts(m_panel);

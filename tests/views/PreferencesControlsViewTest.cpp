@@ -50,7 +50,8 @@ TEST_F(PreferencesControls, LaunchSwitchShowsThePublishedStatusNotTheClick) {
     EXPECT_TRUE(m_view.launchErrorLabel()->isVisible());
     EXPECT_EQ(m_view.launchErrorLabel()->text(), *m_preferences.launchAtLogin.lastError());
     EXPECT_EQ(m_view.launchErrorLabel()->color(), NamedColor::red);
-    EXPECT_EQ(m_view.launchStatusLabel()->text(), u"Launch at login is off"_s);
+    EXPECT_EQ(m_view.launchStatusLabel()->text(),
+              launchAtLoginPresentation(LaunchAtLoginStatus::notRegistered).text);
 
     // Approval pending shows on, in orange; a click asks for off.
     ASSERT_TRUE(QFile::remove(folder));
@@ -58,7 +59,7 @@ TEST_F(PreferencesControls, LaunchSwitchShowsThePublishedStatusNotTheClick) {
     settle();
     ASSERT_TRUE(toggle->isChecked());
     EXPECT_EQ(m_view.launchStatusLabel()->text(),
-              u"Launch at login is waiting for approval by the desktop"_s);
+              launchAtLoginPresentation(LaunchAtLoginStatus::requiresApproval).text);
     EXPECT_EQ(m_view.launchStatusLabel()->color(), NamedColor::orange);
     click(toggle);
     EXPECT_FALSE(toggle->isChecked());
