@@ -16,31 +16,22 @@
 // nothing Codex fetches on its own (announcements and the like) leaves the machine.
 // Run alone (node fake-model-server.mjs) it prints its port and logs to stdout.
 import http from "node:http";
+import { text as readText } from "node:stream/consumers";
 
 const directivePattern = /\[(think|shell|escalate|say|pad|usage|limits)(?::([^\]]*))?\]/g;
-
-function parseDirectives(text) {
-  const d = {};
-  for (const [, name, arg] of text.matchAll(directivePattern)) d[name] = arg ?? true;
-  return d;
-}
-
-function textOf(item) {
-  return (item.content ?? []).map((c) => c.text ?? "").join("\n");
-}
+const parseDirectives = (text) => Object.fromEntries([...text.matchAll(directivePattern)].map(([, name, arg]) => [name, arg ?? true]));
+const textOf = (item) => (item.content ?? []).map((c) => c.text ?? "").join("\n");
+const message = (n, text) => ({ type: "message", role: "assistant", id: `msg_${n}`, content: [{ type: "output_text", text }] });
+const sse = (res, type, body) => res.write(`event: ${type}\ndata: ${JSON.stringify({ type, ...body })}\n\n`);
 
 // What the model is asked to do: a tool's output to answer, or the newest prompt
 // (`prompt`, the user's text, tells which turn a request belongs to).
 function requestKind(input, tools) {
   const message = input.findLast((i) => i.type === "message" && i.role === "user" && !textOf(i).startsWith("<"));
   const prompt = message ? textOf(message) : "";
+  const followUp = input.at(-1)?.type === "function_call_output";
   const shellTool = tools.some((t) => t.name === "exec_command") ? "exec_command" : "shell";
-  if (input.at(-1)?.type === "function_call_output") return { followUp: true, prompt, directives: {}, shellTool };
-  return { followUp: false, prompt, directives: parseDirectives(prompt), shellTool };
-}
-
-function sse(res, type, body) {
-  res.write(`event: ${type}\ndata: ${JSON.stringify({ type, ...body })}\n\n`);
+  return { followUp, prompt, directives: followUp ? {} : parseDirectives(prompt), shellTool };
 }
 
 // The items of one response: a message, a tool call, or a message and then a call.
@@ -50,10 +41,7 @@ function outputItems(n, { directives, followUp, title, shellTool }) {
     const args = shellTool === "exec_command"
       ? { cmd: directives.shell, yield_time_ms: 30000 }
       : { command: ["bash", "-lc", directives.shell], timeout_ms: 60000 };
-    if (directives.escalate) {
-      args.sandbox_permissions = "require_escalated";
-      args.justification = "the test asks for it";
-    }
+    if (directives.escalate) Object.assign(args, { sandbox_permissions: "require_escalated", justification: "the test asks for it" });
     const call = { type: "function_call", id: `fc_${n}`, call_id: `call_${n}`, name: shellTool, arguments: JSON.stringify(args) };
     return typeof directives.say === "string" ? [message(n, directives.say), call] : [call];
   }
@@ -62,44 +50,30 @@ function outputItems(n, { directives, followUp, title, shellTool }) {
   return [message(n, pad > 0 ? `${text}\n${"filler: a long answer that fills a pipe, sixty-four bytes a line\n".repeat(pad * 16)}` : text)];
 }
 
-function message(n, text) {
-  return { type: "message", role: "assistant", id: `msg_${n}`, content: [{ type: "output_text", text }] };
-}
-
 // The figures of a turn's responses, fixed at its first request: the usage object of
 // response.completed and the rate-limit headers, with what Codex should log of them.
 const figuresByPrompt = new Map();
 function figuresOf(prompt) {
-  if (!figuresByPrompt.has(prompt)) {
-    const d = parseDirectives(prompt);
-    const total = Number(d.usage ?? 2);
-    const figures = {
-      usage: { input_tokens: total - 1, input_tokens_details: { cached_tokens: 0 }, output_tokens: 1,
-        output_tokens_details: { reasoning_tokens: 0 }, total_tokens: total },
-      headers: {},
+  if (figuresByPrompt.has(prompt)) return figuresByPrompt.get(prompt);
+  const d = parseDirectives(prompt);
+  const total = Number(d.usage ?? 2);
+  const figures = {
+    usage: { input_tokens: total - 1, input_tokens_details: { cached_tokens: 0 }, output_tokens: 1,
+      output_tokens_details: { reasoning_tokens: 0 }, total_tokens: total },
+    headers: {},
+  };
+  if (typeof d.limits === "string") {
+    const [primary, secondary, resetIn] = d.limits.split("/").map(Number);
+    const now = Math.floor(Date.now() / 1000);
+    figures.limits = {
+      primary: { usedPercent: primary, windowMinutes: 300, resetsAt: now + resetIn },
+      secondary: { usedPercent: secondary, windowMinutes: 10080, resetsAt: now + 7 * 86400 },
     };
-    if (typeof d.limits === "string") {
-      const [primary, secondary, resetIn] = d.limits.split("/").map(Number);
-      const now = Math.floor(Date.now() / 1000);
-      figures.limits = {
-        primary: { usedPercent: primary, windowMinutes: 300, resetsAt: now + resetIn },
-        secondary: { usedPercent: secondary, windowMinutes: 10080, resetsAt: now + 7 * 86400 },
-      };
-      for (const [name, w] of Object.entries(figures.limits)) {
-        figures.headers[`x-codex-${name}-used-percent`] = String(w.usedPercent);
-        figures.headers[`x-codex-${name}-window-minutes`] = String(w.windowMinutes);
-        figures.headers[`x-codex-${name}-reset-at`] = String(w.resetsAt);
-      }
-    }
-    figuresByPrompt.set(prompt, figures);
+    figures.headers = Object.fromEntries(Object.entries(figures.limits).flatMap(([name, w]) => Object.entries({
+      "used-percent": w.usedPercent, "window-minutes": w.windowMinutes, "reset-at": w.resetsAt }).map(([k, v]) => [`x-codex-${name}-${k}`, String(v)])));
   }
-  return figuresByPrompt.get(prompt);
-}
-
-async function readBody(req) {
-  const chunks = [];
-  for await (const c of req) chunks.push(c);
-  return Buffer.concat(chunks).toString("utf8");
+  figuresByPrompt.set(prompt, figures);
+  return figures;
 }
 
 // Resolves to { port, requests, close() }; log(entry) sees every request as it arrives.
@@ -111,7 +85,7 @@ export function startFakeModel({ log = () => {} } = {}) {
     const entry = { t: Date.now(), method: req.method, path: req.url.split("?")[0] };
     requests.push(entry);
     try {
-      const raw = await readBody(req);
+      const raw = await readText(req);
       if (req.method !== "POST" || !entry.path.endsWith("/responses")) {
         log(entry);
         // Models list and the like: an empty answer, so nothing waits on it.
@@ -133,9 +107,7 @@ export function startFakeModel({ log = () => {} } = {}) {
         // A response without a tool call that is no title ends the turn.
         entry.final = items.every((i) => i.type === "message") && !entry.title;
         for (const item of items) sse(res, "response.output_item.done", { item });
-        sse(res, "response.completed", {
-          response: { id: `resp_${n}`, usage: entry.figures.usage },
-        });
+        sse(res, "response.completed", { response: { id: `resp_${n}`, usage: entry.figures.usage } });
         res.end();
       };
       const thinkMs = entry.followUp || entry.title ? 0 : Number(entry.directives.think ?? 0) * 1000;
