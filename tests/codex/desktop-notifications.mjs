@@ -14,19 +14,17 @@ const header = /^(method call|method return|signal|error) time=([\d.]+) sender=(
 // started, so the caller ends them. Resolves once Brenvik owns its name on the bus.
 export async function startDesktop({ app, dir, home, track, note, until }) {
   for (const d of ["runtime", "config", "bus"]) fs.mkdirSync(path.join(dir, d), { recursive: true, mode: 0o700 });
-  const env = {
-    ...process.env, HOME: home, XDG_RUNTIME_DIR: path.join(dir, "runtime"), XDG_CONFIG_HOME: path.join(dir, "config"),
-  };
-  delete env.DBUS_SESSION_BUS_ADDRESS;
-  delete env.WAYLAND_DISPLAY;
+  // Neither the caller's session bus nor its Wayland display.
+  const { DBUS_SESSION_BUS_ADDRESS, WAYLAND_DISPLAY, ...outer } = process.env;
+  const env = { ...outer, HOME: home, XDG_RUNTIME_DIR: path.join(dir, "runtime"), XDG_CONFIG_HOME: path.join(dir, "config") };
 
   const bus = track(spawn("dbus-daemon", ["--session", "--nofork", `--address=unix:path=${path.join(dir, "bus/socket")}`, "--print-address=1"],
     { env, stdio: ["ignore", "pipe", "inherit"] }));
-  env.DBUS_SESSION_BUS_ADDRESS = (await firstLine(bus.stdout, "dbus-daemon's address", until)).trim();
+  env.DBUS_SESSION_BUS_ADDRESS = await firstLine(bus.stdout, "dbus-daemon's address", until);
 
   const xvfb = track(spawn("Xvfb", ["-displayfd", "3", "-screen", "0", "1024x700x24", "-nolisten", "tcp"],
     { env, stdio: ["ignore", "ignore", "ignore", "pipe"] }));
-  env.DISPLAY = `:${(await firstLine(xvfb.stdio[3], "Xvfb's display", until)).trim()}`;
+  env.DISPLAY = `:${await firstLine(xvfb.stdio[3], "Xvfb's display", until)}`;
 
   // Notices stay until Brenvik closes them: nothing expires on its own here.
   const dunstrc = path.join(dir, "dunstrc");
@@ -39,23 +37,17 @@ export async function startDesktop({ app, dir, home, track, note, until }) {
   readline.createInterface({ input: monitor.stdout }).on("line", (l) => record.line(l));
   await until("dunst on the private bus", () => hasOwner(env, notificationsInterface), 20);
 
-  const brenvik = track(spawn(app, ["--autostart"], { env: { ...env, QT_QPA_PLATFORM: "offscreen" }, stdio: ["ignore", "ignore", "pipe"] }));
-  brenvik.stderrText = "";
-  brenvik.stderr.on("data", (d) => (brenvik.stderrText = (brenvik.stderrText + d).slice(-20_000)));
+  track(spawn(app, ["--autostart"], { env: { ...env, QT_QPA_PLATFORM: "offscreen" }, stdio: ["ignore", "ignore", "pipe"] }));
   await until("brenvik on the private bus", () => hasOwner(env, "io.github.brenvik.Brenvik"), 60);
   note("driver", `brenvik --autostart up beside dunst on ${env.DISPLAY}`);
-  return { record, brenvik };
+  return { record };
 }
 
-function firstLine(stream, what, until) {
-  return new Promise((resolve, reject) => {
-    let text = "";
-    stream.on("data", (d) => {
-      text += d;
-      if (text.includes("\n")) resolve(text.slice(0, text.indexOf("\n")));
-    });
-    until(what, () => text.includes("\n"), 20).catch(reject);
-  });
+async function firstLine(stream, what, until) {
+  let text = "";
+  stream.on("data", (d) => (text += d));
+  await until(what, () => text.includes("\n"), 20);
+  return text.slice(0, text.indexOf("\n")).trim();
 }
 
 function hasOwner(env, name) {
@@ -74,7 +66,7 @@ class Recorder {
   line(l) {
     const h = header.exec(l);
     if (h) {
-      this.#finish();
+      this.flush();
       const [, kind, time, sender, destination, serial, replySerial, iface, member] = h;
       this.#block = { kind, t: Number(time) * 1000, sender, destination, serial, replySerial, iface, member, args: [] };
       return;
@@ -84,7 +76,8 @@ class Recorder {
     if (arg && this.#block) this.#block.args.push({ type: arg[1], value: arg[2] });
   }
 
-  #finish() {
+  // Takes in the message read last: everything up to now is then recorded.
+  flush() {
     const b = this.#block;
     this.#block = null;
     if (!b) return;
@@ -97,15 +90,8 @@ class Recorder {
       this.closes.push({ t: b.t, id: Number(b.args[0]?.value) });
     } else if (b.kind === "method return") {
       const notice = this.#pending.get(`${b.destination}/${b.replySerial}`);
-      if (notice && b.args[0]?.type === "uint32") {
-        notice.id = Number(b.args[0].value);
-      }
+      if (notice && b.args[0]?.type === "uint32") notice.id = Number(b.args[0].value);
     }
-  }
-
-  // Everything up to now, the last message included.
-  flush() {
-    this.#finish();
   }
 
   // When Brenvik closed NOTICE (undefined: it did not).

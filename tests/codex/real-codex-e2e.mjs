@@ -21,6 +21,7 @@ import os from "node:os";
 import path from "node:path";
 import readline from "node:readline";
 import { fileURLToPath } from "node:url";
+import { parseArgs } from "node:util";
 import { projectsOf, startDesktop } from "./desktop-notifications.mjs";
 import { startFakeModel } from "./fake-model-server.mjs";
 
@@ -42,6 +43,8 @@ const releases = {
 
 // A tool command that waits, then burns one core, writing when the burn starts and ends.
 const burn = `sleep 2; date +%s.%N > burn-start; timeout 5 sh -c 'while :; do :; done'; date +%s.%N > burn-end`;
+// A front-end that runs the burn as its one prompt, recorded while it burns, then exits.
+const burnSteps = (moment, what) => [{ until: "burning", record: [moment, what] }, { until: "exited" }];
 
 // A TUI's turns: an answer, a tool command, and an approval question, answered.
 const tuiTurns = [
@@ -82,12 +85,9 @@ const tuiTurns = [
 const all = Object.keys(releases);
 const older = all.filter((r) => r !== newest);
 const scenarioTable = [
-  {
-    id: "fresh", name: "TUI left alone", dir: "F", kind: "tui", releases: [newest, "0.130.0"],
-    steps: [{ hold: 20, window: "left alone", since: "launch" }, { type: "/quit", until: "exited" }],
-  },
-  {
-    id: "exec-think", name: "codex exec thinking", dir: "E", kind: "exec", holdOutput: true, releases: all,
+  { id: "fresh", name: "TUI left alone", dir: "F", kind: "tui", releases: [newest, "0.130.0"],
+    steps: [{ hold: 20, window: "left alone", since: "launch" }, { type: "/quit", until: "exited" }] },
+  { id: "exec-think", name: "codex exec thinking", dir: "E", kind: "exec", holdOutput: true, releases: all,
     prompt: "[think:15][say:Thought it over][pad:256]",
     steps: [
       { until: "thinking", record: ["exec-thinking", "codex exec waits 15 s on the model's open stream, no tool"] },
@@ -95,18 +95,10 @@ const scenarioTable = [
       { hold: 3 },
       { hold: 3, record: ["exec-turn-over", "codex exec's turn is over; it blocks writing its answer to a full pipe"] },
       { release: true, until: "exited" },
-    ],
-  },
-  {
-    id: "exec", name: "codex exec", dir: "A", kind: "exec", releases: all,
-    prompt: `[think:3][shell:${burn}]`,
-    steps: [
-      { until: "burning", record: ["exec-tool-burning", "codex exec runs its tool command, which burns a core"] },
-      { until: "exited" },
-    ],
-  },
-  {
-    id: "tui", name: "TUI", dir: "B", kind: "tui", releases: [newest],
+    ] },
+  { id: "exec", name: "codex exec", dir: "A", kind: "exec", releases: all, prompt: `[think:3][shell:${burn}]`,
+    steps: burnSteps("exec-tool-burning", "codex exec runs its tool command, which burns a core") },
+  { id: "tui", name: "TUI", dir: "B", kind: "tui", releases: [newest],
     also: [{ id: "tui2", name: "second TUI", dir: "D", kind: "tui" }],
     steps: [
       { record: ["tui-fresh", "TUI just started, its daemon up, no turn yet"] },
@@ -127,20 +119,11 @@ const scenarioTable = [
       { until: "limits reset" },
       { type: "/quit", until: "exited" },
       { hold: 8, record: ["tui-after-quit-daemon-alive", "TUI quit; its shared daemon lives on"] },
-    ],
-  },
-  {
-    id: "tui", name: "TUI", dir: "B", kind: "tui", releases: older,
-    steps: [...tuiTurns, { type: "[think:6][say:Thought]", until: "turn done" }, { hold: 5 }, { type: "/quit", until: "exited" }],
-  },
-  {
-    id: "acpx", name: "acpx + codex-acp", dir: "C", kind: "acpx", releases: [newest],
-    prompt: `[shell:${burn}]`,
-    steps: [
-      { until: "burning", record: ["acpx-tool-burning", "acpx drives codex-acp, whose tool command burns a core"] },
-      { until: "exited" },
-    ],
-  },
+    ] },
+  { id: "tui", name: "TUI", dir: "B", kind: "tui", releases: older,
+    steps: [...tuiTurns, { type: "[think:6][say:Thought]", until: "turn done" }, { hold: 5 }, { type: "/quit", until: "exited" }] },
+  { id: "acpx", name: "acpx + codex-acp", dir: "C", kind: "acpx", releases: [newest], prompt: `[shell:${burn}]`,
+    steps: burnSteps("acpx-tool-burning", "acpx drives codex-acp, whose tool command burns a core") },
 ];
 // One scenario (and front-end) per release it names; the newest keeps the plain names.
 const scenarios = scenarioTable.flatMap((s) => s.releases.map((r) => {
@@ -168,13 +151,14 @@ const windowRules = {
   "left alone": { status: "idle", from: 4000 },
   idle: { status: "not running", from: 10_000 },
 };
-const statusMatches = {
-  running: (s) => s === "running", "not running": (s) => s !== "running", waiting: (s) => s === "waiting", idle: (s) => s === "idle",
-};
+const statusMatches = (want, status) => (want === "not running" ? status !== "running" : status === want);
 
 // ---------------------------------------------------------------------------------------
 
-const opts = parseArgs(process.argv.slice(2));
+const tryOr = (f, fallback) => { try { return f(); } catch { return fallback; } };
+const readOr = (f, fallback) => tryOr(() => fs.readFileSync(f, "utf8"), fallback);
+const linkOr = (f) => tryOr(() => fs.readlinkSync(f), "");
+const opts = options();
 const t0 = Date.now();
 const events = []; // { t, who, text }
 const lines = []; // { t, report }: each line of brenvik-status and when it came
@@ -207,29 +191,18 @@ let model, brenvik, desktop;
 // The shims' `#!/usr/bin/env node` finds the Node.js the installer chose first.
 const env = {
   PATH: `${nodeDir ? `${nodeDir}:` : ""}${path.dirname(bin("codex"))}:${bwrapDir}:${process.env.PATH}`,
-  HOME: home,
-  TMPDIR: path.join(temp, "tmp"),
-  TMUX_TMPDIR: path.join(temp, "tmp"),
-  MOCK_API_KEY: "offline",
-  TERM: "xterm-256color",
-  LANG: "C.UTF-8",
-  BRENVIK_E2E_RUN: runId,
+  HOME: home, TMPDIR: path.join(temp, "tmp"), TMUX_TMPDIR: path.join(temp, "tmp"),
+  MOCK_API_KEY: "offline", TERM: "xterm-256color", LANG: "C.UTF-8", BRENVIK_E2E_RUN: runId,
 };
 
 // ---------------------------------------------------------------------------------------
 
-function parseArgs(argv) {
-  const o = { brenvikStatus: process.env.BRENVIK_STATUS };
-  const names = { "--brenvik-status": "brenvikStatus", "--brenvik": "brenvik", "--codex-cache": "codexCache", "--record": "record" };
-  for (let i = 0; i < argv.length; i++) {
-    if (names[argv[i]]) o[names[argv[i]]] = argv[++i];
-    else if (argv[i] === "--timeline") o.timeline = true;
-    else if (argv[i] === "--keep") o.keep = true;
-    else if (argv[i] === "--only") o.only = argv[++i]?.split(",");
-    else fatal(`unknown argument ${argv[i]}`);
-  }
-  if (!o.brenvikStatus) fatal("give the brenvik-status to test with --brenvik-status PATH");
-  return o;
+function options() {
+  const [text, flag] = [{ type: "string" }, { type: "boolean" }];
+  const spec = { "brenvik-status": text, brenvik: text, "codex-cache": text, record: text, timeline: flag, keep: flag, only: text };
+  const o = tryOr(() => parseArgs({ options: spec }).values, null) ?? fatal("unknown or incomplete arguments (see the usage at the top)");
+  o["brenvik-status"] ??= process.env.BRENVIK_STATUS ?? fatal("give the brenvik-status to test with --brenvik-status PATH");
+  return { ...o, only: o.only?.split(",") };
 }
 
 function fatal(message) {
@@ -239,12 +212,27 @@ function fatal(message) {
 
 // The install's folder, and the folder of the Node.js it brought (none: the machine's will do).
 function installCodex() {
-  const r = spawnSync(path.join(sourceDir, "tools/install-codex.sh"), opts.codexCache ? [opts.codexCache] : [], {
-    encoding: "utf8", stdio: ["ignore", "pipe", "inherit"], timeout: 600_000,
-  });
+  const r = spawnSync(path.join(sourceDir, "tools/install-codex.sh"), [opts["codex-cache"]].filter(Boolean),
+    { encoding: "utf8", stdio: ["ignore", "pipe", "inherit"], timeout: 600_000 });
   if (r.status !== 0) fatal("could not install the pinned Codex CLI (see above)");
   const [prefix, node] = r.stdout.trim().split("\n");
   return { prefix, nodeDir: node.startsWith(prefix) ? path.dirname(node) : undefined };
+}
+
+// Sections of `key = value` lines: JSON's strings, numbers and booleans are TOML's too.
+const toml = (sections) => Object.entries(sections).map(([name, keys]) =>
+  (name ? `[${name}]\n` : "") + Object.entries(keys).map(([k, v]) => `${k} = ${JSON.stringify(v)}\n`).join("")).join("");
+
+// Every child is ended at clean-up; one that exits before is a failure.
+function track(child) {
+  children.add(child);
+  child.stderrText = "";
+  child.stderr?.on("data", (d) => (child.stderrText = (child.stderrText + d).slice(-20_000)));
+  child.on("exit", (code, sig) => {
+    children.delete(child);
+    if (!cleaning) failures.push(`${child.spawnfile} exited early (${code ?? sig})${child.stderrText ? `: ${child.stderrText.trim()}` : ""}`);
+  });
+  return child;
 }
 
 async function setUp() {
@@ -260,123 +248,69 @@ async function setUp() {
   Object.assign(env, { HTTPS_PROXY: proxy, https_proxy: proxy, HTTP_PROXY: proxy, http_proxy: proxy, ALL_PROXY: proxy,
     NO_PROXY: "127.0.0.1,localhost", no_proxy: "127.0.0.1,localhost" });
   // Every outside service off: the update check, plugin sync, apps, analytics, tips.
-  const projects = frontEndDefinitions.map((s) => `[projects.${JSON.stringify(path.join(home, s.dir))}]\ntrust_level = "trusted"\n`);
-  for (const h of homes) fs.writeFileSync(path.join(h, "config.toml"), `model = "mock-model"
-model_provider = "mock"
-check_for_update_on_startup = false
-[model_providers.mock]
-name = "Mock"
-base_url = "http://127.0.0.1:${model.port}/v1"
-env_key = "MOCK_API_KEY"
-wire_api = "responses"
-request_max_retries = 0
-stream_max_retries = 0
-[features]
-plugins = false
-remote_plugin = false
-apps = false
-[analytics]
-enabled = false
-[notice]
-hide_rate_limit_model_nudge = true
-[tui]
-show_tooltips = false
-disable_paste_burst = true
-${projects.join("")}`);
-
-  brenvik = spawn(opts.brenvikStatus, ["--watch", "--json"], { env: { ...process.env, HOME: home }, stdio: ["ignore", "pipe", "pipe"] });
-  children.add(brenvik);
-  brenvik.stderrText = "";
-  brenvik.stderr.on("data", (d) => (brenvik.stderrText += d));
-  readline.createInterface({ input: brenvik.stdout }).on("line", (l) => {
-    const t = Date.now();
-    try {
-      lines.push({ t, report: JSON.parse(l) });
-      ownersNow();
-    } catch {
-      note("brenvik", `unreadable line: ${l.slice(0, 200)}`);
-    }
+  const config = toml({
+    "": { model: "mock-model", model_provider: "mock", check_for_update_on_startup: false },
+    "model_providers.mock": { name: "Mock", base_url: `${proxy}/v1`, env_key: "MOCK_API_KEY", wire_api: "responses",
+      request_max_retries: 0, stream_max_retries: 0 },
+    features: { plugins: false, remote_plugin: false, apps: false },
+    analytics: { enabled: false },
+    notice: { hide_rate_limit_model_nudge: true },
+    tui: { show_tooltips: false, disable_paste_burst: true },
+    ...Object.fromEntries(frontEndDefinitions.map((s) => [`projects.${JSON.stringify(path.join(home, s.dir))}`, { trust_level: "trusted" }])),
   });
-  brenvik.on("exit", (code, sig) => {
-    children.delete(brenvik);
-    if (!cleaning) failures.push(`brenvik-status exited early (${code ?? sig}): ${brenvik.stderrText.trim()}`);
+  for (const h of homes) fs.writeFileSync(path.join(h, "config.toml"), config);
+
+  brenvik = track(spawn(opts["brenvik-status"], ["--watch", "--json"], { env: { ...process.env, HOME: home }, stdio: ["ignore", "pipe", "pipe"] }));
+  readline.createInterface({ input: brenvik.stdout }).on("line", (l) => {
+    const report = tryOr(() => JSON.parse(l), null);
+    if (!report) return note("brenvik", `unreadable line: ${l.slice(0, 200)}`);
+    lines.push({ t: Date.now(), report });
   });
   note("driver", `brenvik-status started; model on 127.0.0.1:${model.port}`);
-  if (opts.brenvik) {
-    const track = (child) => {
-      children.add(child);
-      child.on("exit", (code, sig) => {
-        children.delete(child);
-        if (!cleaning) failures.push(`${child.spawnfile} exited early (${code ?? sig})${child.stderrText ? `: ${child.stderrText.trim()}` : ""}`);
-      });
-      return child;
-    };
-    desktop = await startDesktop({ app: opts.brenvik, dir: path.join(temp, "desktop"), home, track, note, until });
-  }
+  if (opts.brenvik) desktop = await startDesktop({ app: opts.brenvik, dir: path.join(temp, "desktop"), home, track, note, until });
   await until("brenvik-status's first refresh", () => lines.length > 0, 30);
   startScanner();
 }
 
 async function runScenario(s) {
-  const own = openFrontEnd(s);
-  if (s.kind === "tui") await startTui(own);
-  else startChild(own);
+  const own = await openFrontEnd(s, s);
   for (const step of s.steps) {
     const from = Date.now();
-    if (step.open) {
-      const fe = openFrontEnd(s.also.find((a) => a.id === step.open));
-      await startTui(fe);
-    }
+    if (step.open) await openFrontEnd(s.also.find((a) => a.id === step.open), s);
     const fe = step.at ? frontEnds.get(step.at) : own;
-    if (step.type !== undefined) {
-      fe.turnsBefore = turnsDone(fe);
-      const text = tagged(fe, step.type);
-      await typeInto(fe, text);
-      fe.prompts.push({ text, at: Date.now() });
-    }
-    if (step.keys) {
-      note(fe.id, `keys ${step.keys.join(" ")}`);
-      tmux(fe, "send-keys", "-t", "main", ...step.keys);
-    }
-    if (step.release) {
-      note(fe.id, "its output read again");
-      fe.child.stdout.resume();
-    }
+    note(fe.id, `step ${JSON.stringify(step, (k, v) => (k === "record" ? undefined : v))}`);
+    if (step.type !== undefined) await typePrompt(fe, step.type);
+    if (step.keys) tmux(fe, "send-keys", "-t", "main", ...step.keys);
+    if (step.release) fe.child.stdout.resume(); // its output read again
     if (step.until) {
-      await until(`${fe.name}: ${step.until}`, () => conditions(fe, step.until), 60)
+      const [name, arg] = step.until.split(/:(.*)/);
+      await until(`${fe.name}: ${step.until}`, () => conditions[name](fe, arg), 60)
         .catch((e) => { throw new Error(`${e.message}${fe.lastUsage ? `; brenvik-status said ${fe.lastUsage}` : ""}`); });
       note(fe.id, step.until);
     }
     if (step.record) record(...step.record);
-    if (step.hold) {
-      note(fe.id, `hold ${step.hold} s${step.window ? ` (${step.window})` : ""}`);
-      await sleep(step.hold * 1000); // the scenario's own duration, not a synchronisation
-    }
+    if (step.hold) await sleep(step.hold * 1000); // the scenario's own duration, not a synchronisation
     if (step.window) fe.windows.push({ kind: step.window, start: step.since === "launch" ? fe.start : from, end: Date.now() });
   }
-  for (const fe of frontEnds.values()) {
-    if (fe.scenario !== s) continue;
+  for (const fe of [...frontEnds.values()].filter((f) => f.scenario === s)) {
     // The burn's own markers prove that the tool command really ran.
     if (s.steps.some((st) => st.until === "burning" && (st.at ?? s.id) === fe.id)) {
-      const read = (end) => Number(fs.readFileSync(path.join(fe.dir, `burn-${end}`), "utf8")) * 1000;
-      try {
-        fe.windows.push({ kind: "burn", start: read("start"), end: read("end") });
-      } catch {
-        failures.push(`${fe.name}: the tool command left no burn markers`);
-      }
+      const [start, end] = ["start", "end"].map((e) => Number(readOr(path.join(fe.dir, `burn-${e}`), NaN)) * 1000);
+      if (start && end) fe.windows.push({ kind: "burn", start, end });
+      else failures.push(`${fe.name}: the tool command left no burn markers`);
     }
     if (fe.tmux) tmux(fe, "kill-server");
   }
 }
 
-// A front-end of scenario `s`, or of one of its `also`: def says which.
-function openFrontEnd(def) {
-  const scenario = scenarios.find((s) => s === def || s.also?.includes(def));
+// Starts a front-end of scenario `s` (def: the scenario or one of its `also`).
+async function openFrontEnd(def, scenario) {
   const fe = { ...def, scenario, dir: path.join(home, def.dir), start: Date.now(), windows: [], prompts: [], turnsBefore: 0,
     env: { ...env, PATH: `${path.dirname(bin("codex", def.release))}:${env.PATH}`, CODEX_HOME: codexHome(def.release) } };
   frontEnds.set(fe.id, fe);
   note(fe.id, `start in ${fe.dir}`);
   if (def.prompt) fe.prompts.push({ text: tagged(fe, def.prompt), at: fe.start });
+  await (fe.kind === "tui" ? startTui(fe) : startChild(fe));
   return fe;
 }
 
@@ -389,9 +323,8 @@ function promptWindows(fe) {
   const windows = [];
   fe.prompts.forEach((p, i) => {
     const asked = model.requests.filter((r) => r.prompt === p.text && !r.title && r.t >= p.at - 1000);
-    for (const r of asked) {
-      if (r.directives?.think && !r.followUp && r.answeredAt) windows.push({ kind: "thinking", start: r.t, end: r.answeredAt });
-    }
+    const thought = asked.filter((r) => r.directives?.think && !r.followUp && r.answeredAt);
+    windows.push(...thought.map((r) => ({ kind: "thinking", start: r.t, end: r.answeredAt })));
     const final = asked.findLast((r) => r.final && r.answeredAt);
     // As for "while it runs": a refresh just before its exit is seen may no longer show it.
     const next = fe.prompts[i + 1]?.at ?? (fe.exit && fe.exit - 500);
@@ -405,24 +338,20 @@ function promptWindows(fe) {
 }
 
 function startChild(fe) {
-  const { dir } = fe;
-  const s = fe;
   const prompt = fe.prompts[0].text;
-  const args = s.kind === "exec"
+  const [command, args] = fe.kind === "exec"
     ? [bin("codex", fe.release), ["exec", "--skip-git-repo-check", "-s", "workspace-write", prompt]]
-    : [bin("acpx"), ["--agent", bin("codex-acp"), "--cwd", dir, "--approve-all", "--format", "quiet", "exec", prompt]];
-  const child = spawn(...args, { cwd: dir, env: { ...fe.env, BRENVIK_E2E_FRONTEND: s.id }, stdio: ["ignore", "pipe", "pipe"] });
+    : [bin("acpx"), ["--agent", bin("codex-acp"), "--cwd", fe.dir, "--approve-all", "--format", "quiet", "exec", prompt]];
+  const child = (fe.child = spawn(command, args, { cwd: fe.dir, env: { ...fe.env, BRENVIK_E2E_FRONTEND: fe.id }, stdio: ["ignore", "pipe", "pipe"] }));
   children.add(child);
-  fe.child = child;
   let output = "";
-  child.stdout.on("data", (d) => (output = (output + d).slice(-100_000)));
-  child.stderr.on("data", (d) => (output = (output + d).slice(-100_000)));
-  if (s.holdOutput) child.stdout.pause();
+  for (const stream of [child.stdout, child.stderr]) stream.on("data", (d) => (output = (output + d).slice(-100_000)));
+  if (fe.holdOutput) child.stdout.pause();
   child.on("exit", (code, sig) => {
     children.delete(child);
     fe.exit = Date.now();
-    note(s.id, `gone (exit ${code ?? sig})`);
-    if (code !== 0 && !cleaning) failures.push(`${s.name} exited with ${code ?? sig}:\n${output.trim().slice(-2000)}`);
+    note(fe.id, `gone (exit ${code ?? sig})`);
+    if (code !== 0 && !cleaning) failures.push(`${fe.name} exited with ${code ?? sig}:\n${output.trim().slice(-2000)}`);
   });
 }
 
@@ -447,42 +376,33 @@ function tmux(fe, ...args) {
 
 const pane = (fe) => tmux(fe, "capture-pane", "-p", "-t", "main");
 
-async function typeInto(fe, text) {
+async function typePrompt(fe, typed) {
+  const text = tagged(fe, typed);
+  fe.turnsBefore = turnsDone(fe);
   tmux(fe, "send-keys", "-t", "main", "-l", text);
   await until(`"${text}" typed`, () => pane(fe).includes(text.slice(-30)), 10);
   tmux(fe, "send-keys", "-t", "main", "Enter");
   note(fe.id, `typed ${text}`);
+  fe.prompts.push({ text, at: Date.now() });
 }
 
-// Conditions a step waits for; each returns true once it holds.
-function conditions(fe, what) {
-  const [name, arg] = what.split(/:(.*)/);
-  switch (name) {
-    case "thinking":
-      return model.requests.some((r) => ownerOf(r) === fe.id && r.directives?.think && !r.answeredAt);
-    case "burning":
-      return fs.existsSync(path.join(fe.dir, "burn-start")) &&
-        scan().some((p) => p.cmdline.includes("while :; do :; done") && p.argv[0] === "sh" && p.cwd === fe.dir);
-    case "turn done":
-      return turnsDone(fe) > fe.turnsBefore;
-    case "approval shown":
-      return pane(fe).includes("Would you like to run");
-    case "file":
-      return fs.existsSync(path.join(fe.dir, arg));
-    case "exited":
-      return fe.exit !== undefined;
-    case "usage":
-      return usageReported(fe);
-    case "limits reset": {
-      const primary = lines.at(-1)?.report.limits.find((l) => l.codexHome === codexHome(fe.release))?.primary;
-      const reset = primary?.usedPercent === 0 && Date.parse(primary.resetsAt) <= Date.now();
-      if (reset) usageSeen.push(`the 5 h window reset at ${primary.resetsAt}`);
-      return reset;
-    }
-    default:
-      throw new Error(`unknown condition ${what}`);
-  }
-}
+// Conditions a step waits for (`until: "name"` or `"name:arg"`); each holds once it is true.
+const conditions = {
+  thinking: (fe) => model.requests.some((r) => ownerOf(r) === fe.id && r.directives?.think && !r.answeredAt),
+  burning: (fe) => fs.existsSync(path.join(fe.dir, "burn-start")) &&
+    scan().some((p) => p.cmdline.includes("while :; do :; done") && p.argv[0] === "sh" && p.cwd === fe.dir),
+  "turn done": (fe) => turnsDone(fe) > fe.turnsBefore,
+  "approval shown": (fe) => pane(fe).includes("Would you like to run"),
+  file: (fe, name) => fs.existsSync(path.join(fe.dir, name)),
+  exited: (fe) => fe.exit !== undefined,
+  usage: (fe) => usageReported(fe),
+  "limits reset": (fe) => {
+    const primary = lines.at(-1)?.report.limits.find((l) => l.codexHome === codexHome(fe.release))?.primary;
+    const reset = primary?.usedPercent === 0 && Date.parse(primary.resetsAt) <= Date.now();
+    if (reset) usageSeen.push(`the 5 h window reset at ${primary.resetsAt}`);
+    return reset;
+  },
+};
 
 // Whether brenvik-status's latest report holds exactly the figures the fake chose for the
 // front-end's latest turn: its model, the tokens of all its responses, the context left
@@ -509,33 +429,28 @@ function usageReported(fe) {
 // The session logs of this run: { file, cwd } once their first line is written.
 const logCwds = new Map(); // file -> cwd
 function sessionLogs() {
-  for (const r of Object.keys(releases)) {
-    const sessions = path.join(codexHome(r), "sessions");
-    if (!fs.existsSync(sessions)) continue;
-    for (const name of fs.readdirSync(sessions, { recursive: true })) {
-      const f = path.join(sessions, name);
-      if (!f.endsWith(".jsonl") || logCwds.has(f)) continue;
-      const text = readOr(f, "");
-      if (!text.includes("\n")) continue; // its first line is still being written
-      logCwds.set(f, JSON.parse(text.slice(0, text.indexOf("\n"))).payload?.cwd);
+  for (const sessions of Object.keys(releases).map((r) => path.join(codexHome(r), "sessions")).filter((d) => fs.existsSync(d))) {
+    for (const f of fs.readdirSync(sessions, { recursive: true }).map((name) => path.join(sessions, name))) {
+      const first = f.endsWith(".jsonl") && !logCwds.has(f) && entries(f)[0]; // none while it is still being written
+      if (first) logCwds.set(f, first.payload?.cwd);
     }
   }
   return [...logCwds].map(([file, cwd]) => ({ file, cwd }));
 }
+
+// A log's entries, each line that is written in full.
+const entries = (file) => readOr(file, "").split("\n").flatMap((line) => tryOr(() => [JSON.parse(line)], []));
 
 // Completed turns of a front-end's sessions, from their logs: task_complete events, or
 // where the release writes none, each response that answered without calling a tool
 // (closed by the token_count that follows it).
 function turnsDone(fe) {
   let n = 0;
-  for (const { file, cwd } of sessionLogs()) {
-    if (cwd !== fe.dir) continue;
-    const text = readOr(file, "");
-    if (releases[fe.release].turnEvents) { n += text.split('"type":"task_complete"').length - 1; continue; }
+  for (const { file } of sessionLogs().filter((l) => l.cwd === fe.dir)) {
     let answered = false;
-    for (const line of text.split("\n").slice(0, -1)) { // the last is not written in full yet
-      const p = JSON.parse(line).payload ?? {};
-      if (p.type === "message" && p.role === "assistant") answered = true;
+    for (const p of entries(file).map((e) => e.payload ?? {})) {
+      if (releases[fe.release].turnEvents) n += p.type === "task_complete" ? 1 : 0;
+      else if (p.type === "message" && p.role === "assistant") answered = true;
       else if (p.type === "function_call" || p.type === "user_message") answered = false;
       else if (p.type === "token_count" && answered) { n++; answered = false; }
     }
@@ -548,18 +463,16 @@ function turnsDone(fe) {
 const promptTakenAt = new Map(); // prompt text -> time
 function logEvents() {
   const byDir = new Map([...frontEnds.values()].map((fe) => [fe.dir, fe.id]));
+  const shown = ["task_started", "task_complete", "turn_aborted", "user_message", "function_call", "function_call_output"];
   for (const { file, cwd } of sessionLogs()) {
-    for (const line of readOr(file, "").split("\n")) {
-      let entry;
-      try { entry = JSON.parse(line); } catch { continue; }
-      const type = entry.payload?.type;
-      if (!["task_started", "task_complete", "turn_aborted", "user_message", "function_call", "function_call_output"].includes(type)) continue;
-      if (type === "user_message") promptTakenAt.set(entry.payload.message, Date.parse(entry.timestamp));
-      events.push({ t: Date.parse(entry.timestamp), who: "log", text: `${byDir.get(cwd) ?? cwd}: ${type}` });
+    for (const { timestamp, payload } of entries(file).filter((e) => shown.includes(e.payload?.type))) {
+      if (payload.type === "user_message") promptTakenAt.set(payload.message, Date.parse(timestamp));
+      events.push({ t: Date.parse(timestamp), who: "log", text: `${byDir.get(cwd) ?? cwd}: ${payload.type}` });
     }
   }
 }
 
+// Waits, at most `seconds`, until `test` holds.
 async function until(what, test, seconds) {
   const end = Date.now() + seconds * 1000;
   for (;;) {
@@ -571,19 +484,11 @@ async function until(what, test, seconds) {
 
 // --- the processes of this run ---------------------------------------------------------
 
-const readOr = (f, fallback) => { try { return fs.readFileSync(f, "utf8"); } catch { return fallback; } };
-const linkOr = (f) => { try { return fs.readlinkSync(f); } catch { return ""; } };
-
 // Every process that carries this run's marker, or runs or works inside its folder.
 function scan() {
-  const out = [];
-  for (const name of fs.readdirSync("/proc")) {
-    if (!/^\d+$/.test(name) || Number(name) === process.pid) continue;
-    const p = describe(Number(name));
-    // A zombie shows neither environment nor command line: it is gone already.
-    if (p && p.state !== "Z" && (p.env.BRENVIK_E2E_RUN === runId || p.exe.startsWith(temp) || p.cwd.startsWith(temp))) out.push(p);
-  }
-  return out;
+  const pids = fs.readdirSync("/proc").filter((name) => /^\d+$/.test(name)).map(Number).filter((pid) => pid !== process.pid);
+  // A zombie shows neither environment nor command line: it is gone already.
+  return pids.map(describe).filter((p) => p && p.state !== "Z" && (p.env.BRENVIK_E2E_RUN === runId || p.exe.startsWith(temp) || p.cwd.startsWith(temp)));
 }
 
 function describe(pid) {
@@ -591,43 +496,26 @@ function describe(pid) {
   if (!stat) return null;
   const fields = stat.slice(stat.lastIndexOf(")") + 2).split(" ");
   const argv = readOr(`/proc/${pid}/cmdline`, "").replace(/\0$/, "").split("\0");
-  const env = {};
-  for (const kv of readOr(`/proc/${pid}/environ`, "").split("\0")) {
-    if (kv.startsWith("BRENVIK_E2E_")) env[kv.slice(0, kv.indexOf("="))] = kv.slice(kv.indexOf("=") + 1);
-  }
+  const env = Object.fromEntries(readOr(`/proc/${pid}/environ`, "").split("\0")
+    .filter((kv) => kv.startsWith("BRENVIK_E2E_")).map((kv) => kv.split(/=(.*)/s).slice(0, 2)));
   return { pid, ppid: Number(fields[1]), state: fields[0], exe: linkOr(`/proc/${pid}/exe`), cwd: linkOr(`/proc/${pid}/cwd`),
     argv, cmdline: argv.join(" "), env };
 }
 
 const isDaemon = (p) => p.argv[1] === "app-server";
 // The pid file appears empty first; the daemon is up once it names a PID.
-function daemonStarted(release) {
-  try {
-    return JSON.parse(fs.readFileSync(path.join(codexHome(release), "app-server-daemon/daemon.pid"), "utf8")).pid > 0;
-  } catch {
-    return false;
-  }
-}
+const daemonStarted = (release) =>
+  tryOr(() => JSON.parse(fs.readFileSync(path.join(codexHome(release), "app-server-daemon/daemon.pid"), "utf8")).pid > 0, false);
 
-// Who each PID of this run belongs to: a front-end's id, or "daemon". Kept for PIDs
-// that have exited, so a late refresh can still be attributed.
-const pidOwners = new Map();
+// The shared daemons' PIDs, kept after they exit so that a late refresh still tells them.
 const daemons = new Set();
-function ownersNow() {
-  const procs = scan();
-  for (const p of procs) {
-    if (isDaemon(p)) daemons.add(p.pid);
-    // A shell's fork shows the shell's environment until it executes Codex.
-    const owner = isDaemon(p) ? "daemon" : p.env.BRENVIK_E2E_FRONTEND ?? "run";
-    if (owner !== "run" || !pidOwners.has(p.pid)) pidOwners.set(p.pid, owner);
-  }
-  return procs;
-}
 
-// Marks a TUI front-end exited once none of its processes (the daemon's aside) is left.
+// Notes the daemons, and marks a TUI front-end exited once none of its processes (the
+// daemon's aside) is left.
 function startScanner() {
   const timer = setInterval(() => {
-    const procs = ownersNow();
+    const procs = scan();
+    for (const p of procs) if (isDaemon(p)) daemons.add(p.pid);
     const byPid = new Map(procs.map((p) => [p.pid, p]));
     const underDaemon = (p) => { for (let q = p; q; q = byPid.get(q.ppid)) if (isDaemon(q)) return true; return false; };
     const logged = new Set(sessionLogs().map((l) => l.cwd));
@@ -642,20 +530,14 @@ function startScanner() {
   timer.unref();
 }
 
-// Which front-end of ours a Brenvik group is: by its project directory (and start time)
-// where brenvik-status reports them, else by the PIDs this run started.
+// Which front-end of ours a Brenvik group is, by its project directory and start time.
 // Returns a front-end id, "daemon", "run" (ours but no front-end's) or null (not ours).
 function attribute(group) {
   if (daemons.has(group.pid)) return "daemon";
-  if ("cwd" in group) {
-    const cwd = group.cwd?.replace(/^~(?=\/|$)/, home);
-    if (!cwd?.startsWith(temp + "/")) return null;
-    for (const [id, fe] of frontEnds) {
-      if (cwd === fe.dir && (!group.startedAt || Date.parse(group.startedAt) >= fe.start - 5000)) return id;
-    }
-    return "run";
-  }
-  return pidOwners.get(group.pid) ?? null;
+  const cwd = group.cwd?.replace(/^~(?=\/|$)/, home);
+  if (!cwd?.startsWith(temp + "/")) return null;
+  const fe = [...frontEnds.values()].find((f) => cwd === f.dir && (!group.startedAt || Date.parse(group.startedAt) >= f.start - 5000));
+  return fe?.id ?? "run";
 }
 
 // --- recording -------------------------------------------------------------------------
@@ -665,15 +547,13 @@ function record(moment, what) {
   if (!opts.record) return;
   const procs = new Map(scan().map((p) => [p.pid, p]));
   // Ancestors up to this driver, so every tree has its root.
-  for (const p of [...procs.values()]) {
-    for (let pid = p.ppid; pid > 1 && !procs.has(pid); ) {
-      const a = describe(pid);
-      if (!a) break;
-      procs.set(pid, a);
-      if (pid === process.pid) break;
-      pid = a.ppid;
-    }
-  }
+  const addParent = (p) => {
+    const parent = p.pid !== process.pid && p.ppid > 1 && !procs.has(p.ppid) && describe(p.ppid);
+    if (!parent) return;
+    procs.set(parent.pid, parent);
+    addParent(parent);
+  };
+  [...procs.values()].forEach(addParent);
   const stable = (s) => s.replaceAll(temp, "/tmp/codex-e2e").replaceAll(prefix, "/opt/codex-npm").replaceAll(sourceDir, "/work/src");
   const rows = [...procs.values()].sort((a, b) => a.pid - b.pid)
     // This driver's own arguments name local paths and say nothing.
@@ -684,11 +564,8 @@ function record(moment, what) {
 
 // --- checks ----------------------------------------------------------------------------
 
-function sessionStatus(groups) {
-  if (groups.length === 0) return "absent";
-  for (const s of ["running", "waiting"]) if (groups.some((g) => g.status === s)) return s;
-  return "idle";
-}
+const sessionStatus = (groups) =>
+  ["running", "waiting"].find((s) => groups.some((g) => g.status === s)) ?? (groups.length ? "idle" : "absent");
 
 // Judges the recorded refreshes; returns the problems and one summary per front-end.
 function check() {
@@ -699,50 +576,41 @@ function check() {
     else if (bad.length) problems.push(`${name}: failed at ${bad.length} of ${selected.length} refreshes, first at ${rel(bad[0].t)}: ${why(bad[0])}`);
   };
   const ofKind = (l, kind) => l.report.groups.filter((g) => attribute(g) === kind);
-  judge("the shared daemon never appears as a session", lines, (l) => ofKind(l, "daemon").length === 0, (l) => describeGroups(ofKind(l, "daemon")));
-  judge("every group of this run belongs to a front-end", lines, (l) => ofKind(l, "run").length === 0, (l) => describeGroups(ofKind(l, "run")));
+  for (const [kind, name] of [["daemon", "the shared daemon never appears as a session"], ["run", "every group of this run belongs to a front-end"]]) {
+    judge(name, lines, (l) => ofKind(l, kind).length === 0, (l) => describeGroups(ofKind(l, kind)));
+  }
 
   const summaries = [];
   for (const [id, fe] of frontEnds) {
-    const name = fe.name;
+    const mine = (l) => ofKind(l, id);
+    const one = (l) => mine(l).length === 1;
+    const judgeMine = (what, selected, ok, why = (l) => describeGroups(mine(l))) => judge(`${fe.name}: ${what}`, selected, ok, why);
     const alive = lines.filter((l) => l.t >= fe.start + REFRESH && l.t <= (fe.exit ?? Infinity) - 500);
-    judge(`${name}: exactly one session while it runs`, alive, (l) => ofKind(l, id).length === 1,
-      (l) => `${ofKind(l, id).length} groups ${describeGroups(ofKind(l, id))}`);
-    if (fe.exit !== undefined) {
-      judge(`${name}: no session once it has exited`, lines.filter((l) => l.t >= fe.exit + 1500), (l) => ofKind(l, id).length === 0,
-        (l) => describeGroups(ofKind(l, id)));
-    }
+    judgeMine("exactly one session while it runs", alive, one, (l) => `${mine(l).length} groups ${describeGroups(mine(l))}`);
+    if (fe.exit !== undefined) judgeMine("no session once it has exited", lines.filter((l) => l.t >= fe.exit + 1500), (l) => mine(l).length === 0);
     const held = new Map();
     for (const w of [...fe.windows, ...promptWindows(fe)].sort((a, b) => a.start - b.start)) {
       const rule = windowRules[w.kind];
       const selected = lines.filter((l) => l.t >= w.start + rule.from && l.t <= w.end);
       if (selected.length === 0 && w.end - w.start - rule.from < REFRESH) continue;
-      judge(`${name}: ${rule.status} during ${w.kind} ${rel(w.start)}..${rel(w.end)}`, selected,
-        (l) => statusMatches[rule.status](sessionStatus(ofKind(l, id))),
-        (l) => `${sessionStatus(ofKind(l, id))} ${describeGroups(ofKind(l, id))}`);
+      judgeMine(`${rule.status} during ${w.kind} ${rel(w.start)}..${rel(w.end)}`, selected, (l) => statusMatches(rule.status, sessionStatus(mine(l))),
+        (l) => `${sessionStatus(mine(l))} ${describeGroups(mine(l))}`);
       held.set(w.kind, (held.get(w.kind) ?? 0) + 1);
     }
     // Once the session's log exists, the log decides (source "log").
-    const logged = alive.filter((l) => fe.logSeen !== undefined && l.t >= fe.logSeen + REFRESH && ofKind(l, id).length === 1);
-    const fromLog = logged.filter((l) => ofKind(l, id)[0].source === "log").length;
-    if (releases[fe.release].logSource && fe.logSeen !== undefined) {
-      judge(`${name}: judged by its log once it exists`, logged, (l) => ofKind(l, id)[0].source === "log",
-        (l) => describeGroups(ofKind(l, id)));
-    }
+    const logged = alive.filter((l) => fe.logSeen !== undefined && l.t >= fe.logSeen + REFRESH && one(l));
+    const byLog = (l) => mine(l)[0].source === "log";
+    if (releases[fe.release].logSource && fe.logSeen !== undefined) judgeMine("judged by its log once it exists", logged, byLog);
     // The TUI runs in pane 0.0 of session "main" of its own tmux server (-L, and a
     // TMUX_TMPDIR that brenvik-status does not share).
     if (fe.tmux) {
-      judge(`${name}: its place names its tmux pane`, alive.filter((l) => ofKind(l, id).length === 1),
-        (l) => {
-          const t = ofKind(l, id)[0].place?.tmux;
-          return t?.session === "main" && t.window === 0 && t.pane === 0 &&
-            t.socket === path.join(env.TMUX_TMPDIR, `tmux-${process.getuid()}`, fe.tmux);
-        },
-        (l) => JSON.stringify(ofKind(l, id)[0].place));
+      const want = { session: "main", window: 0, pane: 0, socket: path.join(env.TMUX_TMPDIR, `tmux-${process.getuid()}`, fe.tmux) };
+      judgeMine("its place names its tmux pane", alive.filter(one), (l) => Object.entries(want).every(([k, v]) => mine(l)[0].place?.tmux?.[k] === v),
+        (l) => JSON.stringify(mine(l)[0].place));
     }
     const windows = [...held].map(([kind, n]) => `${n} ${kind}`).join(", ") || "none";
-    summaries.push(`ok  ${name}: one session at each of ${alive.length} refreshes while it ran; windows judged: ${windows}; ` +
-      `source "log" at ${fromLog} of ${logged.length} refreshes after its log appeared`);
+    summaries.push(`ok  ${fe.name}: one session at each of ${alive.length} refreshes while it ran; windows judged: ${windows}; ` +
+      `source "log" at ${logged.filter(byLog).length} of ${logged.length} refreshes after its log appeared`);
   }
   if (usageSeen.length) summaries.push(`ok  usage as the fake reported it: ${usageSeen.join("; ")}`);
   if (desktop) checkNotifications(problems, summaries);
@@ -753,88 +621,84 @@ function check() {
 // it ended; each TUI approval question once as waiting, closed once it was approved, and
 // nothing else as waiting; a TUI left alone gets none.
 function checkNotifications(problems, summaries) {
-  desktop.record.flush();
-  const naming = (fe, kind) => desktop.record.notices.filter((n) => n.summary.startsWith(kind) && projectsOf(n).includes(path.basename(fe.dir)));
+  const { notices } = desktop.record;
+  const naming = (fe, kind) => notices.filter((n) => n.summary.startsWith(kind) && projectsOf(n).includes(path.basename(fe.dir)));
+  const after = (from, to) => `${((to - from) / 1000).toFixed(1)} s after`;
   const said = [];
   for (const fe of frontEnds.values()) {
+    const problem = (text) => problems.push(`${fe.name}: ${text}`);
     if (fe.holdOutput) {
       const finished = naming(fe, "Codex finished · ");
       const turnEnd = promptWindows(fe).find((w) => w.kind === "turn end")?.start;
-      if (finished.length !== 1) problems.push(`${fe.name}: ${finished.length} "finished" notices, not 1: ${describeNotices(finished)}`);
-      else if (!(finished[0].t >= turnEnd)) problems.push(`${fe.name}: "finished" at ${rel(finished[0].t)}, before its turn ended at ${rel(turnEnd)}`);
-      else said.push(`"${finished[0].summary}" ${((finished[0].t - turnEnd) / 1000).toFixed(1)} s after its turn ended`);
+      if (finished.length !== 1) problem(`${finished.length} "finished" notices, not 1: ${describeNotices(finished)}`);
+      else if (!(finished[0].t >= turnEnd)) problem(`"finished" at ${rel(finished[0].t)}, before its turn ended at ${rel(turnEnd)}`);
+      else said.push(`"${finished[0].summary}" ${after(turnEnd, finished[0].t)} its turn ended`);
     }
-    const approval = fe.windows.find((w) => w.kind === "approval");
-    const approved = fe.windows.find((w) => w.kind === "approved");
+    const [approval, approved] = ["approval", "approved"].map((kind) => fe.windows.find((w) => w.kind === kind));
     const waiting = naming(fe, "Codex is waiting for you · ");
-    if (!approval && waiting.length) problems.push(`${fe.name}: "waiting" notices, but no approval question: ${describeNotices(waiting)}`);
+    if (!approval && waiting.length) problem(`"waiting" notices, but no approval question: ${describeNotices(waiting)}`);
     if (approval && approved) {
       // The question shows as soon as the model asks: from the prompt that makes it ask.
       const asked = fe.prompts.find((p) => p.text.includes("[escalate]")).at;
       const closed = waiting.length === 1 ? desktop.record.closedAt(waiting[0]) : undefined;
-      if (waiting.length !== 1) problems.push(`${fe.name}: ${waiting.length} "waiting" notices, not 1: ${describeNotices(waiting)}`);
-      else if (!(waiting[0].t >= asked && waiting[0].t <= approval.end)) problems.push(`${fe.name}: "waiting" at ${rel(waiting[0].t)}, outside the approval question ${rel(asked)}..${rel(approval.end)}`);
-      else if (closed === undefined) problems.push(`${fe.name}: the "waiting" notice (id ${waiting[0].id}) was never closed`);
-      else if (!(closed >= approved.start && closed <= approved.start + 3 * REFRESH)) problems.push(`${fe.name}: the "waiting" notice closed at ${rel(closed)}, not within 3 refreshes of the approval at ${rel(approved.start)}`);
-      else said.push(`"${waiting[0].summary}" ${((waiting[0].t - asked) / 1000).toFixed(1)} s after the prompt that asks, closed ${((closed - approved.start) / 1000).toFixed(1)} s after the approval`);
+      if (waiting.length !== 1) problem(`${waiting.length} "waiting" notices, not 1: ${describeNotices(waiting)}`);
+      else if (!(waiting[0].t >= asked && waiting[0].t <= approval.end)) problem(`"waiting" at ${rel(waiting[0].t)}, outside the approval question ${rel(asked)}..${rel(approval.end)}`);
+      else if (closed === undefined) problem(`the "waiting" notice (id ${waiting[0].id}) was never closed`);
+      else if (!(closed >= approved.start && closed <= approved.start + 3 * REFRESH)) problem(`the "waiting" notice closed at ${rel(closed)}, not within 3 refreshes of the approval at ${rel(approved.start)}`);
+      else said.push(`"${waiting[0].summary}" ${after(asked, waiting[0].t)} the prompt that asks, closed ${after(approved.start, closed)} the approval`);
     }
     if (fe.windows.some((w) => w.kind === "left alone")) {
       const any = naming(fe, "");
-      if (any.length) problems.push(`${fe.name}: notices about a TUI left alone: ${describeNotices(any)}`);
+      if (any.length) problem(`notices about a TUI left alone: ${describeNotices(any)}`);
       else said.push(`none about ${fe.name}`);
     }
   }
   // One notice as the second TUI's turn took the 5 h limit to 92 %.
   if (frontEnds.get("tui2")) {
-    const near = desktop.record.notices.filter((n) => n.summary.startsWith("Codex 5 h limit at "));
+    const near = notices.filter((n) => n.summary.startsWith("Codex 5 h limit at "));
     if (near.length !== 1 || !near[0].summary.startsWith("Codex 5 h limit at 92 % · resets ")) problems.push(`limits: ${near.length} "5 h limit" notices, not one at 92 %: ${describeNotices(near)}`);
     else said.push(`"${near[0].summary}"`);
   }
-  if (said.length) summaries.push(`ok  notifications: ${said.join("; ")}; ${desktop.record.notices.length} notices in all`);
+  if (said.length) summaries.push(`ok  notifications: ${said.join("; ")}; ${notices.length} notices in all`);
 }
 
 const describeNotices = (notices) => notices.map((n) => `[${rel(n.t)} "${n.summary}" id ${n.id}]`).join(" ") || "none";
 
 const rel = (t) => `+${((t - t0) / 1000).toFixed(1)}s`;
 const describeGroups = (groups) =>
-  groups.map((g) => `[${attribute(g) ?? "other"} ${g.pid} ${g.status}/${g.source ?? "-"} ${"cwd" in g ? g.cwd : "-"} m${g.memberCount}]`).join(" ");
+  groups.map((g) => `[${attribute(g) ?? "other"} ${g.pid} ${g.status}/${g.source ?? "-"} ${g.cwd ?? "-"} m${g.memberCount}]`).join(" ");
 
+// Everything that happened, the driver's notes, the model's answers, the tray app's
+// notices and each refresh of brenvik-status, in time order.
 function printTimeline() {
   const rows = [
-    ...events.map((e) => ({ t: e.t, text: `${e.who.padEnd(16)} ${e.text}` })),
+    ...events,
+    ...(model?.requests ?? []).filter((r) => r.answeredAt && !r.title).map((r) => ({ t: r.answeredAt, who: "model", text: `#${r.n} answered${r.final ? ": final answer" : ""}` })),
+    ...(desktop?.record.notices ?? []).map((n) => ({ t: n.t, who: "notice", text: `"${n.summary}" id ${n.id}${n.replaces ? ` replacing ${n.replaces}` : ""}` })),
+    ...(desktop?.record.closes ?? []).map((c) => ({ t: c.t, who: "notice", text: `closed id ${c.id}` })),
     ...lines.map((l) => {
-      const ours = l.report.groups.filter((g) => attribute(g) !== null);
+      const ours = describeGroups(l.report.groups.filter((g) => attribute(g) !== null)) || "(none of ours)";
       const others = l.report.groups.filter((g) => attribute(g) === null).map((g) => `${g.pid} ${g.cwd ?? "-"}`);
-      return { t: l.t, text: `brenvik ${describeGroups(ours) || "(none of ours)"}${others.length ? ` + other: ${others.join(", ")}` : ""}` };
+      return { t: l.t, who: "brenvik", text: `${ours}${others.length ? ` + other: ${others.join(", ")}` : ""}` };
     }),
   ].sort((a, b) => a.t - b.t);
   console.log("timeline (time since start, who, what):");
-  for (const r of rows) console.log(`  ${rel(r.t).padStart(7)}  ${r.text}`);
+  for (const r of rows) console.log(`  ${rel(r.t).padStart(7)}  ${r.who.padEnd(16)} ${r.text}`);
 }
 
 // --- the end ---------------------------------------------------------------------------
 
-async function finish(code) {
-  if (cleaning) return cleaning;
-  cleaning = (async () => {
+function finish(code) {
+  cleaning ??= (async () => {
     clearTimeout(watchdog);
     try { logEvents(); } catch (err) { note("driver", `logs unreadable: ${err.message}`); }
-    for (const r of model?.requests ?? []) {
-      if (r.answeredAt && !r.title) events.push({ t: r.answeredAt, who: "model", text: `#${r.n} answered${r.final ? ": final answer" : ""}` });
-    }
-    desktop?.record.flush();
-    for (const n of desktop?.record.notices ?? []) events.push({ t: n.t, who: "notice", text: `"${n.summary}" id ${n.id}${n.replaces ? ` replacing ${n.replaces}` : ""}` });
-    for (const c of desktop?.record.closes ?? []) events.push({ t: c.t, who: "notice", text: `closed id ${c.id}` });
     await cleanUp();
+    desktop?.record.flush();
     const { problems, summaries } = check();
     problems.unshift(...failures);
     if (problems.length || opts.timeline) printTimeline();
-    if (problems.length) {
-      console.log(`real-codex-e2e FAILED after ${((Date.now() - t0) / 1000).toFixed(0)} s:`);
-      for (const p of problems) console.log(`  - ${p}`);
-    } else {
-      for (const s of summaries) console.log(s);
-    }
+    if (problems.length) console.log(`real-codex-e2e FAILED after ${((Date.now() - t0) / 1000).toFixed(0)} s:\n${problems.map((p) => `  - ${p}`).join("\n")}`);
+    else console.log(summaries.join("\n"));
     process.exit(code ?? (problems.length ? 1 : 0));
   })();
   return cleaning;
@@ -847,21 +711,18 @@ async function cleanUp() {
   const socks = withDaemon.map((r) => linkOr(path.join(codexHome(r), "app-server-daemon/daemon-updater.sock")));
   for (const fe of frontEnds.values()) if (fe.tmux) spawnSync("tmux", ["-L", fe.tmux, "kill-server"], { env, timeout: 10_000 });
   for (const c of children) if (c !== brenvik) c.kill("SIGTERM");
-  for (const r of withDaemon) {
-    // It waits for a turn in progress; the sweep below ends what it leaves.
-    spawnSync(bin("codex", r), ["app-server", "daemon", "stop"], { env: { ...env, CODEX_HOME: codexHome(r) }, stdio: "ignore", timeout: 5_000 });
-  }
+  // `daemon stop` waits for a turn in progress; the sweep below ends what it leaves.
+  for (const r of withDaemon) spawnSync(bin("codex", r), ["app-server", "daemon", "stop"], { env: { ...env, CODEX_HOME: codexHome(r) }, stdio: "ignore", timeout: 5_000 });
   // Whatever is left (`daemon stop` leaves its pid-update-loop running): TERM, then KILL.
   for (const sig of ["SIGTERM", "SIGKILL"]) {
-    const left = scan();
-    for (const p of left) { try { process.kill(p.pid, sig); } catch {} }
-    try { await until("the run's processes to end", () => scan().length === 0, 5); } catch {}
+    for (const p of scan()) tryOr(() => process.kill(p.pid, sig));
+    await until("the run's processes to end", () => scan().length === 0, 5).catch(() => {});
   }
   const survivors = scan();
   if (survivors.length) failures.push(`processes left behind: ${survivors.map((p) => `${p.pid} ${p.cmdline}`).join("; ")}`);
   if (brenvik && brenvik.exitCode === null) {
     brenvik.kill("SIGTERM");
-    try { await until("brenvik-status to exit", () => brenvik.exitCode !== null || brenvik.signalCode !== null, 10); } catch { brenvik.kill("SIGKILL"); }
+    await until("brenvik-status to exit", () => brenvik.exitCode !== null || brenvik.signalCode !== null, 10).catch(() => brenvik.kill("SIGKILL"));
   }
   await model?.close();
   for (const sock of socks) if (/^\/tmp\/codex-daemon-\d+\/[0-9a-f]+$/.test(sock)) for (const f of [sock, `${sock}.lock`]) fs.rmSync(f, { force: true });
@@ -872,16 +733,12 @@ async function cleanUp() {
 // --- the run (last, so that every declaration above is initialised) ---------------------
 
 let cleaning;
-for (const sig of ["SIGINT", "SIGTERM", "SIGHUP"]) {
-  process.on(sig, () => {
-    failures.push(`interrupted by ${sig}`);
-    finish(130);
-  });
-}
-const watchdog = setTimeout(() => {
-  failures.push(`the whole run exceeded its cap of ${HARD_CAP_S} s`);
-  finish(1);
-}, HARD_CAP_S * 1000);
+const stop = (why, code) => {
+  failures.push(why);
+  finish(code);
+};
+for (const sig of ["SIGINT", "SIGTERM", "SIGHUP"]) process.on(sig, () => stop(`interrupted by ${sig}`, 130));
+const watchdog = setTimeout(() => stop(`the whole run exceeded its cap of ${HARD_CAP_S} s`, 1), HARD_CAP_S * 1000);
 
 try {
   await setUp();
