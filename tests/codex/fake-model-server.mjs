@@ -15,6 +15,7 @@
 // It also serves as the HTTP(S) proxy of the run and refuses every tunnel, so that
 // nothing Codex fetches on its own (announcements and the like) leaves the machine.
 // Run alone (node fake-model-server.mjs) it prints its port and logs to stdout.
+import { once } from "node:events";
 import http from "node:http";
 import { text as readText } from "node:stream/consumers";
 
@@ -77,7 +78,7 @@ function figuresOf(prompt) {
 }
 
 // Resolves to { port, requests, close() }; log(entry) sees every request as it arrives.
-export function startFakeModel({ log = () => {} } = {}) {
+export async function startFakeModel({ log = () => {} } = {}) {
   const requests = [];
   const timers = new Set();
   let count = 0;
@@ -127,20 +128,16 @@ export function startFakeModel({ log = () => {} } = {}) {
     log(entry);
     socket.end("HTTP/1.1 403 Forbidden\r\n\r\n");
   });
-  return new Promise((resolve, reject) => {
-    server.once("error", reject);
-    server.listen(0, "127.0.0.1", () =>
-      resolve({
-        port: server.address().port,
-        requests,
-        close() {
-          for (const t of timers) clearTimeout(t);
-          server.closeAllConnections?.();
-          return new Promise((r) => server.close(r));
-        },
-      }),
-    );
-  });
+  await once(server.listen(0, "127.0.0.1"), "listening");
+  return {
+    port: server.address().port,
+    requests,
+    close() {
+      for (const t of timers) clearTimeout(t);
+      server.closeAllConnections();
+      return new Promise((r) => server.close(r));
+    },
+  };
 }
 
 if (import.meta.url === `file://${process.argv[1]}`) {

@@ -567,20 +567,22 @@ function record(moment, what) {
 const sessionStatus = (groups) =>
   ["running", "waiting"].find((s) => groups.some((g) => g.status === s)) ?? (groups.length ? "idle" : "absent");
 
-// Judges the recorded refreshes; returns the problems and one summary per front-end.
+// Judges the recorded refreshes; returns the problems and what held, each with the
+// number of refreshes it held at.
 function check() {
   const problems = [];
+  const summaries = [];
   const judge = (name, selected, ok, why) => {
     const bad = selected.filter((l) => !ok(l));
     if (selected.length === 0) problems.push(`${name}: no refresh to judge`);
     else if (bad.length) problems.push(`${name}: failed at ${bad.length} of ${selected.length} refreshes, first at ${rel(bad[0].t)}: ${why(bad[0])}`);
+    else summaries.push(`ok  ${name}: at all ${selected.length} refreshes`);
   };
   const ofKind = (l, kind) => l.report.groups.filter((g) => attribute(g) === kind);
   for (const [kind, name] of [["daemon", "the shared daemon never appears as a session"], ["run", "every group of this run belongs to a front-end"]]) {
     judge(name, lines, (l) => ofKind(l, kind).length === 0, (l) => describeGroups(ofKind(l, kind)));
   }
 
-  const summaries = [];
   for (const [id, fe] of frontEnds) {
     const mine = (l) => ofKind(l, id);
     const one = (l) => mine(l).length === 1;
@@ -588,19 +590,18 @@ function check() {
     const alive = lines.filter((l) => l.t >= fe.start + REFRESH && l.t <= (fe.exit ?? Infinity) - 500);
     judgeMine("exactly one session while it runs", alive, one, (l) => `${mine(l).length} groups ${describeGroups(mine(l))}`);
     if (fe.exit !== undefined) judgeMine("no session once it has exited", lines.filter((l) => l.t >= fe.exit + 1500), (l) => mine(l).length === 0);
-    const held = new Map();
     for (const w of [...fe.windows, ...promptWindows(fe)].sort((a, b) => a.start - b.start)) {
       const rule = windowRules[w.kind];
       const selected = lines.filter((l) => l.t >= w.start + rule.from && l.t <= w.end);
       if (selected.length === 0 && w.end - w.start - rule.from < REFRESH) continue;
       judgeMine(`${rule.status} during ${w.kind} ${rel(w.start)}..${rel(w.end)}`, selected, (l) => statusMatches(rule.status, sessionStatus(mine(l))),
         (l) => `${sessionStatus(mine(l))} ${describeGroups(mine(l))}`);
-      held.set(w.kind, (held.get(w.kind) ?? 0) + 1);
     }
     // Once the session's log exists, the log decides (source "log").
     const logged = alive.filter((l) => fe.logSeen !== undefined && l.t >= fe.logSeen + REFRESH && one(l));
-    const byLog = (l) => mine(l)[0].source === "log";
-    if (releases[fe.release].logSource && fe.logSeen !== undefined) judgeMine("judged by its log once it exists", logged, byLog);
+    if (releases[fe.release].logSource && fe.logSeen !== undefined) {
+      judgeMine("judged by its log once it exists", logged, (l) => mine(l)[0].source === "log");
+    }
     // The TUI runs in pane 0.0 of session "main" of its own tmux server (-L, and a
     // TMUX_TMPDIR that brenvik-status does not share).
     if (fe.tmux) {
@@ -608,9 +609,6 @@ function check() {
       judgeMine("its place names its tmux pane", alive.filter(one), (l) => Object.entries(want).every(([k, v]) => mine(l)[0].place?.tmux?.[k] === v),
         (l) => JSON.stringify(mine(l)[0].place));
     }
-    const windows = [...held].map(([kind, n]) => `${n} ${kind}`).join(", ") || "none";
-    summaries.push(`ok  ${fe.name}: one session at each of ${alive.length} refreshes while it ran; windows judged: ${windows}; ` +
-      `source "log" at ${logged.filter(byLog).length} of ${logged.length} refreshes after its log appeared`);
   }
   if (usageSeen.length) summaries.push(`ok  usage as the fake reported it: ${usageSeen.join("; ")}`);
   if (desktop) checkNotifications(problems, summaries);
@@ -688,7 +686,9 @@ function printTimeline() {
 
 // --- the end ---------------------------------------------------------------------------
 
-function finish(code) {
+// Ends the run, the first call only; `why` tells what cut it short.
+function finish(code, why) {
+  if (why) failures.push(why);
   cleaning ??= (async () => {
     clearTimeout(watchdog);
     try { logEvents(); } catch (err) { note("driver", `logs unreadable: ${err.message}`); }
@@ -733,12 +733,8 @@ async function cleanUp() {
 // --- the run (last, so that every declaration above is initialised) ---------------------
 
 let cleaning;
-const stop = (why, code) => {
-  failures.push(why);
-  finish(code);
-};
-for (const sig of ["SIGINT", "SIGTERM", "SIGHUP"]) process.on(sig, () => stop(`interrupted by ${sig}`, 130));
-const watchdog = setTimeout(() => stop(`the whole run exceeded its cap of ${HARD_CAP_S} s`, 1), HARD_CAP_S * 1000);
+for (const sig of ["SIGINT", "SIGTERM", "SIGHUP"]) process.on(sig, () => finish(130, `interrupted by ${sig}`));
+const watchdog = setTimeout(() => finish(1, `the whole run exceeded its cap of ${HARD_CAP_S} s`), HARD_CAP_S * 1000);
 
 try {
   await setUp();
