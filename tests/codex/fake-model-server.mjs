@@ -90,8 +90,7 @@ export async function startFakeModel({ log = () => {} } = {}) {
       if (req.method !== "POST" || !entry.path.endsWith("/responses")) {
         log(entry);
         // Models list and the like: an empty answer, so nothing waits on it.
-        res.writeHead(200, { "content-type": "application/json" });
-        res.end(JSON.stringify({ object: "list", data: [], models: [] }));
+        res.writeHead(200, { "content-type": "application/json" }).end(JSON.stringify({ object: "list", data: [], models: [] }));
         return;
       }
       const body = JSON.parse(raw);

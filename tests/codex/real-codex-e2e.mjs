@@ -33,12 +33,11 @@ const sourceDir = path.resolve(path.dirname(fileURLToPath(import.meta.url)), "..
 //   daemon: its TUIs share a background service (app-server --managed-daemon)
 //   turnEvents: its log opens and closes each turn (task_started, task_complete); older
 //     logs only show the user's message and the final answer
-//   logSource: Brenvik judges its sessions by their log once it exists (source "log")
 const newest = "0.169.0";
 const releases = {
-  "0.169.0": { daemon: true, turnEvents: true, logSource: true },
-  "0.130.0": { turnEvents: true, logSource: true },
-  "0.80.0": { turnEvents: false, logSource: true },
+  "0.169.0": { daemon: true, turnEvents: true },
+  "0.130.0": { turnEvents: true },
+  "0.80.0": { turnEvents: false },
 };
 
 // A tool command that waits, then burns one core, writing when the burn starts and ends.
@@ -474,11 +473,8 @@ function logEvents() {
 
 // Waits, at most `seconds`, until `test` holds.
 async function until(what, test, seconds) {
-  const end = Date.now() + seconds * 1000;
-  for (;;) {
-    if (await test()) return;
+  for (const end = Date.now() + seconds * 1000; !(await test()); await sleep(100)) {
     if (Date.now() > end) throw new Error(`gave up after ${seconds} s waiting for ${what}`);
-    await sleep(100);
   }
 }
 
@@ -579,9 +575,8 @@ function check() {
     else summaries.push(`ok  ${name}: at all ${selected.length} refreshes`);
   };
   const ofKind = (l, kind) => l.report.groups.filter((g) => attribute(g) === kind);
-  for (const [kind, name] of [["daemon", "the shared daemon never appears as a session"], ["run", "every group of this run belongs to a front-end"]]) {
-    judge(name, lines, (l) => ofKind(l, kind).length === 0, (l) => describeGroups(ofKind(l, kind)));
-  }
+  judge("the shared daemon never appears as a session", lines, (l) => ofKind(l, "daemon").length === 0, (l) => describeGroups(ofKind(l, "daemon")));
+  judge("every group of this run belongs to a front-end", lines, (l) => ofKind(l, "run").length === 0, (l) => describeGroups(ofKind(l, "run")));
 
   for (const [id, fe] of frontEnds) {
     const mine = (l) => ofKind(l, id);
@@ -597,11 +592,9 @@ function check() {
       judgeMine(`${rule.status} during ${w.kind} ${rel(w.start)}..${rel(w.end)}`, selected, (l) => statusMatches(rule.status, sessionStatus(mine(l))),
         (l) => `${sessionStatus(mine(l))} ${describeGroups(mine(l))}`);
     }
-    // Once the session's log exists, the log decides (source "log").
-    const logged = alive.filter((l) => fe.logSeen !== undefined && l.t >= fe.logSeen + REFRESH && one(l));
-    if (releases[fe.release].logSource && fe.logSeen !== undefined) {
-      judgeMine("judged by its log once it exists", logged, (l) => mine(l)[0].source === "log");
-    }
+    // Once the session's log exists, every release's, the log decides (source "log").
+    const logged = alive.filter((l) => l.t >= fe.logSeen + REFRESH && one(l));
+    if (fe.logSeen !== undefined) judgeMine("judged by its log once it exists", logged, (l) => mine(l)[0].source === "log");
     // The TUI runs in pane 0.0 of session "main" of its own tmux server (-L, and a
     // TMUX_TMPDIR that brenvik-status does not share).
     if (fe.tmux) {
