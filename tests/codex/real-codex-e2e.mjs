@@ -509,7 +509,7 @@ const daemons = new Set();
 // Notes the daemons, and marks a TUI front-end exited once none of its processes (the
 // daemon's aside) is left.
 function startScanner() {
-  const timer = setInterval(() => {
+  setInterval(() => {
     const procs = scan();
     for (const p of procs) if (isDaemon(p)) daemons.add(p.pid);
     const byPid = new Map(procs.map((p) => [p.pid, p]));
@@ -522,8 +522,7 @@ function startScanner() {
       if (alive) fe.seen = true;
       else if (fe.seen) { fe.exit = Date.now(); note(id, "gone"); }
     }
-  }, 250);
-  timer.unref();
+  }, 250).unref();
 }
 
 // Which front-end of ours a Brenvik group is, by its project directory and start time.
