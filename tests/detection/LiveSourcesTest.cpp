@@ -1,8 +1,8 @@
+#include "DetectionTestSupport.h"
 #include "detection/ProcProcessTable.h"
 #include "detection/PsProcessTable.h"
 
 #include <QDir>
-#include <QHash>
 #include <QSet>
 #include <QStringList>
 #include <algorithm>
@@ -22,6 +22,7 @@ namespace brenvik {
 namespace {
 
 using namespace std::chrono_literals;
+using test::byPID;
 
 // A child process killed and reaped when the test leaves, also on failure.
 struct Child {
@@ -39,13 +40,6 @@ struct Child {
     }
     pid_t pid = -1;
 };
-
-QHash<qint64, ObservedProcess> byPID(const QList<ObservedProcess>& rows) {
-    QHash<qint64, ObservedProcess> map;
-    for (const auto& row : rows)
-        map.insert(row.pid, row);
-    return map;
-}
 
 // A snapshot in which every process is read afresh, as those that make up
 // sessions are: only such rows are held to ps.

@@ -1,7 +1,12 @@
+// The ps source and the parsers of both sources.
 #include "detection/ProcessSnapshot.h"
 
 #include "DetectionTestSupport.h"
+#include "detection/ProcProcessTable.h"
+#include "detection/PsProcessTable.h"
 
+#include <QFile>
+#include <cerrno>
 #include <gtest/gtest.h>
 #include <limits>
 
@@ -63,6 +68,68 @@ TEST(CPUTimeParsing, ClockForms) {
         const QString text = QString::fromUtf16(c.text);
         EXPECT_DOUBLE_EQ(parseCPUTime(text), c.seconds) << text.toStdString();
     }
+}
+
+TEST(PsProcessTable, ExitStatusOutputAndLaunchFailures) {
+    // Shell scripts standing in for ps, in a private folder.
+    const test::ScratchDir dir("fake-ps");
+    const auto script = [&](const char* name, const QByteArray& body,
+                            QFile::Permissions permissions = QFile::ReadOwner | QFile::ExeOwner) {
+        const QString file =
+            dir.write(dir.path(QLatin1StringView(name)), "#!/bin/sh\n" + body + '\n');
+        QFile::setPermissions(file, permissions | QFile::WriteOwner);
+        return file;
+    };
+    const struct {
+        const char* name;
+        QString executable;
+        QString expected;
+    } cases[] = {
+        {"illegal option", script("a", "echo 'ps: illegal option' >&2; exit 1"),
+         QStringLiteral("Brenvik.ProcessMonitor 1: ps: illegal option")},
+        {"silent failure", script("b", "exit 2"),
+         QStringLiteral("Brenvik.ProcessMonitor 2: ps failed with exit code 2")},
+        {"killed by a signal", script("c", "kill -9 $$"),
+         QStringLiteral("Brenvik.ProcessMonitor 137: ps failed with exit code 137")},
+        {"only white space", script("d", "printf '  \\n\\t\\n'"), QString()},
+        {"stderr dropped", script("e", "echo 'ps: x' >&2; echo '5 1 S 0.0 0:00 /bin/codex'"),
+         QStringLiteral("/bin/codex")},
+        {"invalid UTF-8 replaced", script("f", "printf '1 0 S 0.0 0:01 a\\377b\\n'"),
+         QStringLiteral("a\uFFFDb")},
+        {"large output read before the wait",
+         script("g", "i=0; while [ $i -lt 1000 ]; do echo \"$i 1 S 0.0 0:00 $(printf %0100d 0)\"; "
+                     "i=$((i+1)); done"),
+         QStringList(1000, QStringLiteral("0").repeated(100)).join(u'\n')},
+        {"cannot launch: missing", dir.path(u"missing"_qs),
+         u"POSIX " + QString::number(ENOENT) + u": " + qt_error_string(ENOENT)},
+        {"cannot launch: not executable", script("h", "exit 0", QFile::ReadOwner),
+         u"POSIX " + QString::number(EACCES) + u": " + qt_error_string(EACCES)},
+    };
+    for (const auto& c : cases)
+        EXPECT_EQ(test::commandsOf([&] { return readProcessTable(c.executable); }), c.expected)
+            << c.name;
+}
+
+// Arbitrary bytes and mutated real lines through every parser.
+TEST(ParserRobustness, ArbitraryInputNeverBreaksTheParsers) {
+    const QByteArray seeds[] = {
+        "  501   1 Ss     0.0   0:01.23 /usr/local/bin/codex  exec --help  ",
+        "9223372036854775807 -1 R+ 1e308 1-23:59:59.99 node \xe2\x80\x83x",
+        "42 (a) (b c)) R 9 0 0 0 0 0 0 0 0 0 7 3 0 0 20 0 1 0 900 123 456\n",
+        "0x1p3 -0 inf nan 3-:::4 -",
+    };
+    test::fuzz(seeds, " -:.()0\t", 60000, [](const QByteArray& input, int) {
+        const QString text = QString::fromUtf8(input);
+        if (const auto row = parseProcessLine(text)) {
+            ASSERT_FALSE(row->command.isEmpty()) << input.toHex().constData();
+            ASSERT_FALSE(row->command.front().isSpace() || row->command.back().isSpace())
+                << input.toHex().constData();
+        }
+        (void)parseCPUTime(text);
+        if (const auto stat = parseProcStat(input)) {
+            ASSERT_LE(stat->comm.size(), input.size()) << input.toHex().constData();
+        }
+    });
 }
 
 } // namespace

@@ -16,13 +16,11 @@ using test::row;
 DetectedProcessSample sample(qint64 pid, const char16_t* command, double cpu, double time, bool hot,
                              qint64 members, qint64 processes, const char16_t* cwd = u"",
                              qint64 commands = 0) {
-    DetectedProcessSample s =
-        test::session(pid, QString::fromUtf16(command), cpu, time, hot, members, processes);
-    s.interactive =
-        codexRole(lowerCasedCommand(QString::fromUtf16(command))) == CodexRole::interactive;
-    s.runningCommands = commands;
-    s.cwd = QString::fromUtf16(cwd);
-    return s;
+    const QString text = QString::fromUtf16(command);
+    const bool tui = codexRole(lowerCasedCommand(text)) == CodexRole::interactive;
+    return {pid,          text,    cpu,       time,
+            hot,          members, processes, QString::fromUtf16(cwd),
+            std::nullopt, tui,     commands,  QList<qint64>()};
 }
 
 ObservedProcess in(ObservedProcess process, const char16_t* cwd) {
@@ -99,30 +97,20 @@ TEST(ProcessTree, Sessions) {
          {row(800, 801, u"cc"), row(801, 800, u"codex")},
          {sample(801, u"codex", 0, 0, false, 1, 2)}},
         {"self parent", {row(850, 850, u"codex")}, {sample(850, u"codex", 0, 0, false, 1, 1)}},
+        {"the service's work counts for the TUI of its directory",
+         {in(row(10, 1, u"codex"), u"/w/a"), in(row(20, 1, u"codex"), u"/w/b"),
+          in(row(21, 1, u"codex"), u"/w/c"), in(row(22, 1, u"codex"), u"/w/c"),
+          in(row(30, 1, kDaemon, 5, 5), u"/w/a"), in(row(31, 30, kSandbox), u"/w/b"),
+          row(32, 31, u"sh -c burn", 100, 4, u"R"),
+          in(row(33, 30, u"/bin/bash -c make"), u"/w/c"),  // two TUIs there: nobody's
+          in(row(34, 30, u"/bin/bash -c make"), u"/w/x")}, // no TUI there
+         {sample(10, u"codex", 0, 0, false, 1, 1, u"/w/a"),
+          sample(20, u"codex", 100, 4, true, 2, 3, u"/w/b", 2),
+          sample(21, u"codex", 0, 0, false, 1, 1, u"/w/c"),
+          sample(22, u"codex", 0, 0, false, 1, 1, u"/w/c")}},
     };
     for (const auto& c : cases)
         EXPECT_EQ(detectCodexProcesses(c.rows), c.expected) << c.name;
-}
-
-TEST(ProcessTree, ServiceWorkCountsForTheTUIOfItsDirectory) {
-    const QList<ObservedProcess> rows = {
-        in(row(10, 1, u"codex"), u"/w/a"),
-        in(row(20, 1, u"codex"), u"/w/b"),
-        in(row(21, 1, u"codex"), u"/w/c"),
-        in(row(22, 1, u"codex"), u"/w/c"),
-        in(row(30, 1, kDaemon, 5, 5), u"/w/a"),
-        in(row(31, 30, kSandbox), u"/w/b"),
-        row(32, 31, u"sh -c burn", 100, 4, u"R"),
-        in(row(33, 30, u"/bin/bash -c make"), u"/w/c"), // two TUIs there: nobody's
-        in(row(34, 30, u"/bin/bash -c make"), u"/w/x"), // no TUI there
-    };
-    const QList<DetectedProcessSample> expected = {
-        sample(10, u"codex", 0, 0, false, 1, 1, u"/w/a"),
-        sample(20, u"codex", 100, 4, true, 2, 3, u"/w/b", 2),
-        sample(21, u"codex", 0, 0, false, 1, 1, u"/w/c"),
-        sample(22, u"codex", 0, 0, false, 1, 1, u"/w/c"),
-    };
-    EXPECT_EQ(detectCodexProcesses(rows), expected);
 }
 
 TEST(ProcessTree, HotStates) {
@@ -131,12 +119,6 @@ TEST(ProcessTree, HotStates) {
     for (const char16_t* cold : {u"S", u"Ss", u"I", u"T", u"Z", u"", u"  "})
         EXPECT_FALSE(isHotState(cold)) << QString::fromUtf16(cold).toStdString();
 }
-
-} // namespace
-} // namespace brenvik
-
-namespace brenvik {
-namespace {
 
 // Rows as the /proc source gives them, recorded while the real Codex CLI ran:
 // pid, ppid, state, exe, cwd, command, one process a line.
@@ -149,12 +131,14 @@ QList<ObservedProcess> recordedTable(const QString& name) {
         const QStringList fields = line.split(u'\t');
         if (line.startsWith(u'#') || fields.size() != 6)
             continue;
-        ObservedProcess row = test::row(fields[0].toLongLong(), fields[1].toLongLong(), u"");
+        // Read from the fields: state, executable, cwd and command.
+        ObservedProcess& row = rows.emplace_back();
+        row.pid = fields[0].toLongLong();
+        row.ppid = fields[1].toLongLong();
         row.state = fields[2];
+        row.command = fields[5];
         row.executable = fields[3];
         row.cwd = fields[4];
-        row.command = fields[5];
-        rows.append(row);
     }
     // Beside them, programs that only mention Codex in their arguments.
     for (const char16_t* other :

@@ -1,18 +1,22 @@
 // Finding where a session runs and going there, over a fake process table,
-// a fake tmux server and fake windows.
+// a fake tmux server and fake windows; each session's place looked up once.
 #include "places/SessionPlaceFinder.h"
 
+#include "PlacesTestSupport.h"
 #include "places/GoToSession.h"
+#include "places/SessionPlaces.h"
 
 #include <QHash>
 #include <gtest/gtest.h>
 #include <memory>
+#include <vector>
 
 namespace brenvik {
 namespace {
 
 constexpr qint64 kUid = 1000;
 const QString kSocket = QStringLiteral("/s/sock");
+const char16_t* const kNoX = u"there is no X server (DISPLAY is not set)";
 
 // An xterm whose tmux client shows session "work"; a pane of the detached
 // session "spare"; two windows of one GNOME Terminal; other cases alone.
@@ -28,7 +32,7 @@ struct FakeSystem {
     FakeSystem() {
         const auto add = [this](qint64 pid, qint64 ppid, const char* name, QStringList arguments,
                                 qint64 uid = kUid) {
-            table.insert(pid, {pid, ppid, QString::fromUtf8(name), std::move(arguments), uid});
+            table.insert(pid, test::process(pid, ppid, QString::fromUtf8(name), arguments, uid));
         };
         add(100, 1, "xterm", {u"xterm"_qs});
         add(101, 100, "bash", {u"bash"_qs});
@@ -75,13 +79,13 @@ struct FakeSystem {
                 .windows = [this, withX](QString* reason) -> std::optional<QList<ClientWindow>> {
                     if (withX)
                         return windows;
-                    *reason = u"there is no X server (DISPLAY is not set)"_qs;
+                    *reason = QString::fromUtf16(kNoX);
                     return std::nullopt;
                 },
                 .activate =
                     [this, withX](quint32 window, QString* reason) {
                         if (!withX)
-                            *reason = u"there is no X server (DISPLAY is not set)"_qs;
+                            *reason = QString::fromUtf16(kNoX);
                         else
                             activated << window;
                         return withX;
@@ -93,43 +97,45 @@ struct FakeSystem {
     }
 };
 
+// The pane of "work" (with a name that is data: it neither runs nor breaks
+// anything) or of "spare".
 TmuxPane pane(bool work) {
     return work ? TmuxPane{kSocket, u"work"_qs, u"$0"_qs,
                            1,       u"@1"_qs,   u"$(touch /tmp/x); rm -rf ~"_qs,
                            0,       u"%1"_qs}
                 : TmuxPane{kSocket, u"spare"_qs, u"$1"_qs, 0, u"@3"_qs, u"w"_qs, 0, u"%2"_qs};
 }
-
-const QString kNoX = u"there is no X server (DISPLAY is not set)"_qs;
+PlaceLookup at(const char16_t* terminal, std::optional<quint32> window,
+               std::optional<TmuxPane> tmux = {}, bool guess = false) {
+    return {SessionPlace{QString::fromUtf16(terminal), window, std::move(tmux), guess}, {}};
+}
+PlaceLookup nowhere(const char16_t* reason) {
+    return {std::nullopt, QString::fromUtf16(reason)};
+}
 
 TEST(SessionPlaceFinder, FindsThePaneAndTheWindow) {
-    const auto in = [](SessionPlace place) { return PlaceLookup{std::move(place), {}}; };
-    const auto nowhere = [](QString reason) {
-        return PlaceLookup{std::nullopt, std::move(reason)};
-    };
-    const QString anywhere;
     const struct {
         const char* name;
         qint64 pid;
-        QString cwd;
-        bool withX;
         PlaceLookup expected;
+        bool withX = true;
+        QString cwd = {};
     } cases[] = {
-        {"in tmux, shown in an xterm", 202, u"/home/u/website"_qs, true,
-         in(SessionPlace(u"xterm"_qs, 0x1000, pane(true), false))},
-        {"the same without an X server: the terminal by name", 202, anywhere, false,
-         in(SessionPlace(u"xterm"_qs, std::nullopt, pane(true), false))},
-        {"in a tmux session no client shows", 211, anywhere, true,
-         in(SessionPlace(QString(), std::nullopt, pane(false), false))},
-        {"one of two windows of one program, by its title", 302, u"/home/u/proj/infra"_qs, true,
-         in(SessionPlace(u"GNOME Terminal"_qs, 0x2000, std::nullopt, true))},
-        {"its title names nothing: the latest raised", 302, u"/srv/x"_qs, true,
-         in(SessionPlace(u"GNOME Terminal"_qs, 0x2001, std::nullopt, true))},
-        {"another user's", 400, anywhere, true, nowhere(u"the session belongs to another user"_qs)},
-        {"ended", 999, anywhere, true, nowhere(u"the session has ended"_qs)},
-        {"nowhere", 500, anywhere, false,
-         nowhere(u"it runs in no tmux pane and no known terminal; no window was looked for: "_qs +
-                 kNoX)},
+        {"in tmux, shown in an xterm", 202, at(u"xterm", 0x1000, pane(true)), true,
+         u"/home/u/website"_qs},
+        {"the same without an X server: the terminal by name", 202,
+         at(u"xterm", std::nullopt, pane(true)), false},
+        {"in a tmux session no client shows", 211, at(u"", std::nullopt, pane(false))},
+        {"one of two windows of one program, by its title", 302,
+         at(u"GNOME Terminal", 0x2000, std::nullopt, true), true, u"/home/u/proj/infra"_qs},
+        {"its title names nothing: the latest raised", 302,
+         at(u"GNOME Terminal", 0x2001, std::nullopt, true), true, u"/srv/x"_qs},
+        {"another user's", 400, nowhere(u"the session belongs to another user")},
+        {"ended", 999, nowhere(u"the session has ended")},
+        {"nowhere", 500,
+         nowhere(u"it runs in no tmux pane and no known terminal; no window was looked for: "
+                 u"there is no X server (DISPLAY is not set)"),
+         false},
     };
     for (const auto& testCase : cases) {
         FakeSystem system;
@@ -140,41 +146,46 @@ TEST(SessionPlaceFinder, FindsThePaneAndTheWindow) {
 }
 
 TEST(GoToSession, SelectsThePaneAndRaisesTheWindow) {
-    using enum GoResult::Outcome;
     const QString selectWork = u"select-window -t @1|select-pane -t %1"_qs;
     const QString selectSpare = u"select-window -t @3|select-pane -t %2"_qs;
-    const GoResult wentThere{went, {}};
-    const QList<quint32> noWindow, xterm{0x1000};
-    const QString noChange;
-    struct Case {
+    const GoResult went{GoResult::Outcome::went, {}};
+    const auto selected = [](const char16_t* text) {
+        return GoResult{GoResult::Outcome::selected, QString::fromUtf16(text)};
+    };
+    const auto failed = [](const char16_t* text) {
+        return GoResult{GoResult::Outcome::failed, QString::fromUtf16(text)};
+    };
+    const struct {
         const char* name;
         qint64 pid;
-        bool withX;
-        QString tmuxChanges; // what it asked of tmux beyond listing, "|" between
-        QList<quint32> activated;
         GoResult expected;
+        QString tmuxChanges; // what it asked of tmux beyond listing, "|" between
+        quint32 raised;      // the window raised, 0 for none
+        bool withX = true;
         QString invokingSocket = {};
         std::optional<SessionPlace> remembered = {};
-    };
-    const Case cases[] = {
-        {"in tmux in an xterm", 202, true, selectWork, xterm, wentThere},
-        {"no X server: the pane, and why not the window", 202, false, selectWork, noWindow,
-         GoResult(selected,
-                  u"In xterm, tmux work:1.0: its pane is selected; the window was not raised: "_qs +
-                      kNoX)},
-        {"no terminal shows it", 211, true, selectSpare, noWindow,
-         GoResult(selected, u"In tmux spare:0.0, which no terminal shows: its pane is selected "
-                            u"for the next attach"_qs)},
-        {"the terminal that showed it shows another session now", 211, true,
-         selectSpare + u"|switch-client -c /dev/pts/1 -t %2"_qs, xterm, wentThere, QString(),
+    } cases[] = {
+        {"in tmux in an xterm", 202, went, selectWork, 0x1000},
+        {"no X server: the pane, and why not the window", 202,
+         selected(u"In xterm, tmux work:1.0: its pane is selected; the window was not raised: "
+                  u"there is no X server (DISPLAY is not set)"),
+         selectWork, 0, false},
+        {"no terminal shows it", 211,
+         selected(u"In tmux spare:0.0, which no terminal shows: its pane is selected for the next "
+                  u"attach"),
+         selectSpare, 0},
+        {"the terminal that showed it shows another session now", 211, went,
+         selectSpare + u"|switch-client -c /dev/pts/1 -t %2"_qs, 0x1000, true, QString(),
          SessionPlace(u"xterm"_qs, 0x1000, pane(false), false)},
-        {"from a key binding of the same server", 211, true,
-         selectSpare + u"|switch-client -t %2"_qs, xterm, wentThere, kSocket},
-        {"a window of its own", 302, true, noChange, QList<quint32>{0x2001}, wentThere},
-        {"another user's", 400, true, noChange, noWindow,
-         GoResult(failed, u"Cannot go to the session: the session belongs to another user"_qs)},
-        {"no tmux and no X server", 302, false, noChange, noWindow,
-         GoResult(failed, u"In GNOME Terminal: the window was not raised: "_qs + kNoX)},
+        {"from a key binding of the same server", 211, went,
+         selectSpare + u"|switch-client -t %2"_qs, 0x1000, true, kSocket},
+        {"a window of its own", 302, went, QString(), 0x2001},
+        {"another user's", 400,
+         failed(u"Cannot go to the session: the session belongs to another user"), QString(), 0},
+        {"no tmux and no X server", 302,
+         failed(u"In GNOME Terminal: the window was not raised: there is no X server (DISPLAY is "
+                u"not set)"),
+         QString(), 0, false},
     };
     for (const auto& testCase : cases) {
         FakeSystem system;
@@ -188,8 +199,45 @@ TEST(GoToSession, SelectsThePaneAndRaisesTheWindow) {
                 changes << command;
         }
         EXPECT_EQ(changes.join(u'|'), testCase.tmuxChanges) << testCase.name;
-        EXPECT_EQ(system.activated, testCase.activated) << testCase.name;
+        EXPECT_EQ(system.activated, testCase.raised ? QList{testCase.raised} : QList<quint32>())
+            << testCase.name;
     }
+}
+
+// Each session's place is looked up once, when it first appears.
+TEST(SessionPlaces, LooksUpOnlySessionsSeenForTheFirstTime) {
+    // Not QList: Qt 6.4 compares an emptied one with memcmp(…, nullptr, 0).
+    std::vector<qint64> asked;
+    SessionPlaces places([&](const SessionQuery& query) {
+        asked.push_back(query.pid);
+        return PlaceLookup{SessionPlace{u"xterm"_qs, quint32(query.pid), std::nullopt, false}, {}};
+    });
+    const QDateTime start(QDate(2026, 11, 24), QTime(9, 0), Qt::UTC);
+    const auto session = [&](qint64 pid, int startedMinute) {
+        ProcessMatch match;
+        match.pid = pid;
+        match.startedAt = start.addSecs(60 * startedMinute);
+        return match;
+    };
+    const struct {
+        const char* name;
+        QList<ProcessMatch> matches;
+        std::vector<qint64> asked;
+    } refreshes[] = {
+        {"two sessions appear", {session(10, 0), session(20, 0)}, {10, 20}},
+        {"the same again: nothing asked", {session(10, 0), session(20, 0)}, {}},
+        {"one more", {session(10, 0), session(20, 0), session(30, 1)}, {30}},
+        {"a PID reused by a new session", {session(10, 5), session(30, 1)}, {10}},
+        {"20 ended and comes back: a new lookup", {session(20, 0)}, {20}},
+    };
+    for (const auto& refresh : refreshes) {
+        asked.clear();
+        places.update(refresh.matches);
+        EXPECT_EQ(asked, refresh.asked) << refresh.name;
+        for (const ProcessMatch& match : refresh.matches)
+            EXPECT_TRUE(places.lookupOf(match.pid)) << refresh.name;
+    }
+    EXPECT_FALSE(places.lookupOf(10)) << "forgotten once it ended";
 }
 
 } // namespace

@@ -1,10 +1,12 @@
+// Finding a session's log: which paths are logs, the readers kept for them,
+// and the log each session holds.
 #include "sessionlog/SessionLogLocator.h"
 
 #include "SessionLogTestSupport.h"
+#include "sessionlog/SessionLogCache.h"
+#include "sessionlog/SessionLogPath.h"
 
-#include <QDir>
 #include <QFile>
-#include <QTemporaryDir>
 #include <gtest/gtest.h>
 
 namespace brenvik {
@@ -12,36 +14,50 @@ namespace {
 
 using namespace test;
 
-// A /proc of its own: PID/fd/N links to the files a process holds open.
-class FakeProc {
-public:
-    FakeProc() { QDir(m_dir.path()).mkpath(QStringLiteral("codex-home/sessions")); }
+TEST(SessionLogPath, Cases) {
+    const struct {
+        const char16_t* path;
+        bool expected;
+        const char16_t* codexHome = u"";
+    } cases[] = {
+        {u"/home/u/.codex/sessions/2026/11/23/rollout-2026-11-23T13-27-26-01a2.jsonl", true,
+         u"/home/u/.codex"},
+        {u"/home/u/.codex/sessions/2026/11/23/rollout-2026-11-23T13-27-26-01a2.jsonl (deleted)",
+         true, u"/home/u/.codex"},
+        {u"/srv/codex home/sessions/2026/01/02/rollout-x.jsonl", true, u"/srv/codex home"},
+        {u"/work/sessions/x/sessions/2026/01/02/rollout-x.jsonl", true, u"/work/sessions/x"},
+        {u"/sessions/2026/01/02/rollout-x.jsonl", true, u"/"},
+        {u"/home/u/.codex/sessions/2026/11/23/rollout-2026-11-23T13-27-26-01a2.jsonl.zst", false},
+        {u"/home/u/.codex/archived_sessions/rollout-2026-11-23T13-27-26-01a2.jsonl", false},
+        {u"/home/u/.codex/history.jsonl", false},
+        {u"/home/u/.codex/sessions/2026/11/23/rollout-.jsonl", false},
+        {u"/home/u/.codex/sessions/2026/11/23/notes-rollout-1.jsonl", false},
+        {u"/home/u/proj/rollout-1.jsonl", false},
+        {u"sessions/2026/11/23/rollout-1.jsonl", false},
+        {u"socket:[12345]", false},
+        {u"", false},
+    };
+    for (const auto& c : cases) {
+        EXPECT_EQ(isSessionLogPath(QStringView(c.path)), c.expected)
+            << QString::fromUtf16(c.path).toStdString();
+        EXPECT_EQ(codexHomeOf(QStringView(c.path)), QStringView(c.codexHome))
+            << QString::fromUtf16(c.path).toStdString();
+    }
+}
 
-    [[nodiscard]] QString root() const { return m_dir.filePath(QStringLiteral("proc")); }
-    [[nodiscard]] QString logPath(const char* name) const {
-        return m_dir.filePath(QStringLiteral("codex-home/sessions/") + QString::fromLatin1(name));
-    }
-    void append(const QString& path, const QByteArray& bytes) const {
-        QFile file(path);
-        if (!file.open(QIODevice::WriteOnly | QIODevice::Append) ||
-            file.write(bytes) != bytes.size())
-            qFatal("cannot append to %s", qPrintable(path));
-    }
-    void open(qint64 pid, int fd, const QString& target) const {
-        const QString dir = root() + u'/' + QString::number(pid) + QStringLiteral("/fd");
-        QDir().mkpath(dir);
-        if (!QFile::link(target, dir + u'/' + QString::number(fd)))
-            qFatal("cannot link %s", qPrintable(target));
-    }
-    void close(qint64 pid, int fd) const {
-        QFile::remove(root() + u'/' + QString::number(pid) + QStringLiteral("/fd/") +
-                      QString::number(fd));
-    }
+TEST(SessionLogCache, FollowsEachLogAndForgetsTheUnreferenced) {
+    const LogFile first, second;
+    first.append(sessionMeta(0) + taskStarted(1));
+    second.append(sessionMeta(0) + taskStarted(1) + taskComplete(2));
+    SessionLogCache cache;
+    EXPECT_EQ(cache.stateOf(first.path()).phase, TurnPhase::running);
+    EXPECT_EQ(cache.stateOf(second.path()).phase, TurnPhase::idle);
+    first.append(toolCall(2, "c1"));
+    EXPECT_EQ(cache.stateOf(first.path()).phase, TurnPhase::awaitingToolOutput);
 
-private:
-    QTemporaryDir m_dir{qEnvironmentVariable("BRENVIK_TEST_SCRATCH", QDir::tempPath()) +
-                        QStringLiteral("/proc-XXXXXX")};
-};
+    cache.retainOnly({second.path()});
+    EXPECT_EQ(cache.size(), 1);
+}
 
 DetectedProcessSample execSession(qint64 pid, qint64 holder, int startedSecond) {
     return DetectedProcessSample{.pid = pid,
@@ -59,20 +75,21 @@ protected:
         return states.size() == 1 && states[0] ? std::optional(states[0]->phase) : std::nullopt;
     }
 
-    FakeProc m_proc;
-    const QString m_log = m_proc.logPath("rollout-2026-11-23T13-00-00-S1.jsonl");
-    SessionLogLocator m_locator{m_proc.root()};
+    // PID/fd/N: links to the files a process holds open.
+    ScratchDir m_proc{"proc"};
+    const LogFile m_log;
+    SessionLogLocator m_locator{m_proc.path()};
 };
 
 // codex exec closes its log when its turn is over and may live on, writing
 // its answer: the log it held still tells that the turn is over.
 TEST_F(SessionLogLocatorTest, KeepsTheLogASessionClosedWhileItLives) {
-    m_proc.append(m_log, sessionMeta(0) + taskStarted(1));
-    m_proc.open(101, 44, m_log);
+    m_log.append(sessionMeta(0) + taskStarted(1));
+    m_proc.link(m_log.path(), m_proc.path(101, "fd/44"));
     EXPECT_EQ(phaseOf(execSession(100, 101, 0)), TurnPhase::running);
 
-    m_proc.append(m_log, taskComplete(20));
-    m_proc.close(101, 44);
+    m_log.append(taskComplete(20));
+    QFile::remove(m_proc.path(101, "fd/44"));
     EXPECT_EQ(phaseOf(execSession(100, 101, 0)), TurnPhase::idle);
     EXPECT_EQ(phaseOf(execSession(100, 101, 0)), TurnPhase::idle);
 
@@ -90,15 +107,15 @@ TEST_F(SessionLogLocatorTest, KeepsTheLogASessionClosedWhileItLives) {
 // service holds none for it; where two TUIs share a directory nobody can tell
 // which log is whose, and the log it had is not kept.
 TEST_F(SessionLogLocatorTest, ATerminalSessionHasNoLogBeforeItsFirstTurn) {
-    const QString other = m_proc.logPath("rollout-2026-11-23T12-00-00-S0.jsonl");
-    m_proc.append(other, line(0, "session_meta", R"({"id":"S0","cwd":"/home/u/other"})"));
-    m_proc.open(900, 3, other);
+    const LogFile other("rollout-2026-11-23T12-00-00-S0.jsonl");
+    other.append(line(0, "session_meta", R"({"id":"S0","cwd":"/home/u/other"})"));
+    m_proc.link(other.path(), m_proc.path(900, "fd/3"));
     DetectedProcessSample tui = execSession(100, 900, 0);
     tui.interactive = true;
     EXPECT_EQ(phaseOf(tui), TurnPhase::notStarted);
 
-    m_proc.append(m_log, sessionMeta(0) + taskStarted(1));
-    m_proc.open(900, 44, m_log);
+    m_log.append(sessionMeta(0) + taskStarted(1));
+    m_proc.link(m_log.path(), m_proc.path(900, "fd/44"));
     EXPECT_EQ(phaseOf(tui), TurnPhase::running);
 
     DetectedProcessSample twin = execSession(300, 900, 5);

@@ -3,7 +3,6 @@
 #include "SessionLogTestSupport.h"
 
 #include <gtest/gtest.h>
-#include <sstream>
 
 namespace brenvik {
 namespace {
@@ -32,9 +31,7 @@ SessionLogState readLineByLine(const QList<QByteArray>& lines) {
 // The state as the cases state it: the phase, the line that set it, and the
 // last message after a colon.
 QString brief(const SessionLogState& state) {
-    std::ostringstream phase;
-    PrintTo(state.phase, &phase);
-    QString text = QString::fromStdString(phase.str());
+    QString text = QString::fromStdString(::testing::PrintToString(state.phase));
     if (state.phaseSince)
         text += u'@' + QString::number(timeAt(0).secsTo(*state.phaseSince));
     if (state.lastAgentMessageLine)
@@ -45,149 +42,145 @@ QString brief(const SessionLogState& state) {
 TEST(SessionLogReader, PhaseFollowsTheTurn) {
     const QByteArray outputMentioningClose =
         R"("{\"type\":\"event_msg\",\"payload\":{\"type\":\"task_complete\"}}")";
+    // Each log begins with session_meta, the line of second 0.
     const struct {
         const char* name;
-        QList<QByteArray> lines;
         QString expected;
+        QList<QByteArray> lines;
     } cases[] = {
-        {"session_meta only: no turn yet", {sessionMeta(0)}, u"notStarted@0"_s},
-        {"turn open",
-         {sessionMeta(0), taskStarted(1), userMessage(2, R"("fix it")")},
-         u"running@1"_s},
+        {"session_meta only: no turn yet", u"notStarted@0"_s, {}},
+        {"turn open", u"running@1"_s, {taskStarted(1), userMessage(2, R"("fix it")")}},
         {"tool call without output",
-         {sessionMeta(0), taskStarted(1), toolCall(2, "c1"), tokenCount(3)},
-         u"awaitingToolOutput@2"_s},
+         u"awaitingToolOutput@2"_s,
+         {taskStarted(1), toolCall(2, "c1"), tokenCount(3)}},
         {"output arrives",
-         {sessionMeta(0), taskStarted(1), toolCall(2, "c1"), toolOutput(3, "c1")},
-         u"running@3"_s},
+         u"running@3"_s,
+         {taskStarted(1), toolCall(2, "c1"), toolOutput(3, "c1")}},
         {"parallel calls, one answered, and output of an unknown call",
-         {sessionMeta(0), taskStarted(1), toolCall(2, "c1"), toolCall(3, "c2"), toolOutput(4, "c2"),
-          toolOutput(5, "c9")},
-         u"awaitingToolOutput@2"_s},
+         u"awaitingToolOutput@2"_s,
+         {taskStarted(1), toolCall(2, "c1"), toolCall(3, "c2"), toolOutput(4, "c2"),
+          toolOutput(5, "c9")}},
         {"custom tool call answered, then a local shell call",
-         {sessionMeta(0), taskStarted(1), toolCall(2, "c1", "custom_tool_call"),
+         u"awaitingToolOutput@4"_s,
+         {taskStarted(1), toolCall(2, "c1", "custom_tool_call"),
           toolOutput(3, "c1", R"("ok")", "custom_tool_call_output"),
-          toolCall(4, "c2", "local_shell_call")},
-         u"awaitingToolOutput@4"_s},
+          toolCall(4, "c2", "local_shell_call")}},
         {"task_complete",
-         {sessionMeta(0), taskStarted(1), toolCall(2, "c1"), toolOutput(3, "c1"),
-          taskComplete(4, R"("Fixed the tests.\nAll 12 pass.")")},
-         u"idle@4: Fixed the tests."_s},
+         u"idle@4: Fixed the tests."_s,
+         {taskStarted(1), toolCall(2, "c1"), toolOutput(3, "c1"),
+          taskComplete(4, R"("Fixed the tests.\nAll 12 pass.")")}},
         {"turn_aborted while a call waits",
-         {sessionMeta(0), taskStarted(1), toolCall(2, "c1"), turnAborted(3)},
-         u"idle@3"_s},
+         u"idle@3"_s,
+         {taskStarted(1), toolCall(2, "c1"), turnAborted(3)}},
         {"agent_message kept when task_complete has none",
-         {sessionMeta(0), taskStarted(1),
-          agentMessage(2, R"("\n  Done: \u00e9t\u00e9 \ud83d\ude00\n")"), taskComplete(3)},
-         u"idle@3: Done: été 😀"_s},
+         u"idle@3: Done: été 😀"_s,
+         {taskStarted(1), agentMessage(2, R"("\n  Done: \u00e9t\u00e9 \ud83d\ude00\n")"),
+          taskComplete(3)}},
         {"a new turn forgets the last message",
-         {sessionMeta(0), taskStarted(1), taskComplete(2, R"("old")"), taskStarted(3, "T2")},
-         u"running@3"_s},
+         u"running@3"_s,
+         {taskStarted(1), taskComplete(2, R"("old")"), taskStarted(3, "T2")}},
         {"long message cut to 120 characters",
-         {sessionMeta(0), taskStarted(1), taskComplete(2, '"' + QByteArray(200, 'x') + '"')},
-         u"idle@2: "_s + QString(119, u'x') + u'…'},
+         u"idle@2: "_s + QString(119, u'x') + u'…',
+         {taskStarted(1), taskComplete(2, '"' + QByteArray(200, 'x') + '"')}},
         {"old Codex: no task_started",
-         {sessionMeta(0), userMessage(1, R"("hi")"), toolCall(2, "c1"), toolOutput(3, "c1"),
-          agentMessage(4, R"("Hello")")},
-         u"unknown: Hello"_s},
+         u"unknown: Hello"_s,
+         {userMessage(1, R"("hi")"), toolCall(2, "c1"), toolOutput(3, "c1"),
+          agentMessage(4, R"("Hello")")}},
         {"task_complete inside a tool output and a user message",
-         {sessionMeta(0), taskStarted(1), toolCall(2, "c1"),
-          toolOutput(3, "c1", outputMentioningClose),
-          userMessage(4, R"("\"type\":\"task_complete\"")")},
-         u"running@3"_s},
+         u"running@3"_s,
+         {taskStarted(1), toolCall(2, "c1"), toolOutput(3, "c1", outputMentioningClose),
+          userMessage(4, R"("\"type\":\"task_complete\"")")}},
         {"resumed after a crash: the new turn supersedes the orphan",
-         {sessionMeta(0), taskStarted(1), toolCall(2, "c1"), taskStarted(3, "T2")},
-         u"running@3"_s},
+         u"running@3"_s,
+         {taskStarted(1), toolCall(2, "c1"), taskStarted(3, "T2")}},
         {"replay marker after an open turn",
-         {sessionMeta(0), taskStarted(1), toolCall(2, "c1"), sessionMeta(3, "S0"), tokenCount(4)},
-         u"idle@3"_s},
+         u"idle@3"_s,
+         {taskStarted(1), toolCall(2, "c1"), sessionMeta(3, "S0"), tokenCount(4)}},
         {"replay marker, then a live turn",
-         {sessionMeta(0), taskStarted(1), sessionMeta(2, "S0"), taskStarted(3, "T2"),
-          toolCall(4, "c1")},
-         u"awaitingToolOutput@4"_s},
-        {"replay marker in an old log",
-         {sessionMeta(0), sessionMeta(1, "S0"), toolCall(2, "c1")},
-         u"unknown"_s},
+         u"awaitingToolOutput@4"_s,
+         {taskStarted(1), sessionMeta(2, "S0"), taskStarted(3, "T2"), toolCall(4, "c1")}},
+        {"replay marker in an old log", u"unknown"_s, {sessionMeta(1, "S0"), toolCall(2, "c1")}},
     };
     const SessionMeta meta{u"S1"_s, u"/home/u/proj"_s, u"codex-tui"_s, u"0.169.0"_s};
     for (const auto& c : cases) {
-        const SessionLogState whole = readWhole(c.lines);
+        const QList<QByteArray> lines = QList{sessionMeta(0)} + c.lines;
+        const SessionLogState whole = readWhole(lines);
         EXPECT_EQ(brief(whole), c.expected) << c.name;
         EXPECT_EQ(whole.meta, meta) << c.name;
-        EXPECT_EQ(readLineByLine(c.lines), whole) << c.name << ": read line by line";
+        EXPECT_EQ(readLineByLine(lines), whole) << c.name << ": read line by line";
     }
 }
 
-// Logs of the real Codex CLI, cut after each stage. "exec": `codex exec`
-// 0.169.0, resumed three times, the third run killed while its command ran.
-// "tui": the TUI asks to approve a command, then is interrupted (Esc) during
-// one, quits, and is resumed for one more turn. "0.130": two TUI turns, the
-// second a message and a tool call in one response. "0.80": the same turn
-// from `codex exec` 0.80.0, which writes no turn events.
+// Logs of the real Codex CLI, cut after each stage (by its line count).
+// `codex exec` 0.169.0, resumed three times: turn started (2), command
+// requested (10), command ended with its output not yet written (12), output
+// written (13), turn complete (19), resumed with settings applied (20), killed
+// while its command ran (41), resumed again for a new turn (43), last turn
+// complete (56). The TUI 0.169.0 asks to approve a command (11), approved and
+// turn complete (19), then is interrupted (Esc) during one (30), quits, is
+// resumed (32) for one more turn that runs its command (38) and completes
+// (47). The TUI 0.130.0: first answer written (11), turn complete (12); in
+// the second turn a message and a tool call in one response (20), the final
+// answer before the turn is complete (26), complete (27). `codex exec` 0.80.0
+// writes no turn events: context written but no prompt yet (4), prompt (5),
+// response opened (7), a message before a tool call (9), tool call (11), tool
+// output (12), next response opened (14), final answer before the response
+// is complete (16), response complete (17).
 TEST(SessionLogReader, RealLogsAtEachStage) {
-    const QList<QByteArray> exec = readFixture("rollout-resumed-0.169.0.jsonl").split('\n');
-    const QList<QByteArray> tui = readFixture("rollout-tui-0.169.0.jsonl").split('\n');
-    const QList<QByteArray> tui130 = readFixture("rollout-tui-0.130.0.jsonl").split('\n');
-    const QList<QByteArray> exec80 = readFixture("rollout-exec-0.80.0.jsonl").split('\n');
-    // "phase tokens model": the session's total ("-" for none yet), and the model
-    // a turn_context has named.
     const struct {
-        const char* name;
-        const QList<QByteArray>& lines;
-        int lineCount;
-        const char* expected;
-    } stages[] = {
-        {"exec: turn started", exec, 2, "running -"},
-        {"exec: command requested", exec, 10, "awaitingToolOutput - mock-model"},
-        {"exec: command ended, no output yet", exec, 12, "awaitingToolOutput - mock-model"},
-        {"exec: output written", exec, 13, "running - mock-model"},
-        {"exec: turn complete", exec, 19, "idle 30 mock-model"},
-        {"exec: resumed, settings applied", exec, 20, "idle 30 mock-model"},
-        {"exec: killed while its command ran", exec, 41, "awaitingToolOutput 60 mock-model"},
-        {"exec: resumed again, a new turn", exec, 43, "running 60 mock-model"},
-        {"exec: last turn complete", exec, 56, "idle 90 mock-model"},
-        {"tui: approval asked", tui, 11, "awaitingToolOutput - mock-model"},
-        {"tui: approved, turn complete", tui, 19, "idle 30 mock-model"},
-        {"tui: interrupted during a command", tui, 30, "idle 45 mock-model"},
-        {"tui: resumed", tui, 32, "idle 45 mock-model"},
-        {"tui: resumed turn running its command", tui, 38, "awaitingToolOutput 45 mock-model"},
-        {"tui: resumed turn complete", tui, 47, "idle 75 mock-model"},
-        {"0.130: first answer written", tui130, 11, "running 2 mock-model"},
-        {"0.130: turn complete", tui130, 12, "idle 2 mock-model"},
-        {"0.130: tool call after a message", tui130, 20, "awaitingToolOutput 2 mock-model"},
-        {"0.130: final answer, turn not yet complete", tui130, 26, "running 6 mock-model"},
-        {"0.130: second turn complete", tui130, 27, "idle 6 mock-model"},
-        {"0.80: context written, no prompt yet", exec80, 4, "notStarted -"},
-        {"0.80: prompt", exec80, 5, "running -"},
-        {"0.80: response opened", exec80, 7, "running - mock-model"},
-        {"0.80: a message before a tool call", exec80, 9, "running - mock-model"},
-        {"0.80: tool call", exec80, 11, "awaitingToolOutput 2 mock-model"},
-        {"0.80: tool output", exec80, 12, "running 2 mock-model"},
-        {"0.80: next response opened", exec80, 14, "running 2 mock-model"},
-        {"0.80: final answer, response not yet complete", exec80, 16, "running 2 mock-model"},
-        {"0.80: response complete", exec80, 17, "idle 4 mock-model"},
+        const char* fixture;
+        const char16_t* originator;
+        int modelFrom; // the stage from which a turn_context has named the model
+        // "LINES: PHASE[, TOKENS tokens]": the log cut after LINES lines, and
+        // the session's total tokens once there are any.
+        std::vector<const char*> stages;
+    } logs[] = {
+        {"rollout-resumed-0.169.0.jsonl",
+         u"codex_exec",
+         10,
+         {"2: running", "10: awaitingToolOutput", "12: awaitingToolOutput", "13: running",
+          "19: idle, 30 tokens", "20: idle, 30 tokens", "41: awaitingToolOutput, 60 tokens",
+          "43: running, 60 tokens", "56: idle, 90 tokens"}},
+        {"rollout-tui-0.169.0.jsonl",
+         u"codex-tui",
+         0,
+         {"11: awaitingToolOutput", "19: idle, 30 tokens", "30: idle, 45 tokens",
+          "32: idle, 45 tokens", "38: awaitingToolOutput, 45 tokens", "47: idle, 75 tokens"}},
+        {"rollout-tui-0.130.0.jsonl",
+         u"codex-tui",
+         0,
+         {"11: running, 2 tokens", "12: idle, 2 tokens", "20: awaitingToolOutput, 2 tokens",
+          "26: running, 6 tokens", "27: idle, 6 tokens"}},
+        {"rollout-exec-0.80.0.jsonl",
+         u"codex_exec",
+         7,
+         {"4: notStarted", "5: running", "7: running", "9: running",
+          "11: awaitingToolOutput, 2 tokens", "12: running, 2 tokens", "14: running, 2 tokens",
+          "16: running, 2 tokens", "17: idle, 4 tokens"}},
     };
-    for (const auto& stage : stages) {
-        const LogFile log;
-        log.append(stage.lines.first(stage.lineCount).join('\n') + '\n');
-        const SessionLogState state = SessionLogReader(log.path()).update();
-        std::ostringstream phase;
-        PrintTo(state.phase, &phase);
-        EXPECT_EQ(QString::fromStdString(phase.str()) + u' ' +
-                      (state.tokens ? QString::number(state.tokens->totalTokens) : u"-"_s) +
-                      (state.model ? u' ' + *state.model : QString()),
-                  QString::fromLatin1(stage.expected))
-            << stage.name;
-        ASSERT_TRUE(state.meta) << stage.name;
-        EXPECT_EQ(state.meta->originator,
-                  &stage.lines == &tui || &stage.lines == &tui130 ? u"codex-tui" : u"codex_exec")
-            << stage.name;
-        EXPECT_EQ(state.meta->cwd, u"/tmp/codexrun/proj") << stage.name;
-        EXPECT_FALSE(state.rateLimits) << stage.name; // the fake sent no limits
+    for (const auto& log : logs) {
+        const QList<QByteArray> lines = readFixture(log.fixture).split('\n');
+        for (const char* stage : log.stages) {
+            SCOPED_TRACE(std::string(log.fixture) + ' ' + stage);
+            const int lineCount = QByteArray(stage).split(':').first().toInt();
+            const LogFile file;
+            file.append(lines.first(lineCount).join('\n') + '\n');
+            const SessionLogState state = SessionLogReader(file.path()).update();
+            std::string brief =
+                std::to_string(lineCount) + ": " + ::testing::PrintToString(state.phase);
+            if (state.tokens)
+                brief += ", " + std::to_string(state.tokens->totalTokens) + " tokens";
+            EXPECT_EQ(brief, stage);
+            ASSERT_TRUE(state.meta);
+            EXPECT_EQ(state.meta->originator, log.originator);
+            EXPECT_EQ(state.meta->cwd, u"/tmp/codexrun/proj");
+            EXPECT_EQ(state.model,
+                      lineCount >= log.modelFrom ? std::optional(u"mock-model"_s) : std::nullopt);
+            EXPECT_FALSE(state.rateLimits); // the fake sent no limits
+        }
     }
-
     const LogFile log;
-    log.append(tui.join('\n'));
+    log.append(readFixture("rollout-tui-0.169.0.jsonl"));
     EXPECT_EQ(SessionLogReader(log.path()).update().lastAgentMessageLine,
               u"All done: the \"task_complete\" check passed.");
 }
@@ -209,6 +202,101 @@ TEST(SessionLogReader, IncrementalReadsMatchAFreshRead) {
             }
             EXPECT_EQ(reader.update().phase, TurnPhase::idle) << fixture << ", step " << step;
         }
+    }
+}
+
+QByteArray info(const QByteArray& total, const QByteArray& last, const QByteArray& window) {
+    return R"({"total_token_usage":{"input_tokens":1,"total_tokens":)" + total +
+           R"(},"last_token_usage":{"total_tokens":)" + last + R"(},"model_context_window":)" +
+           window + "}";
+}
+
+QByteArray limits(const QByteArray& primary, const QByteArray& secondary = "null",
+                  const QByteArray& rest = R"("plan_type":"plus","rate_limit_reached_type":null)") {
+    return R"({"limit_id":"codex","primary":)" + primary + R"(,"secondary":)" + secondary +
+           R"(,"credits":null,)" + rest + "}";
+}
+
+// The figures as the cases state them.
+std::string figures(const SessionLogState& state) {
+    QString text;
+    if (state.tokens) {
+        text += QString::number(state.tokens->totalTokens) + u" tokens";
+        if (const auto left = contextLeftPercent(*state.tokens))
+            text += u", " + QString::number(*left) + u"% left";
+    }
+    if (state.rateLimits) {
+        const auto window = [](const std::optional<RateLimitWindow>& w) -> QString {
+            if (!w)
+                return QStringLiteral("-");
+            return QString::number(w->usedPercent) + u'/' +
+                   (w->windowMinutes ? QString::number(*w->windowMinutes) : u"?"_qs) + u'/' +
+                   (w->resetsAt ? QString::number(w->resetsAt->toSecsSinceEpoch()) : u"?"_qs);
+        };
+        text += u" limits " + window(state.rateLimits->primary) + u' ' +
+                window(state.rateLimits->secondary) + u' ' + state.rateLimits->planType + u' ' +
+                state.rateLimits->reachedType + u'@' +
+                QString::number(timeAt(0).secsTo(state.rateLimits->observedAt));
+    }
+    return text.toStdString();
+}
+
+// Each case's figures follow figures that parse (100 tokens of 1000, 5 h at
+// 10 %): what does not parse leaves those standing.
+TEST(UsageFigures, HostileAndRealFigures) {
+    const QByteArray good =
+        tokenCount(2, info("100", "100", "1000"),
+                   limits(R"({"used_percent":10,"window_minutes":300,"resets_at":1900000000})"));
+    const std::string before = "100 tokens, 90% left limits 10/300/1900000000 - plus @2";
+    const QByteArray primary42 =
+        R"({"used_percent":42.5,"window_minutes":300,"resets_at":1900000100})";
+    const struct {
+        const char* name;
+        QByteArray line;
+        std::string expected;
+    } cases[] = {
+        {"both figures",
+         tokenCount(3, info("500", "250", "1000"),
+                    limits(primary42,
+                           R"({"used_percent":13,"window_minutes":10080,"resets_at":1900500000})",
+                           R"("plan_type":"pro","rate_limit_reached_type":"rate_limit_reached")")),
+         "500 tokens, 75% left limits 42.5/300/1900000100 13/10080/1900500000 pro "
+         "rate_limit_reached@3"},
+        {"response opened: info null, no windows", tokenCount(3, "null", limits("null")), before},
+        {"no window: unknown context", tokenCount(3, info("7", "7", "null"), limits("null")),
+         "7 tokens limits 10/300/1900000000 - plus @2"},
+        {"context beyond the window", tokenCount(3, info("9", "5000", "1000"), "null"),
+         "9 tokens, 0% left limits 10/300/1900000000 - plus @2"},
+        {"window without reset time or length",
+         tokenCount(3, "null", limits(R"({"used_percent":96})")),
+         "100 tokens, 90% left limits 96/?/? - plus @3"},
+        {"tokens as strings", tokenCount(3, info(R"("5")", "5", "1000"), "null"), before},
+        {"negative tokens", tokenCount(3, info("-5", "5", "1000"), "null"), before},
+        {"fractional tokens", tokenCount(3, info("5.5", "5", "1000"), "null"), before},
+        {"huge tokens", tokenCount(3, info("1e300", "5", "1000"), "null"), before},
+        {"zero window", tokenCount(3, info("5", "5", "0"), "null"), before},
+        {"total missing", tokenCount(3, R"({"last_token_usage":{"total_tokens":1}})", "null"),
+         before},
+        {"info an array", tokenCount(3, "[1,2]", "null"), before},
+        {"percent as a string",
+         tokenCount(3, "null", limits(R"({"used_percent":"42","window_minutes":300})")), before},
+        {"percent over 100", tokenCount(3, "null", limits(R"({"used_percent":1e9})")), before},
+        {"percent null", tokenCount(3, "null", limits(R"({"used_percent":null})")), before},
+        {"percent NaN", tokenCount(3, "null", limits(R"({"used_percent":NaN})")), before},
+        {"reset time huge", tokenCount(3, "null", limits(R"({"used_percent":5,"resets_at":1e30})")),
+         before},
+        {"window minutes negative",
+         tokenCount(3, "null", limits(R"({"used_percent":5,"window_minutes":-300})")), before},
+        {"one good window, one broken",
+         tokenCount(3, "null", limits(primary42, R"({"used_percent":true})")), before},
+        {"rate_limits a string", tokenCount(3, "null", R"("full")"), before},
+        {"payload cut off", tokenCount(3, info("5", "5", "1000"), "null").chopped(10) + "\n",
+         before},
+    };
+    for (const auto& c : cases) {
+        const QList<QByteArray> lines{sessionMeta(0), taskStarted(1), good, c.line};
+        EXPECT_EQ(figures(readWhole(lines)), c.expected) << c.name;
+        EXPECT_EQ(figures(readLineByLine(lines)), c.expected) << c.name << ", read line by line";
     }
 }
 

@@ -110,9 +110,6 @@ TEST(SessionLogRobustness, HostileLogs) {
                         toolOutput(4, "c1"));
          },
          TurnPhase::running},
-        {"replayed history ends in an open turn", kOpenTurn,
-         [](const LogFile& log) { log.append(sessionMeta(3, "S0") + tokenCount(4)); },
-         TurnPhase::idle},
         {"last turn event beyond the look-back", kOpenTurn,
          [](const LogFile& log) {
              QByteArray filler;
@@ -187,25 +184,14 @@ TEST(SessionLogRobustness, ArbitraryLinesNeverBreakTheScanner) {
         toolOutput(2, "c1", R"({"a":[1,{"b":null}],"c":-1.5e3})").chopped(1),
         agentMessage(3, R"("\u12")").chopped(1),
     };
-    std::mt19937 random(20261123);
-    const auto below = [&](int n) { return int(random() % unsigned(n)); };
-    for (int i = 0; i < 40000; ++i) {
-        QByteArray input = seeds[below(int(std::size(seeds)))];
-        for (int edits = 1 + below(4); edits > 0 && !input.isEmpty(); --edits) {
-            const int at = below(int(input.size()));
-            const char byte = char(i % 3 == 0 ? below(256) : R"("{}[]:,\u)"[below(9)]);
-            if (below(2) == 0)
-                input[at] = byte;
-            else
-                input.truncate(at);
-        }
+    fuzz(seeds, R"("{}[]:,\u)", 40000, [](const QByteArray& input, int i) {
         const LogLineEvent event = scanLogLine(input, i % 5 == 0);
         for (const QByteArrayView field : {event.timestamp, event.callId, event.message, event.cwd})
             ASSERT_TRUE(field.isEmpty() || (field.data() >= input.constData() &&
                                             field.data() + field.size() <= input.constEnd()))
                 << input.toHex().constData();
         (void)jsonStringText(event.message);
-    }
+    });
 }
 
 } // namespace

@@ -1,11 +1,10 @@
 #pragma once
 
+#include "../detection/DetectionTestSupport.h"
 #include "sessionlog/SessionLogState.h"
 
 #include <QByteArray>
-#include <QDir>
 #include <QFile>
-#include <QTemporaryDir>
 #include <ostream>
 
 namespace brenvik {
@@ -26,6 +25,8 @@ inline void PrintTo(const SessionLogState& state, std::ostream* out) {
 }
 
 namespace test {
+
+using namespace Qt::StringLiterals;
 
 // Rollout lines shaped as Codex 0.169.0 writes them, with their long values
 // left out. Line `second` carries the timestamp 13:00:<second>.
@@ -88,43 +89,31 @@ inline QByteArray userMessage(int second, const QByteArray& textJson) {
                 R"({"type":"message","role":"user","content":[{"type":"input_text","text":)" +
                     textJson + "}]}");
 }
-inline QByteArray tokenCount(int second) {
+inline QByteArray
+tokenCount(int second, const QByteArray& info = R"({"total_token_usage":{"input_tokens":10}})",
+           const QByteArray& rateLimits = "null") {
     return line(second, "event_msg",
-                R"({"type":"token_count","info":{"total_token_usage":{"input_tokens":10}}})");
+                R"({"type":"token_count","info":)" + info + R"(,"rate_limits":)" + rateLimits +
+                    "}");
 }
 
-// A log file in a private temporary folder, written the way Codex writes it.
+// A log file in a private scratch folder, written the way Codex writes it.
 class LogFile {
 public:
     explicit LogFile(const char* name = "rollout-2026-11-23T13-00-00-S1.jsonl")
-        : m_path(m_dir.filePath(QString::fromLatin1(name))) {}
+        : m_path(m_dir.path(u"sessions/"_s + QLatin1StringView(name))) {}
 
     [[nodiscard]] const QString& path() const { return m_path; }
-
-    void append(const QByteArray& bytes) const {
-        QFile file(m_path);
-        if (!file.open(QIODevice::WriteOnly | QIODevice::Append) ||
-            file.write(bytes) != bytes.size())
-            qFatal("cannot append to %s", qPrintable(m_path));
-    }
+    void append(const QByteArray& bytes) const { m_dir.write(m_path, bytes, true); }
     // Replaces the file by another one (a new inode), as a rotation does.
     void replace(const QByteArray& bytes) const {
-        const QString next = m_path + u".next";
-        QFile file(next);
-        if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size())
-            qFatal("cannot write %s", qPrintable(next));
-        file.close();
         QFile::remove(m_path);
-        QFile::rename(next, m_path);
+        QFile::rename(m_dir.write(m_path + u".next", bytes), m_path);
     }
     void truncate(qint64 size) const { QFile::resize(m_path, size); }
 
 private:
-    static QString scratch() {
-        return qEnvironmentVariable("BRENVIK_TEST_SCRATCH", QDir::tempPath()) +
-               QStringLiteral("/sessions-XXXXXX");
-    }
-    QTemporaryDir m_dir{scratch()};
+    ScratchDir m_dir{"sessions"};
     QString m_path;
 };
 
