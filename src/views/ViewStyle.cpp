@@ -120,8 +120,9 @@ StyledLabel::StyledLabel(TextStyle style, FontWeight weight, NamedColor color, Q
     , m_color(color) {
     setFont(styledFont(style, weight));
     setTextFormat(Qt::PlainText);
-    applyColor();
-    onWidgetEvent(this, QEvent::PaletteChange, [this] { applyColor(); });
+    // Its own setPalette() calls come back as palette changes: one guard for both.
+    m_applyColor = onWidgetEvent(this, QEvent::PaletteChange, [this] { applyColor(); });
+    m_applyColor();
 }
 
 StyledLabel::StyledLabel(TextStyle style, NamedColor color, QWidget* parent)
@@ -131,7 +132,7 @@ void StyledLabel::setColor(NamedColor color) {
     if (color == m_color)
         return;
     m_color = color;
-    applyColor();
+    m_applyColor();
 }
 
 void StyledLabel::setMaximumLines(int lines) {
@@ -203,8 +204,7 @@ StyledButton::StyledButton(const QString& text, Kind kind, QWidget* parent)
     // As on other desktops' utility windows: Tab reaches buttons, clicks do
     // not leave a focus ring behind.
     setFocusPolicy(Qt::TabFocus);
-    applyPalette();
-    onWidgetEvent(this, QEvent::PaletteChange, [this] { applyPalette(); });
+    onWidgetEvent(this, QEvent::PaletteChange, [this] { applyPalette(); })();
 }
 
 void StyledButton::applyPalette() {

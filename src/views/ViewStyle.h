@@ -5,6 +5,7 @@
 #include <QLabel>
 #include <QPalette>
 #include <QPushButton>
+#include <functional>
 
 class QScrollBar;
 
@@ -62,6 +63,7 @@ private:
     void applyColor();
 
     NamedColor m_color;
+    std::function<void()> m_applyColor; // applyColor() behind the palette-change guard
 };
 
 // One line of text that ends in "…" when it does not fit; the whole text is

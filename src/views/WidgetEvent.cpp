@@ -15,13 +15,18 @@ public:
         widget->installEventFilter(this);
     }
 
+    void react() {
+        if (m_reacting)
+            return;
+        m_reacting = true;
+        m_react();
+        m_reacting = false;
+    }
+
 protected:
     bool eventFilter(QObject*, QEvent* event) override {
-        if (event->type() == m_type && !m_reacting) {
-            m_reacting = true;
-            m_react();
-            m_reacting = false;
-        }
+        if (event->type() == m_type)
+            react();
         return false;
     }
 
@@ -33,8 +38,11 @@ private:
 
 } // namespace
 
-void onWidgetEvent(QWidget* widget, QEvent::Type type, std::function<void()> react) {
-    new WidgetEventFilter(widget, type, std::move(react));
+std::function<void()> onWidgetEvent(QWidget* widget, QEvent::Type type,
+                                    std::function<void()> react) {
+    // Owned by the widget, which alone calls what is returned.
+    auto* filter = new WidgetEventFilter(widget, type, std::move(react));
+    return [filter] { filter->react(); };
 }
 
 } // namespace brenvik
