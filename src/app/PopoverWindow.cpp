@@ -84,8 +84,8 @@ bool PopoverWindow::event(QEvent* event) {
     if (event->type() == QEvent::Hide)
         m_sinceClosed.start();
     // No popup grab tells it about clicks elsewhere: losing the focus does.
-    else if (event->type() == QEvent::ActivationChange && placedByDesktop() && isVisible() &&
-             !isActiveWindow())
+    if (event->type() == QEvent::ActivationChange && placedByDesktop() && isVisible() &&
+        !isActiveWindow())
         hide();
     return handled;
 }

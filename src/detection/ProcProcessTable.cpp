@@ -204,11 +204,17 @@ bool ProcProcessTableSource::learn(Known& known, int pidDirectory, qint64 ppid, 
 }
 
 ObservedProcess ProcProcessTableSource::rowOf(qint64 pid, const Known& known, double cpuPercent) {
-    // In the order ObservedProcess declares them.
-    return {pid,           known.ppid,      stateText(known.state),
-            cpuPercent,    known.cpuTime,   known.command,
-            known.lowered, known.arguments, known.executable,
-            known.cwd,     known.startedAt};
+    return {.pid = pid,
+            .ppid = known.ppid,
+            .state = stateText(known.state),
+            .cpuPercent = cpuPercent,
+            .cpuTime = known.cpuTime,
+            .command = known.command,
+            .loweredCommand = known.lowered,
+            .arguments = known.arguments,
+            .executable = known.executable,
+            .cwd = known.cwd,
+            .startedAt = known.startedAt};
 }
 
 void ProcProcessTableSource::readDetails(Known& known, int pidDirectory, quint64 startTimeTicks) {

@@ -69,11 +69,13 @@ QString unescapeString(QStringView value) {
             continue;
         }
         const QChar next = value[++i];
+        if (next == u's') { // a space, read though never written
+            plain += QLatin1Char(' ');
+            continue;
+        }
         const auto* escape = std::find_if(std::begin(kStringEscapes), std::end(kStringEscapes),
                                           [next](const auto& e) { return e.second == next; });
-        if (next == u's') // a space, read though never written
-            plain += QLatin1Char(' ');
-        else if (escape != std::end(kStringEscapes))
+        if (escape != std::end(kStringEscapes))
             plain += QChar(escape->first);
         else // not an escape of the string type: keep it for the Exec rules
             plain.append(c).append(next);
