@@ -63,7 +63,6 @@ stop() { # stop PID: ends a helper and waits for it
 }
 
 # --- looking at windows ----------------------------------------------------------
-first_window() { app_windows "$@" | head -n1 | grep .; } # first_window TITLE [MIN_W MAX_W]
 # The control panel (at least 420 wide), the tray icon (our small window inside
 # the tray host), the popover and the right-click menu.
 panel_window() { first_window Brenvik 420; }
@@ -109,10 +108,9 @@ click_icon() { # click_icon BUTTON
 # while the window manager is still busy with a window just activated can get
 # lost; a person would click again, and so do we.
 choose_from_menu() { # choose_from_menu first|last
-    local attempt menu
+    local attempt
     for attempt in 1 2 3; do
-        click_icon 3
-        wait_until 5 eval 'menu=$(first_window "Brenvik Menu")' && click_menu_item "$menu" "$1" && return 0
+        choose_from_tray_menu "$(icon_window)" "$1" && return 0
     done
     return 1
 }

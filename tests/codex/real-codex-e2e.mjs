@@ -198,8 +198,8 @@ const env = {
 
 function options() {
   const [text, flag] = [{ type: "string" }, { type: "boolean" }];
-  const spec = { "brenvik-status": text, brenvik: text, "codex-cache": text, record: text, timeline: flag, keep: flag, only: text };
-  const o = tryOr(() => parseArgs({ options: spec }).values, null) ?? fatal("unknown or incomplete arguments (see the usage at the top)");
+  const known = { "brenvik-status": text, brenvik: text, "codex-cache": text, record: text, timeline: flag, keep: flag, only: text };
+  const o = tryOr(() => parseArgs({ options: known }).values, null) ?? fatal("unknown or incomplete arguments (see the usage at the top)");
   o["brenvik-status"] ??= process.env.BRENVIK_STATUS ?? fatal("give the brenvik-status to test with --brenvik-status PATH");
   return { ...o, only: o.only?.split(",") };
 }

@@ -119,8 +119,8 @@ start "$dir/focus.log" sh -c 'xprop -spy -root _NET_ACTIVE_WINDOW _NET_CURRENT_D
     while read -r line; do echo "$(date +%T.%N) $line"; done'
 e2e_report_logs+=(focus)
 # Ours: the control panel (at least 420 wide) and the tray icon (at most 64).
-panel_shown() { panel=$(app_windows Brenvik 420 | head -n1) && [[ -n $panel ]]; }
-icon_shown() { icon=$(app_windows Brenvik 5 64 | head -n1) && [[ -n $icon ]]; }
+panel_shown() { panel=$(first_window Brenvik 420); }
+icon_shown() { icon=$(first_window Brenvik 5 64); }
 wait_until 30 panel_shown || fail "no control panel"
 wait_until 30 icon_shown || fail "no tray icon"
 # The pixels of a window within 40 of colour R G B, as "X Y" lines relative to it.
@@ -189,11 +189,7 @@ arrived "a double click on its row"
 elsewhere
 # A click that lands while the window manager is busy can get lost: again, as a person would.
 went_by_menu() {
-    local w h x y menu
-    read -r w h x y < <(window_geometry "$icon")
-    xdotool mousemove $((x + w / 2)) $((y + h / 2)) click 3
-    wait_until 5 sh -c "xdotool search --onlyvisible --name '^Brenvik Menu\$' >'$dir/menu'" || return 1
-    click_menu_item "$(head -n1 "$dir/menu")" first || return 1
+    choose_from_tray_menu "$icon" first || return 1
     wait_until 10 sh -c "[ \"\$(xdotool getactivewindow 2>/dev/null)\" = $xt1 ]"
 }
 went_by_menu || { xdotool key Escape; elsewhere; went_by_menu; } || fail "its tray menu item did not go there"

@@ -91,6 +91,8 @@ app_windows() { # app_windows TITLE [MIN_W MAX_W]
     done
     return 0
 }
+# The first of them: first_window TITLE [MIN_W MAX_W]
+first_window() { app_windows "$@" | head -n1 | grep .; }
 # "X Y R G B" of each pixel of a rectangle of the screen (W H X Y), X and Y within it.
 screen_pixels() {
     import -window root -crop "${1}x${2}+${3}+${4}" +repage -depth 8 txt:- 2>/dev/null |
@@ -113,6 +115,13 @@ click_menu_item() { # click_menu_item WINDOW first|last
         $3 + $4 + $5 < 120 { if (n++ == 0 || (last ? $2 > y : $2 < y)) y = $2 } END { if (n) print y }')
     [[ -n $row ]] || return 1
     xdotool mousemove $((x + w / 2)) $((y + row + offset)) click 1
+}
+# Right-clicks the tray icon ICON and clicks the first or last item of its menu.
+choose_from_tray_menu() { # choose_from_tray_menu ICON first|last
+    local w h x y menu
+    read -r w h x y < <(window_geometry "$1") || return 1
+    xdotool mousemove $((x + w / 2)) $((y + h / 2)) click 3
+    wait_until 5 eval 'menu=$(first_window "Brenvik Menu")' && click_menu_item "$menu" "$2"
 }
 # Gone, or a zombie waiting for its parent.
 process_ended() { [[ ! -e /proc/$1 ]] || grep -q '^State:[[:space:]]*Z' "/proc/$1/status"; }
