@@ -184,18 +184,19 @@ ProcProcessTableSource::ProcProcessTableSource(QString procRoot, SteadyClock clo
 
 bool ProcProcessTableSource::learn(Known& known, int pidDirectory, qint64 ppid, QByteArrayView comm,
                                    quint64 startTimeTicks, QString command) {
-    known.command = std::move(command);
+    ObservedProcess& row = known.row;
+    row.command = std::move(command);
     // Kept with the process: recognition reads it lower-cased, and only a
     // line that mentions Codex is worth lowering.
-    const bool mentionsCodex = mayMentionCodex(known.command);
-    known.lowered = mentionsCodex ? lowerCasedCommand(known.command) : QString();
+    const bool mentionsCodex = mayMentionCodex(row.command);
+    row.loweredCommand = mentionsCodex ? lowerCasedCommand(row.command) : QString();
     known.comm = comm.toByteArray();
-    known.executable.clear();
-    known.cwd.clear();
-    known.startedAt.reset();
+    row.executable.clear();
+    row.cwd.clear();
+    row.startedAt.reset();
     const auto parent = m_known.constFind(ppid);
     const bool parentIsCodex = parent != m_known.cend() && parent->isCodex;
-    const bool mayBeCodex = mentionsCodex && codexRole(known.lowered) != CodexRole::none;
+    const bool mayBeCodex = mentionsCodex && codexRole(row.loweredCommand) != CodexRole::none;
     known.isCodex = mayBeCodex;
     if (!mayBeCodex && !parentIsCodex && !commLooksLikeCodex(comm))
         return false;
@@ -203,25 +204,11 @@ bool ProcProcessTableSource::learn(Known& known, int pidDirectory, qint64 ppid, 
     return true;
 }
 
-ObservedProcess ProcProcessTableSource::rowOf(qint64 pid, const Known& known, double cpuPercent) {
-    return {.pid = pid,
-            .ppid = known.ppid,
-            .state = stateText(known.state),
-            .cpuPercent = cpuPercent,
-            .cpuTime = known.cpuTime,
-            .command = known.command,
-            .loweredCommand = known.lowered,
-            .arguments = known.arguments,
-            .executable = known.executable,
-            .cwd = known.cwd,
-            .startedAt = known.startedAt};
-}
-
 void ProcProcessTableSource::readDetails(Known& known, int pidDirectory, quint64 startTimeTicks) {
-    known.executable = readLink(pidDirectory, "exe");
-    known.cwd = readLink(pidDirectory, "cwd");
-    known.isCodex = known.isCodex || isCodexExecutable(known.executable);
-    known.startedAt = startTimeOf(startTimeTicks);
+    known.row.executable = readLink(pidDirectory, "exe");
+    known.row.cwd = readLink(pidDirectory, "cwd");
+    known.isCodex = known.isCodex || isCodexExecutable(known.row.executable);
+    known.row.startedAt = startTimeOf(startTimeTicks);
 }
 
 std::optional<QDateTime> ProcProcessTableSource::startTimeOf(quint64 startTimeTicks) const {
@@ -331,7 +318,7 @@ QList<ObservedProcess> ProcProcessTableSource::snapshot() {
             m_reRead.keepsRow(seen.key(), seen->isKernelThread,
                               m_ofInterest.contains(seen.key()))) {
             seen->generation = generation;
-            rows.append(rowOf(seen.key(), *seen, 0.0));
+            rows.append(seen->row);
             continue;
         }
         const auto stat = readStat(::dirfd(dir.get()), entry->d_name, statBuffer);
@@ -345,19 +332,13 @@ QList<ObservedProcess> ProcProcessTableSource::snapshot() {
         const bool zombie = stat->state == 'Z';
         if (zombie) {
             // It ran its course: nothing it was may be counted any more.
-            const Known dead{.startTimeTicks = stat->startTimeTicks,
-                             .comm = stat->comm.toByteArray(),
-                             .command = u'[' + QString::fromUtf8(stat->comm) +
-                                        QStringLiteral("] <defunct>"),
-                             .arguments = {},
-                             .commandIsFinal = false,
-                             .isCodex = false,
-                             .executable = {},
-                             .cwd = {},
-                             .startedAt = {},
-                             .cpuTime = known.cpuTime,
-                             .generation = known.generation};
-            known = dead;
+            const double cpuTime = known.row.cpuTime;
+            known = Known{.startTimeTicks = stat->startTimeTicks,
+                          .comm = stat->comm.toByteArray(),
+                          .generation = known.generation};
+            known.row.cpuTime = cpuTime;
+            known.row.command =
+                u'[' + QString::fromUtf8(stat->comm) + QStringLiteral("] <defunct>");
         } else if (ReReadPolicy::readsCommandLine(continuing, known.comm != stat->comm,
                                                   known.commandIsFinal)) {
             const FileDescriptor pidDir(
@@ -371,8 +352,8 @@ QList<ObservedProcess> ProcProcessTableSource::snapshot() {
             known.commandIsFinal =
                 ReReadPolicy::isFinal(commandLine->text.isEmpty(), stat->isKernelThread(),
                                       parent != m_known.cend() && parent->isCodex &&
-                                          parent->command == commandLine->text);
-            known.arguments = std::move(commandLine->arguments);
+                                          parent->row.command == commandLine->text);
+            known.row.arguments = std::move(commandLine->arguments);
             if (commandLine->text.isEmpty())
                 commandLine->text = u'[' + QString::fromUtf8(stat->comm) + u']';
             const bool detailed = learn(known, pidDir.get(), stat->ppid, stat->comm,
@@ -385,18 +366,20 @@ QList<ObservedProcess> ProcProcessTableSource::snapshot() {
         // Over the time since this process was last read, which a rotation
         // may have made longer than one interval.
         const double sinceRead = std::chrono::duration<double>(now - known.readAt).count();
-        const double cpuPercent = continuing && interval > 0 && sinceRead > 0
-                                      ? std::max(0.0, 100.0 * (cpuTime - known.cpuTime) / sinceRead)
-                                      : 0.0;
+        const double cpuPercent =
+            continuing && interval > 0 && sinceRead > 0
+                ? std::max(0.0, 100.0 * (cpuTime - known.row.cpuTime) / sinceRead)
+                : 0.0;
         known.startTimeTicks = stat->startTimeTicks;
-        known.cpuTime = cpuTime;
         known.generation = generation;
         known.readAt = now;
-        known.ppid = stat->ppid;
-        known.state = stat->state;
         known.isKernelThread = stat->isKernelThread();
-
-        rows.append(rowOf(stat->pid, known, cpuPercent));
+        known.row.pid = stat->pid;
+        known.row.ppid = stat->ppid;
+        known.row.state = stateText(stat->state);
+        known.row.cpuTime = cpuTime;
+        rows.append(known.row);
+        rows.last().cpuPercent = cpuPercent;
     }
 
     for (const qsizetype index : std::as_const(undecided)) {
@@ -410,9 +393,9 @@ QList<ObservedProcess> ProcProcessTableSource::snapshot() {
             continue;
         Known& known = m_known[row.pid];
         readDetails(known, pidDir.get(), known.startTimeTicks);
-        row.executable = known.executable;
-        row.cwd = known.cwd;
-        row.startedAt = known.startedAt;
+        row.executable = known.row.executable;
+        row.cwd = known.row.cwd;
+        row.startedAt = known.row.startedAt;
     }
 
     m_known.removeIf([generation](const std::pair<const qint64&, Known&>& entry) {

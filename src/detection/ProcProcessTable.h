@@ -60,27 +60,19 @@ private:
     // What the previous snapshots taught about one process.
     struct Known {
         quint64 startTimeTicks = 0;
-        QByteArray comm; // as read from stat, compared without decoding
-        QString command;
-        QString lowered = {};        // lowerCasedCommand(command) where it mentions Codex
-        QStringList arguments;       // of Codex-like command lines only
+        QByteArray comm;             // as read from stat, compared without decoding
         bool commandIsFinal = false; // false: read it again next time
         bool isCodex = false;        // its children get their details read too
-        QString executable;
-        QString cwd;
-        std::optional<QDateTime> startedAt;
-        double cpuTime = 0;
-        quint64 generation = 0; // the snapshot that last saw it; 0 = never
-        // As last read, for the snapshots that take the row as it was.
-        std::chrono::steady_clock::time_point readAt{};
-        qint64 ppid = 0;
-        char state = '?';
+        quint64 generation = 0;      // the snapshot that last saw it; 0 = never
         bool isKernelThread = false;
+        std::chrono::steady_clock::time_point readAt{};
+        // As last read, with no CPU percent, for the snapshots that take the
+        // row as it was. Its lowered command is kept where the line mentions
+        // Codex; its arguments, where it may be Codex's.
+        ObservedProcess row = {};
     };
 
     [[nodiscard]] const QString& stateText(char state);
-    // The row of a process as last read, with its CPU use over the interval.
-    [[nodiscard]] ObservedProcess rowOf(qint64 pid, const Known& known, double cpuPercent);
     struct CommandLine {
         QString text;          // as ps shows it
         QStringList arguments; // where it may be Codex's, or wanted: each argument whole
