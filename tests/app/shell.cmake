@@ -23,19 +23,19 @@ brenvik_add_test(NAME brenvik_control_panel_scale2
           --gtest_filter=ControlPanelController.ShowsItsWholeContentWithinTheScreen)
 
 # End to end under Xvfb on a private session bus: trayer as XEmbed tray host,
-# openbox as window manager, and a fake StatusNotifierItem watcher.
-add_executable(brenvik-fake-sni-watcher ${CMAKE_CURRENT_LIST_DIR}/FakeStatusNotifierWatcher.cpp)
-target_link_libraries(brenvik-fake-sni-watcher PRIVATE Qt6::Core Qt6::DBus brenvik_warnings)
+# openbox as window manager.
 brenvik_add_test(NAME brenvik_tray_e2e
   COMMAND ${CMAKE_CURRENT_LIST_DIR}/tray-e2e.sh $<TARGET_FILE:brenvik>
-          $<TARGET_FILE:brenvik-fake-sni-watcher>
   SERIAL PRIVATE_SESSION LABELS e2e TIMEOUT 300)
 # End to end with a real StatusNotifierItem host: Xfce's panel, started after the app.
 brenvik_add_test(NAME brenvik_sni_panel_e2e
   COMMAND ${CMAKE_CURRENT_LIST_DIR}/sni-panel-e2e.sh $<TARGET_FILE:brenvik>
   SERIAL PRIVATE_SESSION LABELS e2e TIMEOUT 120)
 
-# On Wayland, under weston's headless compositor on a private session bus.
+# On Wayland, under weston's headless compositor on a private session bus,
+# with a fake StatusNotifierItem watcher.
+add_executable(brenvik-fake-sni-watcher ${CMAKE_CURRENT_LIST_DIR}/FakeStatusNotifierWatcher.cpp)
+target_link_libraries(brenvik-fake-sni-watcher PRIVATE Qt6::Core Qt6::DBus brenvik_warnings)
 brenvik_add_test(NAME brenvik_wayland_e2e
   COMMAND ${CMAKE_CURRENT_LIST_DIR}/wayland-e2e.sh $<TARGET_FILE:brenvik>
           $<TARGET_FILE:brenvik-fake-sni-watcher>

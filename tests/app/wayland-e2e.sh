@@ -1,10 +1,11 @@
 #!/usr/bin/env bash
 # The tray program on Wayland, under weston's headless compositor on a private
-# session bus, with a fake StatusNotifierWatcher as tray host and "Show in
-# taskbar" stored off: the control panel maps and its switch shows the red
-# refusal from the start (the stored value untouched); the item's Activate
-# opens the popover as a window the compositor places fully on screen, and a
-# second Activate closes it.
+# session bus, with a fake StatusNotifierWatcher whose host registers only 5 s
+# after the watcher appears (as on KDE), and "Show in taskbar" stored off: the
+# control panel maps and its switch shows the red refusal from the start (the
+# stored value untouched); the item still registers once the host comes, its
+# ToolTip carries the detail text, its Activate opens the popover as a window
+# the compositor places fully on screen, and a second Activate closes it.
 # Usage: private-session.sh wayland-e2e.sh BRENVIK FAKE_SNI_WATCHER
 set -euo pipefail
 
@@ -61,7 +62,7 @@ refusal_shown() { (($(red_pixels_in_panel || echo 0) > 40)); }
 conf=$XDG_CONFIG_HOME/Brenvik/Brenvik.conf
 mkdir -p "$(dirname "$conf")"
 printf '[General]\nshowDockIcon=false\n' >"$conf"
-start "$work/watcher.log" "$fake_watcher"
+start "$work/watcher.log" "$fake_watcher" --host-after 5
 watcher_pid=$started
 start "$work/app.log" "$app"
 app_pid=$started
@@ -75,6 +76,13 @@ log "showDockIcon still stored off"
 # --- the popover, from the tray host's Activate ---------------------------------------
 wait_until 20 grep -q '^registered ' "$work/watcher.log" || fail "the app registered no item"
 item=$(sed -n 's/^registered //p' "$work/watcher.log" | head -n1)
+log "item registered as $item once the host came, 5 s after the watcher"
+tooltip_has_detail() {
+    dbus-send --session --print-reply --dest="$item" /StatusNotifierItem \
+        org.freedesktop.DBus.Properties.Get string:org.kde.StatusNotifierItem string:ToolTip |
+        grep -q '"No Codex CLI process detected"'
+}
+wait_until 20 tooltip_has_detail || fail "the item's ToolTip lacks the detail text"
 activate() {
     dbus-send --session --print-reply --dest="$item" /StatusNotifierItem \
         org.kde.StatusNotifierItem.Activate int32:0 int32:0 >/dev/null
