@@ -49,7 +49,9 @@ QColor tailPixel(const QImage& image) {
                             static_cast<int>(std::lround(size * 0.9)));
 }
 
-TEST(TrayIconPainter, DotCarriesTheStateColourAndWaitingItsTailAtPanelAndLargeSizes) {
+// Every state at a panel's size and a large one: the dot in the state colour,
+// the waiting bubble's tail, and the badge drawn on the dot, clear of its rim.
+TEST(TrayIconPainter, DotCarriesTheStateColourItsBadgeAndWaitingItsTail) {
     const std::tuple<const char*, CodexRunState, const char*> cases[] = {
         {"nothing found", CodexRunState::idle(), "green"},
         {"one idle group", CodexRunState::observed(1, 0, 1), "green"},
@@ -60,31 +62,22 @@ TEST(TrayIconPainter, DotCarriesTheStateColourAndWaitingItsTailAtPanelAndLargeSi
         {"detection failed", CodexRunState::error(QStringLiteral("ps failed")), "red"},
     };
     for (const auto& [name, state, hue] : cases) {
+        const QString badge = badgeText(state);
         for (int size : {22, 64}) {
-            const QImage image = paintTrayIcon(stateColor(state), badgeText(state), size);
-            ASSERT_EQ(image.size(), QSize(size, size)) << name;
-            EXPECT_EQ(dominantHue(image), hue) << name << " at " << size << " px";
-            EXPECT_EQ(image.pixelColor(0, 0).alpha(), 0) << name << ": corner not see-through";
+            SCOPED_TRACE(std::string(name) + " at " + std::to_string(size) + " px");
+            const QImage image = paintTrayIcon(stateColor(state), badge, size);
+            ASSERT_EQ(image.size(), QSize(size, size));
+            EXPECT_EQ(dominantHue(image), hue);
+            EXPECT_EQ(image.pixelColor(0, 0).alpha(), 0) << "corner not see-through";
             const bool waiting = std::string_view(hue) == "violet";
-            EXPECT_EQ(tailPixel(image).alpha() > 160, waiting)
-                << name << " at " << size << " px: tail " << tailPixel(image).alpha();
-        }
-    }
-}
+            EXPECT_EQ(tailPixel(image).alpha() > 160, waiting) << "tail";
 
-TEST(TrayIconPainter, BadgeTextIsDrawnOnTheDotAndIdleIsTheDotAlone) {
-    const std::pair<StateColor, const char*> cases[] = {
-        {StateColor::green, ""},     {StateColor::green, "1"},  {StateColor::green, "42"},
-        {StateColor::yellow, "99+"}, {StateColor::violet, "7"}, {StateColor::red, "!"}};
-    for (const auto& [color, badge] : cases) {
-        for (int size : {22, 64}) {
-            const QImage image = paintTrayIcon(color, QString::fromUtf8(badge), size);
-            const QColor text = trayBadgeTextColor(color);
+            // Text pixels (exactly the text colour), and whether they stay
+            // clear of the dot's rim.
+            const QColor text = trayBadgeTextColor(stateColor(state));
             const double radius = size / 2.0;
             int inside = 0;
             int outside = 0;
-            // Text pixels (exactly the text colour), and whether they stay
-            // clear of the dot's rim.
             for (int y = 0; y < size; ++y) {
                 for (int x = 0; x < size; ++x) {
                     if (image.pixelColor(x, y) == text)
@@ -92,8 +85,8 @@ TEST(TrayIconPainter, BadgeTextIsDrawnOnTheDotAndIdleIsTheDotAlone) {
                                                                                          : outside);
                 }
             }
-            EXPECT_EQ(inside > 0, *badge != '\0') << "'" << badge << "' at " << size << " px";
-            EXPECT_EQ(outside, 0) << "'" << badge << "' at " << size << " px touches the rim";
+            EXPECT_EQ(inside > 0, !badge.isEmpty()) << "badge '" << badge.toStdString() << "'";
+            EXPECT_EQ(outside, 0) << "badge '" << badge.toStdString() << "' touches the rim";
         }
     }
 }
