@@ -685,7 +685,6 @@ function finish(code, why) {
     clearTimeout(watchdog);
     try { logEvents(); } catch (err) { note("driver", `logs unreadable: ${err.message}`); }
     await cleanUp();
-    desktop?.record.flush();
     const { problems, summaries } = check();
     problems.unshift(...failures);
     if (problems.length || opts.timeline) printTimeline();
