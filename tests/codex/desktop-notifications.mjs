@@ -18,22 +18,25 @@ export async function startDesktop({ app, dir, home, track, note, until }) {
   const { DBUS_SESSION_BUS_ADDRESS, WAYLAND_DISPLAY, ...outer } = process.env;
   const env = { ...outer, HOME: home, XDG_RUNTIME_DIR: path.join(dir, "runtime"), XDG_CONFIG_HOME: path.join(dir, "config") };
 
-  const bus = track(spawn("dbus-daemon", ["--session", "--nofork", `--address=unix:path=${path.join(dir, "bus/socket")}`, "--print-address=1"],
-    { env, stdio: ["ignore", "pipe", "inherit"] }));
-  env.DBUS_SESSION_BUS_ADDRESS = await firstLine(bus.stdout, "dbus-daemon's address", until);
+  const address = `unix:path=${path.join(dir, "bus/socket")}`;
+  track(spawn("dbus-daemon", ["--session", "--nofork", `--address=${address}`], { env, stdio: ["ignore", "ignore", "inherit"] }));
+  env.DBUS_SESSION_BUS_ADDRESS = address;
+  await until("the private bus", () => hasOwner(env, "org.freedesktop.DBus"), 20);
 
-  const xvfb = track(spawn("Xvfb", ["-displayfd", "3", "-screen", "0", "1024x700x24", "-nolisten", "tcp"],
-    { env, stdio: ["ignore", "ignore", "ignore", "pipe"] }));
-  env.DISPLAY = `:${await firstLine(xvfb.stdio[3], "Xvfb's display", until)}`;
+  // Xvfb picks a free display and writes its number to fd 3.
+  const xvfb = track(spawn("Xvfb", ["-displayfd", "3", "-screen", "0", "1024x700x24", "-nolisten", "tcp"], { env, stdio: ["ignore", "ignore", "ignore", "pipe"] }));
+  let display = "";
+  xvfb.stdio[3].on("data", (d) => (display += d));
+  await until("Xvfb's display", () => display.includes("\n"), 20);
+  env.DISPLAY = `:${display.trim()}`;
 
   // Notices stay until Brenvik closes them: nothing expires on its own here.
   const dunstrc = path.join(dir, "dunstrc");
   fs.writeFileSync(dunstrc, "[global]\n    idle_threshold = 0\n[urgency_low]\n    timeout = 0\n[urgency_normal]\n    timeout = 0\n[urgency_critical]\n    timeout = 0\n");
   track(spawn("dunst", ["-config", dunstrc], { env, stdio: "ignore" }));
 
-  const record = new Recorder();
-  const monitor = track(spawn("dbus-monitor", ["--session", `interface='${notificationsInterface}'`, "type='method_return'"],
-    { env, stdio: ["ignore", "pipe", "ignore"] }));
+  const record = recorder();
+  const monitor = track(spawn("dbus-monitor", ["--session", `interface='${notificationsInterface}'`, "type='method_return'"], { env, stdio: ["ignore", "pipe", "ignore"] }));
   readline.createInterface({ input: monitor.stdout }).on("line", (l) => record.line(l));
   await until("dunst on the private bus", () => hasOwner(env, notificationsInterface), 20);
 
@@ -43,61 +46,39 @@ export async function startDesktop({ app, dir, home, track, note, until }) {
   return { record };
 }
 
-async function firstLine(stream, what, until) {
-  let text = "";
-  stream.on("data", (d) => (text += d));
-  await until(what, () => text.includes("\n"), 20);
-  return text.slice(0, text.indexOf("\n")).trim();
-}
+const hasOwner = (env, name) => /boolean true/.test(spawnSync("dbus-send", ["--session", "--print-reply", "--dest=org.freedesktop.DBus", "/org/freedesktop/DBus",
+  "org.freedesktop.DBus.NameHasOwner", `string:${name}`], { env, encoding: "utf8", timeout: 5_000 }).stdout ?? "");
 
-function hasOwner(env, name) {
-  const r = spawnSync("dbus-send", ["--session", "--print-reply", "--dest=org.freedesktop.DBus", "/org/freedesktop/DBus",
-    "org.freedesktop.DBus.NameHasOwner", `string:${name}`], { env, encoding: "utf8", timeout: 5_000 });
-  return /boolean true/.test(r.stdout ?? "");
-}
-
-// What dbus-monitor printed, as notices: { t, summary, replaces, id, closedAt }.
-class Recorder {
-  notices = [];
-  closes = []; // { t, id }
-  #pending = new Map(); // sender/serial of a Notify -> notice
-  #block = null;
-
-  line(l) {
+// What dbus-monitor prints, as notices { t, summary, replaces, id } and closes { t, id },
+// and when Brenvik closed a notice (undefined: it did not).
+function recorder() {
+  const record = { notices: [], closes: [], closedAt: (n) => record.closes.find((c) => c.id === n.id && c.t >= n.t)?.t };
+  const pending = new Map(); // sender/serial of a Notify -> notice
+  let message = null; // the message being read, with its top-level arguments so far
+  record.line = (l) => {
     const h = header.exec(l);
     if (h) {
-      this.flush();
       const [, kind, time, sender, destination, serial, replySerial, iface, member] = h;
-      this.#block = { kind, t: Number(time) * 1000, sender, destination, serial, replySerial, iface, member, args: [] };
+      const call = kind === "method call" && iface === notificationsInterface ? member : "";
+      message = { t: Number(time) * 1000, args: [], close: call === "CloseNotification", reply: kind === "method return" && pending.get(`${destination}/${replySerial}`) };
+      if (call === "Notify") {
+        message.notice = { t: message.t, summary: "", replaces: 0 };
+        record.notices.push(message.notice);
+        pending.set(`${sender}/${serial}`, message.notice);
+      }
       return;
     }
     // Top-level arguments only: nested ones are indented further.
-    const arg = /^ {3}(string|uint32|int32) (.*)$/.exec(l);
-    if (arg && this.#block) this.#block.args.push({ type: arg[1], value: arg[2] });
-  }
-
-  // Takes in the message read last: everything up to now is then recorded.
-  flush() {
-    const b = this.#block;
-    this.#block = null;
-    if (!b) return;
-    if (b.kind === "method call" && b.iface === notificationsInterface && b.member === "Notify") {
-      const strings = b.args.filter((a) => a.type === "string").map((a) => a.value.replace(/^"|"$/g, ""));
-      const notice = { t: b.t, summary: strings[2] ?? "", replaces: Number(b.args.find((a) => a.type === "uint32")?.value ?? 0) };
-      this.notices.push(notice);
-      this.#pending.set(`${b.sender}/${b.serial}`, notice);
-    } else if (b.kind === "method call" && b.iface === notificationsInterface && b.member === "CloseNotification") {
-      this.closes.push({ t: b.t, id: Number(b.args[0]?.value) });
-    } else if (b.kind === "method return") {
-      const notice = this.#pending.get(`${b.destination}/${b.replySerial}`);
-      if (notice && b.args[0]?.type === "uint32") notice.id = Number(b.args[0].value);
-    }
-  }
-
-  // When Brenvik closed NOTICE (undefined: it did not).
-  closedAt(notice) {
-    return this.closes.find((c) => c.id === notice.id && c.t >= notice.t)?.t;
-  }
+    const arg = /^ {3}(string|uint32) "?(.*?)"?$/.exec(l);
+    if (!arg || !message) return;
+    message.args.push({ type: arg[1], value: arg[2] });
+    // Notify(app_name, replaces_id, app_icon, summary, ...); its return and CloseNotification carry an id.
+    const [strings, ids] = ["string", "uint32"].map((type) => message.args.filter((a) => a.type === type).map((a) => a.value));
+    if (message.notice) Object.assign(message.notice, { summary: strings[2] ?? "", replaces: Number(ids[0] ?? 0) });
+    else if (message.reply && ids.length) message.reply.id = Number(ids[0]);
+    else if (message.close && ids.length === 1) record.closes.push({ t: message.t, id: Number(ids[0]) });
+  };
+  return record;
 }
 
 // The projects a notice names, from "Codex finished · A, B".

@@ -4,9 +4,10 @@
 // with --brenvik by the tray app, whose desktop notifications go to dunst. Each pinned
 // release runs its own scenarios, the releases side by side.
 //
-// Usage: node real-codex-e2e.mjs --brenvik-status PATH [--brenvik PATH] [--codex-cache DIR]
-//                                [--record DIR] [--timeline] [--keep] [--only ID,...]
-//   (real-codex-e2e.sh runs it under a Node.js new enough for Codex, codex-acp and acpx)
+// Usage: real-codex-e2e.sh --brenvik-status PATH [--brenvik PATH] [--codex-cache DIR]
+//                           [--record DIR] [--timeline] [--keep] [--only ID,...]
+//   (the wrapper installs the pinned packages and runs this under a Node.js new enough
+//   for Codex, codex-acp and acpx)
 //   --brenvik PATH     also run the tray app on a private bus with dunst (needs Xvfb,
 //                      dunst and dbus-monitor) and check its notifications
 //   --codex-cache DIR  where tools/install-codex.sh keeps the pinned npm installs
@@ -34,11 +35,7 @@ const sourceDir = path.resolve(path.dirname(fileURLToPath(import.meta.url)), "..
 //   turnEvents: its log opens and closes each turn (task_started, task_complete); older
 //     logs only show the user's message and the final answer
 const newest = "0.169.0";
-const releases = {
-  "0.169.0": { daemon: true, turnEvents: true },
-  "0.130.0": { turnEvents: true },
-  "0.80.0": { turnEvents: false },
-};
+const releases = { "0.169.0": { daemon: true, turnEvents: true }, "0.130.0": { turnEvents: true }, "0.80.0": { turnEvents: false } };
 
 // A tool command that waits, then burns one core, writing when the burn starts and ends.
 const burn = `sleep 2; date +%s.%N > burn-start; timeout 5 sh -c 'while :; do :; done'; date +%s.%N > burn-end`;
@@ -47,25 +44,20 @@ const burnSteps = (moment, what) => [{ until: "burning", record: [moment, what] 
 
 // A TUI's turns: an answer, a tool command, and an approval question, answered.
 const tuiTurns = [
-  { type: "[say:Hello from the fake model]", until: "turn done" },
-  { hold: 5 },
+  { type: "[say:Hello from the fake model]", until: "turn done", hold: 5 },
   { type: `[shell:${burn}]`, until: "burning", record: ["tui-tool-burning", "TUI turn: the daemon runs the tool command, which burns a core"] },
-  { until: "turn done" },
-  { hold: 5 },
-  { type: "[escalate][shell:sleep 8; touch approved]", until: "approval shown",
-    record: ["tui-waiting-approval", "TUI asks the user to approve an escalated command"] },
+  { until: "turn done", hold: 5 },
+  { type: "[escalate][shell:sleep 8; touch approved]", until: "approval shown", record: ["tui-waiting-approval", "TUI asks the user to approve an escalated command"] },
   { hold: 6, window: "approval" },
-  { keys: ["y"], until: "file:approved", window: "approved",
-    record: ["tui-approved-command", "TUI: the approved command runs outside the sandbox"] },
-  { until: "turn done" },
-  { hold: 5 },
+  { keys: ["y"], until: "file:approved", window: "approved", record: ["tui-approved-command", "TUI: the approved command runs outside the sandbox"] },
+  { until: "turn done", hold: 5 },
 ];
 
 // Scenarios, each run once per release it names, in its own project directory (the
 // directory named here, with "-<release>" for all but the newest). A release's scenarios
 // run in this order; the releases run at the same time. Each starts one front-end (the
-// TUI scenario opens a second one). Steps run in order:
-//   open: start another front-end of the scenario (one of `also`)
+// TUI scenario opens a second one). Steps run in order, each doing what it names in this order:
+//   open: start another front-end of the scenario (its definition), which the step acts on
 //   at: the front-end a step acts on (default: the scenario's own)
 //   type: text to type into the TUI (then Enter)   keys: tmux keys to send
 //   release: read the front-end's output again (see `holdOutput`)
@@ -79,66 +71,58 @@ const tuiTurns = [
 // approval), `thinking` while the model thinks
 // ([think:S]) and `turn end` from the final answer until the front-end's next prompt or
 // exit. `windowRules` says what Brenvik must show in each.
-// holdOutput: the driver stops reading the front-end's standard output until a
+// holdOutput: the driver does not read the front-end's standard output until a
 // `release` step; codex exec then blocks writing a long final answer, after its turn.
 const all = Object.keys(releases);
-const older = all.filter((r) => r !== newest);
 const scenarioTable = [
   { id: "fresh", name: "TUI left alone", dir: "F", kind: "tui", releases: [newest, "0.130.0"],
     steps: [{ hold: 20, window: "left alone", since: "launch" }, { type: "/quit", until: "exited" }] },
-  { id: "exec-think", name: "codex exec thinking", dir: "E", kind: "exec", holdOutput: true, releases: all,
-    prompt: "[think:15][say:Thought it over][pad:256]",
+  { id: "exec-think", name: "codex exec thinking", dir: "E", kind: "exec", holdOutput: true, releases: all, prompt: "[think:15][say:Thought it over][pad:256]",
     steps: [
       { until: "thinking", record: ["exec-thinking", "codex exec waits 15 s on the model's open stream, no tool"] },
-      { until: "turn done" },
-      { hold: 3 },
-      { hold: 3, record: ["exec-turn-over", "codex exec's turn is over; it blocks writing its answer to a full pipe"] },
+      { until: "turn done", hold: 3 },
+      { record: ["exec-turn-over", "codex exec's turn is over; it blocks writing its answer to a full pipe"], hold: 3 },
       { release: true, until: "exited" },
     ] },
   { id: "exec", name: "codex exec", dir: "A", kind: "exec", releases: all, prompt: `[think:3][shell:${burn}]`,
     steps: burnSteps("exec-tool-burning", "codex exec runs its tool command, which burns a core") },
   { id: "tui", name: "TUI", dir: "B", kind: "tui", releases: [newest],
-    also: [{ id: "tui2", name: "second TUI", dir: "D", kind: "tui" }],
     steps: [
       { record: ["tui-fresh", "TUI just started, its daemon up, no turn yet"] },
       ...tuiTurns,
       // A second TUI of the same CODEX_HOME, in another project: one daemon serves both.
-      { open: "tui2" },
+      { open: { id: "tui2", name: "second TUI", dir: "D", kind: "tui" } },
       { at: "tui2", type: "[say:Hello from the second TUI][usage:95608][limits:42/13/600]", until: "turn done" },
-      { at: "tui2", until: "usage" },
-      { hold: 3 },
-      { type: "[think:6][say:The first TUI thought]", until: "turn done",
+      { at: "tui2", until: "usage", hold: 3 },
+      { type: "[think:6][say:The first TUI thought]", until: "turn done", hold: 3,
         record: ["tui-thinking-other-idle", "two TUIs, one daemon: the first thinks, the second is idle"] },
-      { hold: 3 },
       { at: "tui2", type: "[think:6][say:The second TUI thought][usage:120000][limits:92/20/15]", until: "turn done" },
-      { at: "tui2", until: "usage" },
-      { hold: 5 },
+      { at: "tui2", until: "usage", hold: 5 },
       { at: "tui2", type: "/quit", until: "exited" },
       { hold: 20, window: "idle", record: ["tui-idle", "TUI idle after its turns"] },
       { until: "limits reset" },
       { type: "/quit", until: "exited" },
       { hold: 8, record: ["tui-after-quit-daemon-alive", "TUI quit; its shared daemon lives on"] },
     ] },
-  { id: "tui", name: "TUI", dir: "B", kind: "tui", releases: older,
-    steps: [...tuiTurns, { type: "[think:6][say:Thought]", until: "turn done" }, { hold: 5 }, { type: "/quit", until: "exited" }] },
+  { id: "tui", name: "TUI", dir: "B", kind: "tui", releases: all.filter((r) => r !== newest),
+    steps: [...tuiTurns, { type: "[think:6][say:Thought]", until: "turn done", hold: 5 }, { type: "/quit", until: "exited" }] },
   { id: "acpx", name: "acpx + codex-acp", dir: "C", kind: "acpx", releases: [newest], prompt: `[shell:${burn}]`,
     steps: burnSteps("acpx-tool-burning", "acpx drives codex-acp, whose tool command burns a core") },
 ];
 // One scenario (and front-end) per release it names; the newest keeps the plain names.
 const scenarios = scenarioTable.flatMap((s) => s.releases.map((r) => {
-  const rename = (id) => (id && r !== newest ? `${id}-${r}` : id);
-  const ofRelease = (def) => ({ ...def, release: r, id: rename(def.id), name: r === newest ? def.name : `${def.name} ${r}`,
-    dir: r === newest ? def.dir : `${def.dir}-${r}` });
-  const steps = s.steps.map((st) => ({ ...st, at: rename(st.at), open: rename(st.open), record: r === newest ? st.record : undefined }));
-  return { ...ofRelease(s), also: s.also?.map(ofRelease), steps };
+  const suffix = r === newest ? "" : `-${r}`;
+  const ofRelease = (def) => def && { ...def, release: r, id: def.id + suffix, dir: def.dir + suffix, name: suffix ? `${def.name} ${r}` : def.name };
+  return { ...ofRelease(s), steps: s.steps.map((st) => ({ ...st, at: st.at && st.at + suffix, open: ofRelease(st.open), record: !suffix && st.record })) };
 }));
-const frontEndDefinitions = scenarios.flatMap((s) => [s, ...(s.also ?? [])]);
+const frontEndDefinitions = scenarios.flatMap((s) => [s, ...s.steps.filter((st) => st.open).map((st) => st.open)]);
 
 // What Brenvik must show in each kind of window, from `from` ms after its start to its
 // end. A turn from 2 s after Codex took up its prompt; a burn from one refresh after it began; thinking
 // from one refresh after the model got the request; a turn's end from the first refresh
 // after it, an approval question and an approved command within one or two refreshes; a
-// TUI left alone from 4 s after its launch; an idle TUI after its turns gets 10 s.
+// TUI left alone from 4 s after its launch; an idle TUI after its turns gets 10 s
+// ("not running": idle or waiting, the session's verdict once its turns are over).
 // A span shorter than a refresh (codex exec exits as its turn ends) may hold no refresh.
 const windowRules = {
   turn: { status: "running", from: 2000 },
@@ -150,14 +134,16 @@ const windowRules = {
   "left alone": { status: "idle", from: 4000 },
   idle: { status: "not running", from: 10_000 },
 };
-const statusMatches = (want, status) => (want === "not running" ? status !== "running" : status === want);
 
 // ---------------------------------------------------------------------------------------
 
 const tryOr = (f, fallback) => { try { return f(); } catch { return fallback; } };
 const readOr = (f, fallback) => tryOr(() => fs.readFileSync(f, "utf8"), fallback);
 const linkOr = (f) => tryOr(() => fs.readlinkSync(f), "");
-const opts = options();
+const [text, flag] = [{ type: "string" }, { type: "boolean" }];
+// --codex-cache is the wrapper's, which hands its install over in BRENVIK_CODEX_INSTALL.
+const opts = tryOr(() => parseArgs({ options: { "brenvik-status": text, brenvik: text, "codex-cache": text, record: text, timeline: flag, keep: flag, only: text } }).values, {});
+if (!opts["brenvik-status"]) fatal("give the brenvik-status to test with --brenvik-status PATH (and no unknown arguments; see the usage at the top)");
 const t0 = Date.now();
 const events = []; // { t, who, text }
 const lines = []; // { t, report }: each line of brenvik-status and when it came
@@ -165,10 +151,11 @@ const failures = [];
 const note = (who, text) => events.push({ t: Date.now(), who, text });
 const sleep = (ms) => new Promise((r) => setTimeout(r, ms));
 
-const { prefix, nodeDir } = installCodex();
+// What tools/install-codex.sh printed for the wrapper: the install's folder, and the
+// Node.js this runs under.
+const [prefix, node] = (process.env.BRENVIK_CODEX_INSTALL ?? fatal("run it with real-codex-e2e.sh, which installs the Codex CLI")).split("\n");
 // Each older release sits in a prefix of its own, codex-<release>/.
 const bin = (name, release = newest) => path.join(prefix, release === newest ? "" : `codex-${release}`, "node_modules/.bin", name);
-for (const r of older) if (!fs.existsSync(bin("codex", r))) fatal(`${bin("codex", r)} is missing: tools/install-codex.sh installs release ${r}`);
 // codex-acp finds no bwrap of its own; the one Codex ships will do.
 const [arch, triple] = process.arch === "arm64" ? ["arm64", "aarch64"] : ["x64", "x86_64"];
 const bwrapDir = path.join(prefix, `node_modules/@openai/codex-linux-${arch}/vendor/${triple}-unknown-linux-musl/codex-resources`);
@@ -182,54 +169,35 @@ const home = path.join(temp, "home");
 // One per release (releases keep state files of different versions there); the newest
 // keeps the plain name that the recorded process tables show.
 const codexHome = (release) => path.join(temp, release === newest ? "codex-home" : `codex-home-${release}`);
-const frontEnds = new Map(); // id -> { scenario, release, dir, env, start, exit, child?, tmux?, turnsBefore }
+const frontEnds = new Map(); // id -> { scenario, release, dir, env, start, exit, windows, prompts, child?, tmux? }
 const children = new Set();
 let model, brenvik, desktop;
 
 // What every front-end gets; each adds its release's `codex` and CODEX_HOME (fe.env).
-// The shims' `#!/usr/bin/env node` finds the Node.js the installer chose first.
+// The shims' `#!/usr/bin/env node` finds first the Node.js the installer brought, if it did.
 const env = {
-  PATH: `${nodeDir ? `${nodeDir}:` : ""}${path.dirname(bin("codex"))}:${bwrapDir}:${process.env.PATH}`,
-  HOME: home, TMPDIR: path.join(temp, "tmp"), TMUX_TMPDIR: path.join(temp, "tmp"),
-  MOCK_API_KEY: "offline", TERM: "xterm-256color", LANG: "C.UTF-8", BRENVIK_E2E_RUN: runId,
+  PATH: `${node.startsWith(prefix) ? `${path.dirname(node)}:` : ""}${path.dirname(bin("codex"))}:${bwrapDir}:${process.env.PATH}`,
+  HOME: home, TMPDIR: path.join(temp, "tmp"), TMUX_TMPDIR: path.join(temp, "tmp"), MOCK_API_KEY: "offline", TERM: "xterm-256color", LANG: "C.UTF-8",
+  BRENVIK_E2E_RUN: runId,
 };
 
 // ---------------------------------------------------------------------------------------
-
-function options() {
-  const [text, flag] = [{ type: "string" }, { type: "boolean" }];
-  const known = { "brenvik-status": text, brenvik: text, "codex-cache": text, record: text, timeline: flag, keep: flag, only: text };
-  const o = tryOr(() => parseArgs({ options: known }).values, null) ?? fatal("unknown or incomplete arguments (see the usage at the top)");
-  o["brenvik-status"] ??= process.env.BRENVIK_STATUS ?? fatal("give the brenvik-status to test with --brenvik-status PATH");
-  return { ...o, only: o.only?.split(",") };
-}
 
 function fatal(message) {
   console.error(`real-codex-e2e: ${message}`);
   process.exit(1);
 }
 
-// The install's folder, and the folder of the Node.js it brought (none: the machine's will do).
-function installCodex() {
-  const r = spawnSync(path.join(sourceDir, "tools/install-codex.sh"), [opts["codex-cache"]].filter(Boolean),
-    { encoding: "utf8", stdio: ["ignore", "pipe", "inherit"], timeout: 600_000 });
-  if (r.status !== 0) fatal("could not install the pinned Codex CLI (see above)");
-  const [prefix, node] = r.stdout.trim().split("\n");
-  return { prefix, nodeDir: node.startsWith(prefix) ? path.dirname(node) : undefined };
-}
-
-// Sections of `key = value` lines: JSON's strings, numbers and booleans are TOML's too.
-const toml = (sections) => Object.entries(sections).map(([name, keys]) =>
-  (name ? `[${name}]\n` : "") + Object.entries(keys).map(([k, v]) => `${k} = ${JSON.stringify(v)}\n`).join("")).join("");
-
-// Every child is ended at clean-up; one that exits before is a failure.
-function track(child) {
+// Every child is ended at clean-up; `exited` says what an exit before then is (by
+// default, a failure).
+function track(child, exited = (how) => `${child.spawnfile} exited early (${how})`) {
   children.add(child);
   child.stderrText = "";
   child.stderr?.on("data", (d) => (child.stderrText = (child.stderrText + d).slice(-20_000)));
   child.on("exit", (code, sig) => {
     children.delete(child);
-    if (!cleaning) failures.push(`${child.spawnfile} exited early (${code ?? sig})${child.stderrText ? `: ${child.stderrText.trim()}` : ""}`);
+    const problem = exited(code ?? sig);
+    if (problem && !cleaning) failures.push(`${problem}${child.stderrText ? `:\n${child.stderrText.trim().slice(-2000)}` : ""}`);
   });
   return child;
 }
@@ -237,48 +205,59 @@ function track(child) {
 async function setUp() {
   const homes = [...new Set(frontEndDefinitions.map((s) => codexHome(s.release)))];
   for (const d of [home, env.TMPDIR, ...homes, ...frontEndDefinitions.map((s) => path.join(home, s.dir))]) fs.mkdirSync(d, { recursive: true });
-  model = await startFakeModel({
-    log: (r) => note("model", r.followUp ? `#${r.n} ${ownerOf(r)}: tool output back: final answer`
-      : r.n ? `#${r.n} ${ownerOf(r)}: ${r.title ? "title request" : JSON.stringify(r.directives)}`
-      : `${r.method} ${r.path}${r.refused ? " (outside, refused)" : ""}${r.error ? `: ${r.error}` : ""}`),
-  });
+  model = await startFakeModel();
   // What Codex would fetch from outside goes to the fake model, which refuses it.
   const proxy = `http://127.0.0.1:${model.port}`;
   Object.assign(env, { HTTPS_PROXY: proxy, https_proxy: proxy, HTTP_PROXY: proxy, http_proxy: proxy, ALL_PROXY: proxy,
     NO_PROXY: "127.0.0.1,localhost", no_proxy: "127.0.0.1,localhost" });
   // Every outside service off: the update check, plugin sync, apps, analytics, tips.
-  const config = toml({
+  // Sections of `key = value` lines: JSON's strings, numbers and booleans are TOML's too.
+  const config = Object.entries({
     "": { model: "mock-model", model_provider: "mock", check_for_update_on_startup: false },
-    "model_providers.mock": { name: "Mock", base_url: `${proxy}/v1`, env_key: "MOCK_API_KEY", wire_api: "responses",
-      request_max_retries: 0, stream_max_retries: 0 },
-    features: { plugins: false, remote_plugin: false, apps: false },
-    analytics: { enabled: false },
-    notice: { hide_rate_limit_model_nudge: true },
-    tui: { show_tooltips: false, disable_paste_burst: true },
+    "model_providers.mock": { name: "Mock", base_url: `${proxy}/v1`, env_key: "MOCK_API_KEY", wire_api: "responses", request_max_retries: 0, stream_max_retries: 0 },
+    features: { plugins: false, remote_plugin: false, apps: false }, analytics: { enabled: false },
+    notice: { hide_rate_limit_model_nudge: true }, tui: { show_tooltips: false, disable_paste_burst: true },
     ...Object.fromEntries(frontEndDefinitions.map((s) => [`projects.${JSON.stringify(path.join(home, s.dir))}`, { trust_level: "trusted" }])),
-  });
+  }).map(([name, keys]) => (name ? `[${name}]\n` : "") + Object.entries(keys).map(([k, v]) => `${k} = ${JSON.stringify(v)}\n`).join("")).join("");
   for (const h of homes) fs.writeFileSync(path.join(h, "config.toml"), config);
 
   brenvik = track(spawn(opts["brenvik-status"], ["--watch", "--json"], { env: { ...process.env, HOME: home }, stdio: ["ignore", "pipe", "pipe"] }));
-  readline.createInterface({ input: brenvik.stdout }).on("line", (l) => {
-    const report = tryOr(() => JSON.parse(l), null);
-    if (!report) return note("brenvik", `unreadable line: ${l.slice(0, 200)}`);
-    lines.push({ t: Date.now(), report });
-  });
-  note("driver", `brenvik-status started; model on 127.0.0.1:${model.port}`);
+  readline.createInterface({ input: brenvik.stdout }).on("line", (l) =>
+    tryOr(() => lines.push({ t: Date.now(), report: JSON.parse(l) }), null) ?? note("brenvik", `unreadable line: ${l.slice(0, 200)}`));
   if (opts.brenvik) desktop = await startDesktop({ app: opts.brenvik, dir: path.join(temp, "desktop"), home, track, note, until });
   await until("brenvik-status's first refresh", () => lines.length > 0, 30);
-  startScanner();
+  // Notes the daemons, and marks a TUI front-end exited once none of its processes (the
+  // daemon's aside) is left.
+  setInterval(() => {
+    const procs = scan();
+    for (const p of procs) if (isDaemon(p)) daemons.add(p.pid);
+    const byPid = new Map(procs.map((p) => [p.pid, p]));
+    const underDaemon = (p) => { for (let q = p; q; q = byPid.get(q.ppid)) if (isDaemon(q)) return true; return false; };
+    const logged = new Set(sessionLogs().map((l) => l.cwd));
+    for (const [id, fe] of frontEnds) {
+      if (fe.logSeen === undefined && logged.has(fe.dir)) fe.logSeen = Date.now();
+      if (fe.child || fe.exit !== undefined) continue;
+      const alive = procs.some((p) => p.env.BRENVIK_E2E_FRONTEND === id && !underDaemon(p));
+      if (alive) fe.seen = true;
+      else if (fe.seen) { fe.exit = Date.now(); note(id, "gone"); }
+    }
+  }, 250).unref();
 }
 
 async function runScenario(s) {
   const own = await openFrontEnd(s, s);
   for (const step of s.steps) {
     const from = Date.now();
-    if (step.open) await openFrontEnd(s.also.find((a) => a.id === step.open), s);
-    const fe = step.at ? frontEnds.get(step.at) : own;
-    note(fe.id, `step ${JSON.stringify(step, (k, v) => (k === "record" ? undefined : v))}`);
-    if (step.type !== undefined) await typePrompt(fe, step.type);
+    const fe = step.open ? await openFrontEnd(step.open, s) : frontEnds.get(step.at) ?? own;
+    note(fe.id, `step ${JSON.stringify(step, (k, v) => (k === "record" || k === "open" ? undefined : v))}`);
+    if (step.type !== undefined) {
+      const text = tagged(fe, step.type);
+      fe.turnsBefore = turnsDone(fe);
+      tmux(fe, "send-keys", "-t", "main", "-l", text);
+      await until(`"${text}" typed`, () => pane(fe).includes(text.slice(-30)), 10);
+      tmux(fe, "send-keys", "-t", "main", "Enter");
+      fe.prompts.push({ text, at: Date.now() });
+    }
     if (step.keys) tmux(fe, "send-keys", "-t", "main", ...step.keys);
     if (step.release) fe.child.stdout.resume(); // its output read again
     if (step.until) {
@@ -293,23 +272,44 @@ async function runScenario(s) {
   }
   for (const fe of [...frontEnds.values()].filter((f) => f.scenario === s)) {
     // The burn's own markers prove that the tool command really ran.
-    if (s.steps.some((st) => st.until === "burning" && (st.at ?? s.id) === fe.id)) {
-      const [start, end] = ["start", "end"].map((e) => Number(readOr(path.join(fe.dir, `burn-${e}`), NaN)) * 1000);
-      if (start && end) fe.windows.push({ kind: "burn", start, end });
-      else failures.push(`${fe.name}: the tool command left no burn markers`);
-    }
+    const [start, end] = ["start", "end"].map((e) => Number(readOr(path.join(fe.dir, `burn-${e}`), NaN)) * 1000);
+    if (fe.burnt && start && end) fe.windows.push({ kind: "burn", start, end });
+    else if (fe.burnt) failures.push(`${fe.name}: the tool command left no burn markers`);
     if (fe.tmux) tmux(fe, "kill-server");
   }
 }
 
-// Starts a front-end of scenario `s` (def: the scenario or one of its `also`).
+// Starts a front-end of scenario `s` (def: the scenario or a front-end its steps open):
+// codex exec or acpx with its prompt, or a TUI in tmux, ready for its first prompt.
 async function openFrontEnd(def, scenario) {
   const fe = { ...def, scenario, dir: path.join(home, def.dir), start: Date.now(), windows: [], prompts: [], turnsBefore: 0,
     env: { ...env, PATH: `${path.dirname(bin("codex", def.release))}:${env.PATH}`, CODEX_HOME: codexHome(def.release) } };
   frontEnds.set(fe.id, fe);
   note(fe.id, `start in ${fe.dir}`);
-  if (def.prompt) fe.prompts.push({ text: tagged(fe, def.prompt), at: fe.start });
-  await (fe.kind === "tui" ? startTui(fe) : startChild(fe));
+  if (fe.kind === "tui") {
+    fe.tmux = `codex-e2e-${fe.id}`;
+    tmux(fe, "-f", "/dev/null", "new-session", "-d", "-s", "main", "-x", "220", "-y", "50", "-c", fe.dir, "bash", "--noprofile", "--norc");
+    await until("a shell prompt in tmux", () => /[$#] *$/m.test(pane(fe)), 10);
+    // The marker goes to the Codex process only: tmux and the shell belong to no front-end.
+    tmux(fe, "send-keys", "-t", "main", `BRENVIK_E2E_FRONTEND=${fe.id} codex -a on-request -s workspace-write`, "Enter");
+    fe.start = Date.now();
+    // The pid file appears empty first; the daemon is up once it names a PID.
+    const daemonPid = () => JSON.parse(fs.readFileSync(path.join(fe.env.CODEX_HOME, "app-server-daemon/daemon.pid"), "utf8")).pid;
+    if (releases[fe.release].daemon) await until("the TUI's daemon pid file", () => tryOr(daemonPid, 0) > 0, 60);
+    await until("the TUI's prompt", () => pane(fe).includes("›"), 30);
+    return fe;
+  }
+  const prompt = tagged(fe, def.prompt);
+  fe.prompts.push({ text: prompt, at: fe.start });
+  const [command, args] = fe.kind === "exec"
+    ? [bin("codex", fe.release), ["exec", "--skip-git-repo-check", "-s", "workspace-write", prompt]]
+    : [bin("acpx"), ["--agent", bin("codex-acp"), "--cwd", fe.dir, "--approve-all", "--format", "quiet", "exec", prompt]];
+  const stdio = ["ignore", fe.holdOutput ? "pipe" : "ignore", "pipe"]; // a pipe nobody reads until `release`
+  fe.child = track(spawn(command, args, { cwd: fe.dir, env: { ...fe.env, BRENVIK_E2E_FRONTEND: fe.id }, stdio }), (how) => {
+    fe.exit = Date.now();
+    note(fe.id, `gone (exit ${how})`);
+    return how !== 0 && `${fe.name} exited with ${how}`;
+  });
   return fe;
 }
 
@@ -322,8 +322,7 @@ function promptWindows(fe) {
   const windows = [];
   fe.prompts.forEach((p, i) => {
     const asked = model.requests.filter((r) => r.prompt === p.text && !r.title && r.t >= p.at - 1000);
-    const thought = asked.filter((r) => r.directives?.think && !r.followUp && r.answeredAt);
-    windows.push(...thought.map((r) => ({ kind: "thinking", start: r.t, end: r.answeredAt })));
+    windows.push(...asked.filter((r) => r.directives?.think && !r.followUp && r.answeredAt).map((r) => ({ kind: "thinking", start: r.t, end: r.answeredAt })));
     const final = asked.findLast((r) => r.final && r.answeredAt);
     // As for "while it runs": a refresh just before its exit is seen may no longer show it.
     const next = fe.prompts[i + 1]?.at ?? (fe.exit && fe.exit - 500);
@@ -336,37 +335,6 @@ function promptWindows(fe) {
   return windows;
 }
 
-function startChild(fe) {
-  const prompt = fe.prompts[0].text;
-  const [command, args] = fe.kind === "exec"
-    ? [bin("codex", fe.release), ["exec", "--skip-git-repo-check", "-s", "workspace-write", prompt]]
-    : [bin("acpx"), ["--agent", bin("codex-acp"), "--cwd", fe.dir, "--approve-all", "--format", "quiet", "exec", prompt]];
-  const child = (fe.child = spawn(command, args, { cwd: fe.dir, env: { ...fe.env, BRENVIK_E2E_FRONTEND: fe.id }, stdio: ["ignore", "pipe", "pipe"] }));
-  children.add(child);
-  let output = "";
-  for (const stream of [child.stdout, child.stderr]) stream.on("data", (d) => (output = (output + d).slice(-100_000)));
-  if (fe.holdOutput) child.stdout.pause();
-  child.on("exit", (code, sig) => {
-    children.delete(child);
-    fe.exit = Date.now();
-    note(fe.id, `gone (exit ${code ?? sig})`);
-    if (code !== 0 && !cleaning) failures.push(`${fe.name} exited with ${code ?? sig}:\n${output.trim().slice(-2000)}`);
-  });
-}
-
-async function startTui(fe) {
-  fe.tmux = `codex-e2e-${fe.id}`;
-  tmux(fe, "-f", "/dev/null", "new-session", "-d", "-s", "main", "-x", "220", "-y", "50", "-c", fe.dir, "bash", "--noprofile", "--norc");
-  await until("a shell prompt in tmux", () => /[$#] *$/m.test(pane(fe)), 10);
-  // The marker goes to the Codex process only: tmux and the shell belong to no front-end.
-  tmux(fe, "send-keys", "-t", "main", "-l", `BRENVIK_E2E_FRONTEND=${fe.id} codex -a on-request -s workspace-write`);
-  tmux(fe, "send-keys", "-t", "main", "Enter");
-  fe.start = Date.now();
-  if (releases[fe.release].daemon) await until("the TUI's daemon pid file", () => daemonStarted(fe.release), 60);
-  await until("the TUI's prompt", () => pane(fe).includes("›"), 30);
-  note(fe.id, "TUI ready");
-}
-
 function tmux(fe, ...args) {
   const r = spawnSync("tmux", ["-L", fe.tmux, ...args], { env: fe.env, encoding: "utf8", timeout: 10_000 });
   if (r.status !== 0) throw new Error(`tmux ${args.join(" ")}: ${r.stderr}`);
@@ -375,26 +343,33 @@ function tmux(fe, ...args) {
 
 const pane = (fe) => tmux(fe, "capture-pane", "-p", "-t", "main");
 
-async function typePrompt(fe, typed) {
-  const text = tagged(fe, typed);
-  fe.turnsBefore = turnsDone(fe);
-  tmux(fe, "send-keys", "-t", "main", "-l", text);
-  await until(`"${text}" typed`, () => pane(fe).includes(text.slice(-30)), 10);
-  tmux(fe, "send-keys", "-t", "main", "Enter");
-  note(fe.id, `typed ${text}`);
-  fe.prompts.push({ text, at: Date.now() });
-}
-
 // Conditions a step waits for (`until: "name"` or `"name:arg"`); each holds once it is true.
 const conditions = {
   thinking: (fe) => model.requests.some((r) => ownerOf(r) === fe.id && r.directives?.think && !r.answeredAt),
-  burning: (fe) => fs.existsSync(path.join(fe.dir, "burn-start")) &&
-    scan().some((p) => p.cmdline.includes("while :; do :; done") && p.argv[0] === "sh" && p.cwd === fe.dir),
+  // Noted, so that the burn's markers are read at the scenario's end.
+  burning: (fe) => (fe.burnt = fs.existsSync(path.join(fe.dir, "burn-start")) &&
+    scan().some((p) => p.cmdline.includes("while :; do :; done") && p.argv[0] === "sh" && p.cwd === fe.dir)),
   "turn done": (fe) => turnsDone(fe) > fe.turnsBefore,
   "approval shown": (fe) => pane(fe).includes("Would you like to run"),
   file: (fe, name) => fs.existsSync(path.join(fe.dir, name)),
   exited: (fe) => fe.exit !== undefined,
-  usage: (fe) => usageReported(fe),
+  // brenvik-status's latest report holds exactly the figures the fake chose for the
+  // front-end's latest turn: its model, the tokens of all its responses, the context
+  // left after the last one, and the account's limits. The run fails where it never does.
+  usage: (fe) => {
+    const mine = model.requests.filter((r) => r.n && !r.title && fe.prompts.some((p) => p.text === r.prompt));
+    const last = mine.at(-1)?.figures;
+    const report = lines.at(-1)?.report;
+    const group = report?.groups.find((g) => g.cwd === fe.dir);
+    const limits = report?.limits.find((l) => l.codexHome === codexHome(fe.release));
+    const windowIs = (w, want) => w?.usedPercent === want.usedPercent && w.windowMinutes === want.windowMinutes && Date.parse(w.resetsAt) === want.resetsAt * 1000;
+    const ok = last && group?.model === "mock-model" &&
+      group.tokens === mine.reduce((sum, r) => sum + r.figures.usage.total_tokens, 0) && group.contextLeftPercent === Math.floor(100 * (1 - last.usage.total_tokens / 258400)) &&
+      windowIs(limits?.primary, last.limits.primary) && windowIs(limits?.secondary, last.limits.secondary);
+    if (ok) usageSeen.push(`${fe.name}: ${group.tokens} tokens, ${group.contextLeftPercent} % context left, 5 h ${limits.primary.usedPercent} %, week ${limits.secondary.usedPercent} %`);
+    fe.lastUsage = JSON.stringify({ group: group && { model: group.model, tokens: group.tokens, contextLeftPercent: group.contextLeftPercent }, limits });
+    return ok;
+  },
   "limits reset": (fe) => {
     const primary = lines.at(-1)?.report.limits.find((l) => l.codexHome === codexHome(fe.release))?.primary;
     const reset = primary?.usedPercent === 0 && Date.parse(primary.resetsAt) <= Date.now();
@@ -402,37 +377,15 @@ const conditions = {
     return reset;
   },
 };
-
-// Whether brenvik-status's latest report holds exactly the figures the fake chose for the
-// front-end's latest turn: its model, the tokens of all its responses, the context left
-// after the last one, and the account's limits. The run fails where it never does.
 const usageSeen = []; // what brenvik-status reported as the fake chose it, for the summary
-function usageReported(fe) {
-  const mine = model.requests.filter((r) => r.n && !r.title && fe.prompts.some((p) => p.text === r.prompt));
-  const last = mine.at(-1)?.figures;
-  const report = lines.at(-1)?.report;
-  const group = report?.groups.find((g) => g.cwd === fe.dir);
-  const limits = report?.limits.find((l) => l.codexHome === codexHome(fe.release));
-  const windowIs = (w, want) => w?.usedPercent === want.usedPercent && w.windowMinutes === want.windowMinutes &&
-    Date.parse(w.resetsAt) === want.resetsAt * 1000;
-  const ok = last && group?.model === "mock-model" &&
-    group.tokens === mine.reduce((sum, r) => sum + r.figures.usage.total_tokens, 0) &&
-    group.contextLeftPercent === Math.floor(100 * (1 - last.usage.total_tokens / 258400)) &&
-    windowIs(limits?.primary, last.limits.primary) && windowIs(limits?.secondary, last.limits.secondary);
-  if (ok) usageSeen.push(`${fe.name}: ${group.tokens} tokens, ${group.contextLeftPercent} % context left, ` +
-    `5 h ${limits.primary.usedPercent} %, week ${limits.secondary.usedPercent} %`);
-  fe.lastUsage = JSON.stringify({ group: group && { model: group.model, tokens: group.tokens, contextLeftPercent: group.contextLeftPercent }, limits });
-  return ok;
-}
 
 // The session logs of this run: { file, cwd } once their first line is written.
 const logCwds = new Map(); // file -> cwd
 function sessionLogs() {
-  for (const sessions of Object.keys(releases).map((r) => path.join(codexHome(r), "sessions")).filter((d) => fs.existsSync(d))) {
-    for (const f of fs.readdirSync(sessions, { recursive: true }).map((name) => path.join(sessions, name))) {
-      const first = f.endsWith(".jsonl") && !logCwds.has(f) && entries(f)[0]; // none while it is still being written
-      if (first) logCwds.set(f, first.payload?.cwd);
-    }
+  const sessions = all.map((r) => path.join(codexHome(r), "sessions"));
+  for (const f of sessions.flatMap((d) => tryOr(() => fs.readdirSync(d, { recursive: true }).map((name) => path.join(d, name)), []))) {
+    const first = f.endsWith(".jsonl") && !logCwds.has(f) && entries(f)[0]; // none while it is still being written
+    if (first) logCwds.set(f, first.payload?.cwd);
   }
   return [...logCwds].map(([file, cwd]) => ({ file, cwd }));
 }
@@ -444,15 +397,12 @@ const entries = (file) => readOr(file, "").split("\n").flatMap((line) => tryOr((
 // where the release writes none, each response that answered without calling a tool
 // (closed by the token_count that follows it).
 function turnsDone(fe) {
-  let n = 0;
-  for (const { file } of sessionLogs().filter((l) => l.cwd === fe.dir)) {
-    let answered = false;
-    for (const p of entries(file).map((e) => e.payload ?? {})) {
-      if (releases[fe.release].turnEvents) n += p.type === "task_complete" ? 1 : 0;
-      else if (p.type === "message" && p.role === "assistant") answered = true;
-      else if (p.type === "function_call" || p.type === "user_message") answered = false;
-      else if (p.type === "token_count" && answered) { n++; answered = false; }
-    }
+  let [n, answered] = [0, false];
+  for (const p of sessionLogs().filter((l) => l.cwd === fe.dir).flatMap(({ file }) => entries(file).map((e) => e.payload ?? {}))) {
+    if (releases[fe.release].turnEvents) n += p.type === "task_complete" ? 1 : 0;
+    else if (p.type === "message" && p.role === "assistant") answered = true;
+    else if (p.type === "function_call" || p.type === "user_message") answered = false;
+    else if (p.type === "token_count" && answered) { n++; answered = false; }
   }
   return n;
 }
@@ -492,38 +442,13 @@ function describe(pid) {
   if (!stat) return null;
   const fields = stat.slice(stat.lastIndexOf(")") + 2).split(" ");
   const argv = readOr(`/proc/${pid}/cmdline`, "").replace(/\0$/, "").split("\0");
-  const env = Object.fromEntries(readOr(`/proc/${pid}/environ`, "").split("\0")
-    .filter((kv) => kv.startsWith("BRENVIK_E2E_")).map((kv) => kv.split(/=(.*)/s).slice(0, 2)));
-  return { pid, ppid: Number(fields[1]), state: fields[0], exe: linkOr(`/proc/${pid}/exe`), cwd: linkOr(`/proc/${pid}/cwd`),
-    argv, cmdline: argv.join(" "), env };
+  const env = Object.fromEntries(readOr(`/proc/${pid}/environ`, "").split("\0").filter((kv) => kv.startsWith("BRENVIK_E2E_")).map((kv) => kv.split(/=(.*)/s).slice(0, 2)));
+  return { pid, ppid: Number(fields[1]), state: fields[0], exe: linkOr(`/proc/${pid}/exe`), cwd: linkOr(`/proc/${pid}/cwd`), argv, cmdline: argv.join(" "), env };
 }
 
 const isDaemon = (p) => p.argv[1] === "app-server";
-// The pid file appears empty first; the daemon is up once it names a PID.
-const daemonStarted = (release) =>
-  tryOr(() => JSON.parse(fs.readFileSync(path.join(codexHome(release), "app-server-daemon/daemon.pid"), "utf8")).pid > 0, false);
-
 // The shared daemons' PIDs, kept after they exit so that a late refresh still tells them.
 const daemons = new Set();
-
-// Notes the daemons, and marks a TUI front-end exited once none of its processes (the
-// daemon's aside) is left.
-function startScanner() {
-  setInterval(() => {
-    const procs = scan();
-    for (const p of procs) if (isDaemon(p)) daemons.add(p.pid);
-    const byPid = new Map(procs.map((p) => [p.pid, p]));
-    const underDaemon = (p) => { for (let q = p; q; q = byPid.get(q.ppid)) if (isDaemon(q)) return true; return false; };
-    const logged = new Set(sessionLogs().map((l) => l.cwd));
-    for (const [id, fe] of frontEnds) {
-      if (fe.logSeen === undefined && logged.has(fe.dir)) fe.logSeen = Date.now();
-      if (fe.child || fe.exit !== undefined) continue;
-      const alive = procs.some((p) => p.env.BRENVIK_E2E_FRONTEND === id && !underDaemon(p));
-      if (alive) fe.seen = true;
-      else if (fe.seen) { fe.exit = Date.now(); note(id, "gone"); }
-    }
-  }, 250).unref();
-}
 
 // Which front-end of ours a Brenvik group is, by its project directory and start time.
 // Returns a front-end id, "daemon", "run" (ours but no front-end's) or null (not ours).
@@ -542,13 +467,10 @@ function record(moment, what) {
   if (!opts.record) return;
   const procs = new Map(scan().map((p) => [p.pid, p]));
   // Ancestors up to this driver, so every tree has its root.
-  const addParent = (p) => {
+  for (let todo = [...procs.values()], p = todo.pop(); p; p = todo.pop()) {
     const parent = p.pid !== process.pid && p.ppid > 1 && !procs.has(p.ppid) && describe(p.ppid);
-    if (!parent) return;
-    procs.set(parent.pid, parent);
-    addParent(parent);
-  };
-  [...procs.values()].forEach(addParent);
+    if (parent) todo.push(procs.set(parent.pid, parent).get(parent.pid));
+  }
   const stable = (s) => s.replaceAll(temp, "/tmp/codex-e2e").replaceAll(prefix, "/opt/codex-npm").replaceAll(sourceDir, "/work/src");
   const rows = [...procs.values()].sort((a, b) => a.pid - b.pid)
     // This driver's own arguments name local paths and say nothing.
@@ -559,14 +481,12 @@ function record(moment, what) {
 
 // --- checks ----------------------------------------------------------------------------
 
-const sessionStatus = (groups) =>
-  ["running", "waiting"].find((s) => groups.some((g) => g.status === s)) ?? (groups.length ? "idle" : "absent");
+const sessionStatus = (groups) => ["running", "waiting"].find((s) => groups.some((g) => g.status === s)) ?? (groups.length ? "idle" : "absent");
 
 // Judges the recorded refreshes; returns the problems and what held, each with the
 // number of refreshes it held at.
 function check() {
-  const problems = [];
-  const summaries = [];
+  const [problems, summaries] = [[], []];
   const judge = (name, selected, ok, why) => {
     const bad = selected.filter((l) => !ok(l));
     if (selected.length === 0) problems.push(`${name}: no refresh to judge`);
@@ -588,12 +508,12 @@ function check() {
       const rule = windowRules[w.kind];
       const selected = lines.filter((l) => l.t >= w.start + rule.from && l.t <= w.end);
       if (selected.length === 0 && w.end - w.start - rule.from < REFRESH) continue;
-      judgeMine(`${rule.status} during ${w.kind} ${rel(w.start)}..${rel(w.end)}`, selected, (l) => statusMatches(rule.status, sessionStatus(mine(l))),
-        (l) => `${sessionStatus(mine(l))} ${describeGroups(mine(l))}`);
+      const status = (l) => sessionStatus(mine(l));
+      const ok = (l) => (rule.status === "not running" ? status(l) !== "running" : status(l) === rule.status);
+      judgeMine(`${rule.status} during ${w.kind} ${rel(w.start)}..${rel(w.end)}`, selected, ok, (l) => `${status(l)} ${describeGroups(mine(l))}`);
     }
     // Once the session's log exists, every release's, the log decides (source "log").
-    const logged = alive.filter((l) => l.t >= fe.logSeen + REFRESH && one(l));
-    if (fe.logSeen !== undefined) judgeMine("judged by its log once it exists", logged, (l) => mine(l)[0].source === "log");
+    if (fe.logSeen !== undefined) judgeMine("judged by its log once it exists", alive.filter((l) => l.t >= fe.logSeen + REFRESH && one(l)), (l) => mine(l)[0].source === "log");
     // The TUI runs in pane 0.0 of session "main" of its own tmux server (-L, and a
     // TMUX_TMPDIR that brenvik-status does not share).
     if (fe.tmux) {
@@ -609,60 +529,56 @@ function check() {
 
 // The tray app's notices: each codex exec 15 s turn is announced once as finished after
 // it ended; each TUI approval question once as waiting, closed once it was approved, and
-// nothing else as waiting; a TUI left alone gets none.
+// nothing else as waiting; a TUI left alone gets none; the second TUI's turn that took
+// the 5 h limit to 92 % gets one notice.
 function checkNotifications(problems, summaries) {
-  const { notices } = desktop.record;
-  const naming = (fe, kind) => notices.filter((n) => n.summary.startsWith(kind) && projectsOf(n).includes(path.basename(fe.dir)));
+  const { notices, closedAt } = desktop.record;
   const after = (from, to) => `${((to - from) / 1000).toFixed(1)} s after`;
   const said = [];
+  // The one notice of `list` shown within from..to, or none (and a problem).
+  const theOne = (who, what, list, from, to = Infinity) => {
+    if (list.length === 1 && list[0].t >= from && list[0].t <= to) return list[0];
+    problems.push(`${who}: ${list.length} ${what} notices, not one within ${rel(from)}..${to === Infinity ? "" : rel(to)}: ${describeNotices(list)}`);
+  };
   for (const fe of frontEnds.values()) {
-    const problem = (text) => problems.push(`${fe.name}: ${text}`);
-    if (fe.holdOutput) {
-      const finished = naming(fe, "Codex finished · ");
-      const turnEnd = promptWindows(fe).find((w) => w.kind === "turn end")?.start;
-      if (finished.length !== 1) problem(`${finished.length} "finished" notices, not 1: ${describeNotices(finished)}`);
-      else if (!(finished[0].t >= turnEnd)) problem(`"finished" at ${rel(finished[0].t)}, before its turn ended at ${rel(turnEnd)}`);
-      else said.push(`"${finished[0].summary}" ${after(turnEnd, finished[0].t)} its turn ended`);
-    }
+    const naming = (kind) => notices.filter((n) => n.summary.startsWith(kind) && projectsOf(n).includes(path.basename(fe.dir)));
+    const turnEnd = promptWindows(fe).find((w) => w.kind === "turn end")?.start;
+    const finished = fe.holdOutput && theOne(fe.name, '"finished"', naming("Codex finished · "), turnEnd);
+    if (finished) said.push(`"${finished.summary}" ${after(turnEnd, finished.t)} its turn ended`);
     const [approval, approved] = ["approval", "approved"].map((kind) => fe.windows.find((w) => w.kind === kind));
-    const waiting = naming(fe, "Codex is waiting for you · ");
-    if (!approval && waiting.length) problem(`"waiting" notices, but no approval question: ${describeNotices(waiting)}`);
-    if (approval && approved) {
-      // The question shows as soon as the model asks: from the prompt that makes it ask.
-      const asked = fe.prompts.find((p) => p.text.includes("[escalate]")).at;
-      const closed = waiting.length === 1 ? desktop.record.closedAt(waiting[0]) : undefined;
-      if (waiting.length !== 1) problem(`${waiting.length} "waiting" notices, not 1: ${describeNotices(waiting)}`);
-      else if (!(waiting[0].t >= asked && waiting[0].t <= approval.end)) problem(`"waiting" at ${rel(waiting[0].t)}, outside the approval question ${rel(asked)}..${rel(approval.end)}`);
-      else if (closed === undefined) problem(`the "waiting" notice (id ${waiting[0].id}) was never closed`);
-      else if (!(closed >= approved.start && closed <= approved.start + 3 * REFRESH)) problem(`the "waiting" notice closed at ${rel(closed)}, not within 3 refreshes of the approval at ${rel(approved.start)}`);
-      else said.push(`"${waiting[0].summary}" ${after(asked, waiting[0].t)} the prompt that asks, closed ${after(approved.start, closed)} the approval`);
-    }
-    if (fe.windows.some((w) => w.kind === "left alone")) {
-      const any = naming(fe, "");
-      if (any.length) problem(`notices about a TUI left alone: ${describeNotices(any)}`);
-      else said.push(`none about ${fe.name}`);
-    }
+    const waiting = naming("Codex is waiting for you · ");
+    if (!approval && waiting.length) problems.push(`${fe.name}: "waiting" notices, but no approval question: ${describeNotices(waiting)}`);
+    // The question shows as soon as the model asks: from the prompt that makes it ask.
+    const asked = approved && fe.prompts.find((p) => p.text.includes("[escalate]")).at;
+    const shown = approved && theOne(fe.name, '"waiting"', waiting, asked, approval.end);
+    const closed = shown && closedAt(shown);
+    if (shown && !(closed >= approved.start && closed <= approved.start + 3 * REFRESH)) {
+      problems.push(`${fe.name}: the "waiting" notice (id ${shown.id}) closed at ${closed ? rel(closed) : "no time"}, not within 3 refreshes of the approval at ${rel(approved.start)}`);
+    } else if (shown) said.push(`"${shown.summary}" ${after(asked, shown.t)} the prompt that asks, closed ${after(approved.start, closed)} the approval`);
+    const aboutFresh = fe.windows.some((w) => w.kind === "left alone") && naming("");
+    if (aboutFresh?.length) problems.push(`${fe.name}: notices about a TUI left alone: ${describeNotices(aboutFresh)}`);
+    else if (aboutFresh) said.push(`none about ${fe.name}`);
   }
-  // One notice as the second TUI's turn took the 5 h limit to 92 %.
-  if (frontEnds.get("tui2")) {
-    const near = notices.filter((n) => n.summary.startsWith("Codex 5 h limit at "));
-    if (near.length !== 1 || !near[0].summary.startsWith("Codex 5 h limit at 92 % · resets ")) problems.push(`limits: ${near.length} "5 h limit" notices, not one at 92 %: ${describeNotices(near)}`);
-    else said.push(`"${near[0].summary}"`);
-  }
+  const near = notices.filter((n) => n.summary.startsWith("Codex 5 h limit at "));
+  const at92 = near.length === 1 && near[0].summary.startsWith("Codex 5 h limit at 92 % · resets ");
+  if (frontEnds.get("tui2") && !at92) problems.push(`limits: ${near.length} "5 h limit" notices, not one at 92 %: ${describeNotices(near)}`);
+  else if (frontEnds.get("tui2")) said.push(`"${near[0].summary}"`);
   if (said.length) summaries.push(`ok  notifications: ${said.join("; ")}; ${notices.length} notices in all`);
 }
 
 const describeNotices = (notices) => notices.map((n) => `[${rel(n.t)} "${n.summary}" id ${n.id}]`).join(" ") || "none";
 
 const rel = (t) => `+${((t - t0) / 1000).toFixed(1)}s`;
-const describeGroups = (groups) =>
-  groups.map((g) => `[${attribute(g) ?? "other"} ${g.pid} ${g.status}/${g.source ?? "-"} ${g.cwd ?? "-"} m${g.memberCount}]`).join(" ");
+const describeGroups = (groups) => groups.map((g) => `[${attribute(g) ?? "other"} ${g.pid} ${g.status}/${g.source ?? "-"} ${g.cwd ?? "-"} m${g.memberCount}]`).join(" ");
 
 // Everything that happened, the driver's notes, the model's answers, the tray app's
 // notices and each refresh of brenvik-status, in time order.
 function printTimeline() {
   const rows = [
     ...events,
+    ...(model?.requests ?? []).map((r) => ({ t: r.t, who: "model", text: r.followUp ? `#${r.n} ${ownerOf(r)}: tool output back: final answer`
+      : r.n ? `#${r.n} ${ownerOf(r)}: ${r.title ? "title request" : JSON.stringify(r.directives)}`
+      : `${r.method} ${r.path}${r.refused ? " (outside, refused)" : ""}${r.error ? `: ${r.error}` : ""}` })),
     ...(model?.requests ?? []).filter((r) => r.answeredAt && !r.title).map((r) => ({ t: r.answeredAt, who: "model", text: `#${r.n} answered${r.final ? ": final answer" : ""}` })),
     ...(desktop?.record.notices ?? []).map((n) => ({ t: n.t, who: "notice", text: `"${n.summary}" id ${n.id}${n.replaces ? ` replacing ${n.replaces}` : ""}` })),
     ...(desktop?.record.closes ?? []).map((c) => ({ t: c.t, who: "notice", text: `closed id ${c.id}` })),
@@ -685,7 +601,6 @@ function finish(code, why) {
     clearTimeout(watchdog);
     try { logEvents(); } catch (err) { note("driver", `logs unreadable: ${err.message}`); }
     await cleanUp();
-    desktop?.record.flush();
     const { problems, summaries } = check();
     problems.unshift(...failures);
     if (problems.length || opts.timeline) printTimeline();
@@ -712,10 +627,8 @@ async function cleanUp() {
   }
   const survivors = scan();
   if (survivors.length) failures.push(`processes left behind: ${survivors.map((p) => `${p.pid} ${p.cmdline}`).join("; ")}`);
-  if (brenvik && brenvik.exitCode === null) {
-    brenvik.kill("SIGTERM");
-    await until("brenvik-status to exit", () => brenvik.exitCode !== null || brenvik.signalCode !== null, 10).catch(() => brenvik.kill("SIGKILL"));
-  }
+  brenvik?.kill("SIGTERM");
+  await until("brenvik-status to exit", () => !children.has(brenvik), 10).catch(() => brenvik.kill("SIGKILL"));
   await model?.close();
   for (const sock of socks) if (/^\/tmp\/codex-daemon-\d+\/[0-9a-f]+$/.test(sock)) for (const f of [sock, `${sock}.lock`]) fs.rmSync(f, { force: true });
   if (opts.keep) console.log(`kept ${temp}`);
@@ -730,10 +643,10 @@ const watchdog = setTimeout(() => finish(1, `the whole run exceeded its cap of $
 
 try {
   await setUp();
-  const chosen = scenarios.filter((s) => !opts.only || opts.only.includes(s.id) || opts.only.includes(s.release));
+  const only = opts.only?.split(",");
+  const chosen = scenarios.filter((s) => !only || only.includes(s.id) || only.includes(s.release));
   // Each release's scenarios one after another, the releases side by side.
-  const lanes = Object.keys(releases).map((r) => chosen.filter((s) => s.release === r));
-  const ended = await Promise.allSettled(lanes.map(async (lane) => { for (const s of lane) await runScenario(s); }));
+  const ended = await Promise.allSettled(all.map(async (r) => { for (const s of chosen.filter((c) => c.release === r)) await runScenario(s); }));
   for (const e of ended) if (e.status === "rejected") failures.push(String(e.reason?.message ?? e.reason));
   // Two more refreshes, so that the last front-end's exit is seen.
   const seen = lines.length;

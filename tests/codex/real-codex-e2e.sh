@@ -2,7 +2,8 @@
 # Runs real-codex-e2e.mjs under a Node.js that Codex, codex-acp and acpx accept: the
 # machine's where it is new enough, else the pinned one tools/install-codex.sh brings
 # (Debian 12's Node.js 18 is too old). Takes the driver's arguments; its --codex-cache
-# DIR goes to the installer too.
+# DIR goes to the installer, whose two lines (the install's folder, the node) the
+# driver gets in BRENVIK_CODEX_INSTALL.
 set -euo pipefail
 # A PID namespace of its own where the machine allows one, so that Codex sessions of
 # other runs on the machine reach neither brenvik-status's report nor the tray app's
@@ -11,8 +12,6 @@ if [[ -z ${BRENVIK_E2E_NAMESPACED:-} ]] && unshare -fp --mount-proc true 2>/dev/
     BRENVIK_E2E_NAMESPACED=1 exec unshare -fp --mount-proc "$0" "$@"
 fi
 here=$(cd "$(dirname "$0")" && pwd)
-args=("$@")
-cache=()
-for ((i = 0; i + 1 < ${#args[@]}; i++)); do [[ ${args[i]} == --codex-cache ]] && cache=("${args[i + 1]}"); done
-installed=$("$here/../../tools/install-codex.sh" "${cache[@]}")
-exec "${installed##*$'\n'}" "$here/real-codex-e2e.mjs" "$@"
+cache=$(printf '%s\n' "$@" | sed -n '/^--codex-cache$/{n;p;q}')
+installed=$("$here/../../tools/install-codex.sh" ${cache:+"$cache"})
+BRENVIK_CODEX_INSTALL=$installed exec "${installed##*$'\n'}" "$here/real-codex-e2e.mjs" "$@"
