@@ -60,7 +60,6 @@ TEST(NotificationPolicy, WhatIsAnnounced) {
         match.startedAt = at(1);
         return match;
     };
-    const QString off; // turned off, nothing expected
     const struct {
         const char* name;
         QList<Step> steps;
@@ -84,11 +83,6 @@ TEST(NotificationPolicy, WhatIsAnnounced) {
         {"a session that ends with its turn, as codex exec does",
          {{0, {a(running, -14, "Done.")}},
           {2, {}, u"Codex finished \u00B7 alpha | Worked 16 s\nDone."_qs}}},
-        {"waiting, then approved",
-         {{0, {a(running, -30)}},
-          {2, {a(waiting, 1)}, alphaWaits},
-          {4, {a(waiting, 1)}},
-          {6, {a(running, 5)}, u"close 1"_qs}}},
         {"two sessions in one refresh share one notice",
          {{0, {a(running, -60), b(running, -60)}},
           {2,
@@ -96,12 +90,10 @@ TEST(NotificationPolicy, WhatIsAnnounced) {
            u"Codex finished \u00B7 alpha, beta | 2 sessions are done."_qs}}},
         {"nothing while detection fails, nor when it comes back",
          {{0, {a(running, -60)}}, {2, {}, {}, true}, {4, {a(running, -60)}}}},
-        {"turned off: nothing shown, but a waiting notice still closes",
-         {{0, {a(running, -60)}},
-          {2, {a(waiting, 1)}, alphaWaits},
-          {4, {a(idle, 3)}, u"close 1"_qs, false, false},
-          {6, {a(running, 5)}, off, false, false},
-          {30, {a(idle, 29)}, off, false, false}}},
+        {"turned off: beta's work not announced, but alpha's waiting notice still closes",
+         {{0, {a(running, -60), b(running, -60)}},
+          {2, {a(waiting, 1), b(running, -60)}, alphaWaits},
+          {4, {a(idle, 3), b(idle, 3)}, u"close 1"_qs, false, false}}},
         {"a waiting session that went away",
          {{0, {a(running, -60)}}, {2, {a(waiting, 1)}, alphaWaits}, {4, {}, u"close 1"_qs}}},
     };
