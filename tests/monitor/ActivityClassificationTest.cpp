@@ -120,35 +120,29 @@ TEST(ActivityClassification, TheSessionLogDecidesWhereItCan) {
     const auto waiting = ProcessActivityStatus::waiting;
     const auto log = StatusSource::log;
     const auto cpu = StatusSource::cpu;
-    const struct {
-        const char* name;
-        DetectedProcessSample sample;
-        CodexProcessMonitor::LogState log;
-        ProcessActivityStatus status;
-        StatusSource source;
-        qint64 sinceMs;
-    } cases[] = {
-        {"open turn, model thinking at no CPU", sample(1, 0.0, base),
-         logIn(TurnPhase::running, -5000), running, log, -5000},
-        {"tool call without output, no command: the user is asked", sample(1, 0.0, base),
-         logIn(TurnPhase::awaitingToolOutput, -2000), waiting, log, -2000},
-        {"tool call written a moment ago: its command is starting", sample(1, 0.0, base),
-         logIn(TurnPhase::awaitingToolOutput, -1999), running, log, -1999},
-        {"turn ended: idle whatever the CPU", sample(1, 80.0, base, true),
-         logIn(TurnPhase::idle, -3000), idle, log, -3000},
-        {"no turn yet: idle whatever its start-up costs", sample(1, 90.0, base, true),
-         logIn(TurnPhase::notStarted), idle, log, 0},
-        {"a log that cannot decide leaves it to the CPU", sample(1, 80.0, base),
-         logIn(TurnPhase::unknown), running, cpu, 0},
-        {"no log", sample(1, 0.0, base), std::nullopt, idle, cpu, 0},
-    };
+    const auto call = TurnPhase::awaitingToolOutput;
+    // Name, CPU percent (any is hot as well), the log's phase (none: no log)
+    // and since when, and the verdict with its source; it holds since then.
+    const std::tuple<const char*, double, std::optional<TurnPhase>, qint64, ProcessActivityStatus,
+                     StatusSource>
+        cases[] = {
+            {"open turn, model thinking at no CPU", 0, TurnPhase::running, -5000, running, log},
+            {"tool call, no output, no command: the user is asked", 0, call, -2000, waiting, log},
+            {"tool call written a moment ago: its command starts", 0, call, -1999, running, log},
+            {"turn ended: idle whatever the CPU", 80, TurnPhase::idle, -3000, idle, log},
+            {"no turn yet: idle whatever start-up costs", 90, TurnPhase::notStarted, 0, idle, log},
+            {"a log that cannot decide: the CPU rule", 80, TurnPhase::unknown, 0, running, cpu},
+            {"no log", 0, std::nullopt, 0, idle, cpu},
+        };
     const ScriptedMonitor scripted;
-    for (const auto& c : cases) {
-        const auto result = scripted.monitor.classify({c.sample}, at(0), {c.log});
-        ASSERT_EQ(result.matches.size(), 1) << c.name;
-        EXPECT_EQ(result.matches[0].status, c.status) << c.name;
-        EXPECT_EQ(result.matches[0].source, c.source) << c.name;
-        EXPECT_EQ(result.matches[0].since, at(c.sinceMs)) << c.name;
+    for (const auto& [name, cpuPercent, phase, sinceMs, status, source] : cases) {
+        const auto result =
+            scripted.monitor.classify({sample(1, cpuPercent, base, cpuPercent > 0)}, at(0),
+                                      {phase ? logIn(*phase, sinceMs) : std::nullopt});
+        ASSERT_EQ(result.matches.size(), 1) << name;
+        EXPECT_EQ(result.matches[0].status, status) << name;
+        EXPECT_EQ(result.matches[0].source, source) << name;
+        EXPECT_EQ(result.matches[0].since, at(sinceMs)) << name;
     }
 }
 
