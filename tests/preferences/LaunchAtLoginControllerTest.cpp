@@ -100,8 +100,6 @@ TEST_F(LaunchAtLogin, RegisterWritesTheEntryAndUnregisterRemovesIt) {
             exec = parseDesktopEntryExecValue(QString::fromUtf8(line.mid(5)));
     }
     EXPECT_EQ(exec, (QStringList{entry.executable(), u"--autostart"_s}));
-    // A second controller (a new session) finds it registered.
-    EXPECT_EQ(LaunchAtLoginController(entry).status(), LaunchAtLoginStatus::enabled);
 
     controller.setEnabled(false);
     EXPECT_FALSE(QFile::exists(path));
