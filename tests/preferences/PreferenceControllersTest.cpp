@@ -5,6 +5,7 @@
 #include "tests/views/ViewTestSupport.h"
 
 #include <QDir>
+#include <QRegularExpression>
 #include <QSignalSpy>
 #include <gtest/gtest.h>
 
@@ -164,11 +165,8 @@ TEST_F(Preferences, OnlyAStableExecutableCanRegister) {
 
 TEST_F(Preferences, RegisterWritesTheEntryAndUnregisterRemovesIt) {
     // The Exec= round trip of awkward paths is desktopEntryExecValue's test.
-    const AutostartEntry entry = this->entry(m_program);
-    LaunchAtLoginController controller(entry);
+    LaunchAtLoginController controller(entry(m_program));
     const QString path = m_autostart + u"/brenvik.desktop"_s;
-    EXPECT_EQ(controller.status(), LaunchAtLoginStatus::notRegistered);
-
     controller.setEnabled(true);
     EXPECT_EQ(controller.status(), LaunchAtLoginStatus::enabled);
     EXPECT_EQ(controller.lastError(), std::nullopt);
@@ -180,12 +178,9 @@ TEST_F(Preferences, RegisterWritesTheEntryAndUnregisterRemovesIt) {
           "Terminal=false\n", "X-GNOME-Autostart-enabled=true\n", "X-GNOME-Autostart-Delay=3\n",
           "X-KDE-autostart-after=panel\n"})
         EXPECT_TRUE(contents.contains(line)) << line;
-    std::optional<QStringList> exec;
-    for (const QByteArray& line : contents.split('\n')) {
-        if (line.startsWith("Exec="))
-            exec = parseDesktopEntryExecValue(QString::fromUtf8(line.mid(5)));
-    }
-    EXPECT_EQ(exec, (QStringList{entry.executable(), u"--autostart"_s}));
+    const QRegularExpression execLine(u"^Exec=(.*)$"_s, QRegularExpression::MultilineOption);
+    EXPECT_EQ(parseDesktopEntryExecValue(execLine.match(QString::fromUtf8(contents)).captured(1)),
+              (QStringList{m_program, u"--autostart"_s}));
 
     controller.setEnabled(false);
     EXPECT_FALSE(QFile::exists(path));
