@@ -146,8 +146,6 @@ TEST_F(RefreshLoop, OneScanAtATimeThenEveryIntervalThroughFailures) {
         monitor.wakeUpForTesting();
         QCoreApplication::processEvents();
     }
-    EXPECT_TRUE(monitor.isRefreshing());
-    EXPECT_FALSE(monitor.lastUpdated());
     EXPECT_EQ(recorder.notices, QStringList()) << recorder.notices.join(u'\n').toStdString();
     scan.release();
     ASSERT_TRUE(waitForRefreshToEnd(monitor));
