@@ -36,7 +36,6 @@ const struct {
     const char* name;
     QList<Step> steps;
 } kCases[] = {
-    {"new quiet group with much CPU time is idle", {{0, {sample(1, 0.0, 5000.0)}, "1 idle -"}}},
     {"hot state alone is busy, also at first sight",
      {{0, {sample(1, 0.0, 0.0, true)}, "1 running 0"}}},
     {"two 10 ms ticks in a 2 s interval are noise; three are work; the samples' order kept",
