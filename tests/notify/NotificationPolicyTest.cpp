@@ -97,10 +97,9 @@ TEST(NotificationPolicy, WhatIsAnnounced) {
     for (const auto& c : cases) {
         NotificationPolicy policy;
         for (const Step& step : c.steps) {
-            EXPECT_EQ(outcome(policy.update(step.matches, step.failed, step.enabled, at(step.at)))
-                          .join(u" ; ")
-                          .toStdString(),
-                      step.expected.toStdString())
+            const auto decision =
+                policy.update(step.matches, step.failed, step.enabled, at(step.at));
+            EXPECT_EQ(outcome(decision).join(u" ; ").toStdString(), step.expected.toStdString())
                 << c.name << " at " << step.at << " s";
         }
     }
