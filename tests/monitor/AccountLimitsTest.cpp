@@ -13,45 +13,36 @@ RateLimitWindow window(double percent, qint64 minutes, int resetInMinutes) {
     return {percent, minutes, kNow.addSecs(resetInMinutes * 60)};
 }
 
+RateLimits limits(RateLimitWindow fiveHours, std::optional<RateLimitWindow> week = {},
+                  QString reached = {}) {
+    return {fiveHours, week, {}, reached, kNow};
+}
+
 TEST(AccountLimits, LineAndLevel) {
-    const struct {
-        const char* name;
-        RateLimits limits;
-        const char16_t* line;
-        LimitsLevel level;
-    } cases[] = {
-        {"both windows, the 5 h one nearer",
-         {window(42, 300, 200), window(13, 10080, 3000), {}, {}, kNow},
-         u"Limits: 5 h 42 % · week 13 % · resets 15:20",
-         LimitsLevel::normal},
-        {"the week nearer its limit, next day",
-         {window(20, 300, 60), window(81, 10080, 24 * 60), {}, {}, kNow},
-         u"Limits: 5 h 20 % · week 81 % · resets Wed 12:00",
-         LimitsLevel::warning},
-        {"96 %",
-         {window(96, 300, 30), std::nullopt, {}, {}, kNow},
-         u"Limits: 5 h 96 % · resets 12:30",
-         LimitsLevel::critical},
-        {"reached at 60 %",
-         {window(60, 300, 30), std::nullopt, {}, u"rate_limit_reached"_qs, kNow},
-         u"Limits: 5 h 60 % · resets 12:30",
-         LimitsLevel::critical},
-        {"reset: the other window's reset shown",
-         {window(99, 300, -1), window(13, 10080, 60), {}, u"rate_limit_reached"_qs, kNow},
-         u"Limits: 5 h reset · week 13 % · resets 13:00",
-         LimitsLevel::normal},
-        {"odd window, no reset time",
-         {RateLimitWindow{79.6, 90, {}}, std::nullopt, {}, {}, kNow},
-         u"Limits: 90 min 80 %",
-         LimitsLevel::normal},
-        {"unknown window length",
-         {RateLimitWindow{5, {}, {}}, window(1, 2880, 10), {}, {}, kNow},
-         u"Limits: limit 5 % · 2 d 1 %",
-         LimitsLevel::normal},
+    using enum LimitsLevel;
+    const std::tuple<RateLimits, const char16_t*, LimitsLevel> cases[] = {
+        // Both windows, the 5 h one nearer.
+        {limits(window(42, 300, 200), window(13, 10080, 3000)),
+         u"Limits: 5 h 42 % · week 13 % · resets 15:20", normal},
+        // The week nearer its limit; its reset the next day.
+        {limits(window(20, 300, 60), window(81, 10080, 24 * 60)),
+         u"Limits: 5 h 20 % · week 81 % · resets Wed 12:00", warning},
+        {limits(window(96, 300, 30)), u"Limits: 5 h 96 % · resets 12:30", critical},
+        // Reached at 60 %.
+        {limits(window(60, 300, 30), {}, u"rate_limit_reached"_qs),
+         u"Limits: 5 h 60 % · resets 12:30", critical},
+        // A window that has reset: the other window's reset shown.
+        {limits(window(99, 300, -1), window(13, 10080, 60), u"rate_limit_reached"_qs),
+         u"Limits: 5 h reset · week 13 % · resets 13:00", normal},
+        // An odd window length, rounded up to a level it does not reach; no reset time.
+        {limits({79.6, 90, {}}), u"Limits: 90 min 80 %", normal},
+        // A window of unknown length.
+        {limits({5, {}, {}}, window(1, 2880, 10)), u"Limits: limit 5 % · 2 d 1 %", normal},
     };
-    for (const auto& c : cases) {
-        EXPECT_EQ(limitsLineText(c.limits, kNow), QStringView(c.line)) << c.name;
-        EXPECT_EQ(limitsLevel(c.limits, kNow), c.level) << c.name;
+    for (const auto& [rateLimits, line, level] : cases) {
+        const QString text = limitsLineText(rateLimits, kNow);
+        EXPECT_EQ(text, QStringView(line));
+        EXPECT_EQ(limitsLevel(rateLimits, kNow), level) << text.toStdString();
     }
 }
 

@@ -25,15 +25,13 @@ inline DetectedProcessSample sample(qint64 pid, double cpuPercent, double cpuTim
 }
 
 // A wall clock the test sets by hand; read on the GUI thread only.
-class ManualClock {
-public:
-    void set(qint64 ms) { m_now = at(ms); }
-    [[nodiscard]] CodexProcessMonitor::WallClock function() {
-        return [this] { return m_now; };
-    }
+struct ManualClock {
+    QDateTime now = at(0);
 
-private:
-    QDateTime m_now = at(0);
+    void set(qint64 ms) { now = at(ms); }
+    [[nodiscard]] CodexProcessMonitor::WallClock function() {
+        return [this] { return now; };
+    }
 };
 
 // A scan whose result the test scripts, that counts its calls and that can be
@@ -43,13 +41,6 @@ class ScriptedScan {
 public:
     using Behaviour = std::function<QList<DetectedProcessSample>()>;
 
-private:
-    template <typename F> auto locked(F f) const {
-        std::lock_guard lock(m_mutex);
-        return f();
-    }
-
-public:
     void returns(QList<DetectedProcessSample> samples) {
         setBehaviour([samples] { return samples; });
     }
@@ -84,6 +75,11 @@ public:
     }
 
 private:
+    template <typename F> std::invoke_result_t<F> locked(F f) const {
+        std::lock_guard lock(m_mutex);
+        return f();
+    }
+
     mutable std::mutex m_mutex;
     std::condition_variable m_changed;
     Behaviour m_behaviour = [] { return QList<DetectedProcessSample>(); };

@@ -14,7 +14,7 @@ namespace {
 QString describe(const QList<ProcessMatch>& matches) {
     QStringList pids;
     for (const ProcessMatch& match : matches)
-        pids << QString::number(match.pid);
+        pids << QString::number(match.pid) + u' ' + rawValue(match.status);
     return u'[' + pids.join(u',') + u']';
 }
 QString describe(const std::optional<QString>& text) {
@@ -58,69 +58,67 @@ private:
     QObject m_context;
 };
 
-enum class Outcome { success, failure, cancellation };
-
-// Every change comes as "will change", then the property's own notice.
-QStringList noticesFor(std::initializer_list<const char*> changes) {
+// A refresh's notices: each change as "will change", then the property's
+// own notice; matches and lastError only where the refresh was not cancelled.
+QStringList noticesFor(const char* matches, const QString& lastError, const char* lastUpdated) {
+    QStringList changes{u"isRefreshing: false -> true"_qs};
+    if (*matches)
+        changes << u"matches: "_qs + QString::fromUtf8(matches) << u"lastError: "_qs + lastError;
+    changes << u"isRefreshing: true -> false"_qs
+            << u"lastUpdated: "_qs + QString::fromUtf8(lastUpdated);
     QStringList notices;
-    for (const char* change : changes)
-        notices << QStringLiteral("will change") << QString::fromUtf8(change);
+    for (const QString& change : changes)
+        notices << u"will change"_qs << change;
     return notices;
 }
 
-const struct {
-    const char* name;
-    std::optional<Outcome> before; // a refresh that ended at 1000 ms
-    Outcome outcome;               // the recorded refresh, ending at 3000 ms
-    QStringList expected;
-} kOrderCases[] = {
-    {"success after a failure", Outcome::failure, Outcome::success,
-     noticesFor({"isRefreshing: false -> true", "matches: [] -> [7]", "lastError: \"boom\" -> none",
-                 "isRefreshing: true -> false", "lastUpdated: 1000 -> 3000"})},
-    {"first success also publishes the absent error", std::nullopt, Outcome::success,
-     noticesFor({"isRefreshing: false -> true", "matches: [] -> [7]", "lastError: none -> none",
-                 "isRefreshing: true -> false", "lastUpdated: none -> 3000"})},
-    {"failure after a success", Outcome::success, Outcome::failure,
-     noticesFor({"isRefreshing: false -> true", "matches: [7] -> []", "lastError: none -> \"boom\"",
-                 "isRefreshing: true -> false", "lastUpdated: 1000 -> 3000"})},
-    {"cancellation touches only the flag and the time", Outcome::success, Outcome::cancellation,
-     noticesFor({"isRefreshing: false -> true", "isRefreshing: true -> false",
-                 "lastUpdated: 1000 -> 3000"})},
-};
-
-void runRefresh(ScriptedMonitor& scripted, Outcome outcome, qint64 atMs) {
-    ScriptedScan& scan = scripted.scan;
+// Refreshes one after another on one monitor: when, what the scan does,
+// the notices, and whether the wait for the scan is cancelled.
+TEST(PublishedState, NoticesInOrderBeforeEachValueIsStoredAndFailuresAsText) {
+    using Samples = QList<DetectedProcessSample>;
+    const auto returns = [](Samples samples) -> ScriptedScan::Behaviour {
+        return [samples] { return samples; };
+    };
+    const QString unknown = u"\"Unknown error while reading the process table\""_qs;
+    const struct {
+        qint64 atMs;
+        ScriptedScan::Behaviour scan;
+        QStringList notices;
+        bool cancelled = false;
+    } refreshes[] = {
+        {1000, returns({sample(7, 5.0, 1.0)}),
+         noticesFor("[] -> [7 running]", u"none -> none"_qs, "none -> 1000")},
+        // Whatever the scan throws becomes the error text (a snapshot error's
+        // message is the loop test's); a failure forgets the history.
+        {3000, []() -> Samples { throw std::runtime_error("cannot read /proc"); },
+         noticesFor("[7 running] -> []", u"none -> \"cannot read /proc\""_qs, "1000 -> 3000")},
+        {5000, []() -> Samples { throw 42; },
+         noticesFor("[] -> []", u"\"cannot read /proc\" -> "_qs + unknown, "3000 -> 5000")},
+        // Within the grace period and with grown CPU time, but judged as new.
+        {7000, returns({sample(7, 0.0, 20.0)}),
+         noticesFor("[] -> [7 idle]", unknown + u" -> none", "5000 -> 7000")},
+        // A cancelled wait touches only the flag and the time.
+        {9000, returns({}), noticesFor("", {}, "7000 -> 9000"), true},
+    };
+    ScriptedMonitor scripted;
     CodexProcessMonitor& monitor = scripted.monitor;
-    scripted.clock.set(atMs);
-    if (outcome == Outcome::failure)
-        scan.fails(QStringLiteral("boom"));
-    else
-        scan.returns({sample(7, 5.0, 1.0)});
-    scan.hold();
-    monitor.refresh();
-    if (outcome == Outcome::cancellation)
-        monitor.cancelRefreshForTesting();
-    scan.release();
-    ASSERT_TRUE(waitForRefreshToEnd(monitor));
-}
-
-TEST(PublishedState, NoticesComeInOrderBeforeEachValueIsStored) {
-    for (const auto& testCase : kOrderCases) {
-        SCOPED_TRACE(testCase.name);
-        ScriptedMonitor scripted;
-        CodexProcessMonitor& monitor = scripted.monitor;
-        if (testCase.before)
-            runRefresh(scripted, *testCase.before, 1000);
+    for (const auto& refresh : refreshes) {
+        SCOPED_TRACE(::testing::Message() << "refresh at " << refresh.atMs << " ms");
         const auto matchesBefore = monitor.matches();
         const auto errorBefore = monitor.lastError();
         const auto historyPIDsBefore = monitor.historyByPID().keys();
-
         NoticeRecorder recorder(monitor);
-        runRefresh(scripted, testCase.outcome, 3000);
-        EXPECT_EQ(recorder.notices, testCase.expected)
-            << recorder.notices.join(u'\n').toStdString();
-
-        if (testCase.outcome == Outcome::cancellation) {
+        scripted.clock.set(refresh.atMs);
+        scripted.scan.setBehaviour(refresh.scan);
+        scripted.scan.hold();
+        monitor.refresh();
+        if (refresh.cancelled)
+            monitor.cancelRefreshForTesting();
+        scripted.scan.release();
+        ASSERT_TRUE(waitForRefreshToEnd(monitor));
+        EXPECT_EQ(recorder.notices, refresh.notices) << recorder.notices.join(u'\n').toStdString();
+        EXPECT_EQ(monitor.historyByPID().size(), monitor.matches().size());
+        if (refresh.cancelled) {
             EXPECT_EQ(monitor.matches(), matchesBefore);
             EXPECT_EQ(monitor.lastError(), errorBefore);
             EXPECT_EQ(monitor.historyByPID().keys(), historyPIDsBefore);
@@ -133,21 +131,29 @@ protected:
     QSignalSpy refreshes{&monitor, &CodexProcessMonitor::lastUpdatedChanged};
 };
 
-TEST_F(RefreshLoop, StartRefreshesAtOnceThenEveryIntervalThroughFailures) {
+// One scan at a time: start() again, refresh() and loop wake-ups during a
+// slow scan change nothing and queue nothing; the loop then goes on through
+// failures.
+TEST_F(RefreshLoop, OneScanAtATimeThenEveryIntervalThroughFailures) {
     scan.fails(QStringLiteral("ps failed with exit code 1"));
     scan.hold();
     monitor.start();
-    monitor.start(); // no second loop, no second refresh
-    EXPECT_TRUE(monitor.isRefreshing());
-    EXPECT_FALSE(monitor.lastUpdated());
+    EXPECT_TRUE(monitor.isRefreshing()) << "the first refresh starts at once";
+    NoticeRecorder recorder(monitor);
+    for (int wakeUp = 0; wakeUp < 3; ++wakeUp) {
+        monitor.start();
+        monitor.refresh();
+        monitor.wakeUpForTesting();
+        QCoreApplication::processEvents();
+    }
+    EXPECT_EQ(recorder.notices, QStringList()) << recorder.notices.join(u'\n').toStdString();
     scan.release();
     ASSERT_TRUE(waitForRefreshToEnd(monitor));
-    EXPECT_EQ(refreshes.size(), 1);
+    QCoreApplication::processEvents();
     EXPECT_EQ(scan.started(), 1);
-
-    QSignalSpy notices(&monitor, &CodexProcessMonitor::objectWillChange);
-    monitor.start();
-    EXPECT_EQ(notices.size(), 0);
+    EXPECT_EQ(refreshes.size(), 1);
+    monitor.start(); // a running loop is not started again
+    EXPECT_FALSE(monitor.isRefreshing());
 
     // The real timer this time, not the hook: a failing scan must not stop
     // the loop, and every failed refresh still moves lastUpdated on.
@@ -160,104 +166,26 @@ TEST_F(RefreshLoop, StartRefreshesAtOnceThenEveryIntervalThroughFailures) {
     EXPECT_EQ(monitor.lastUpdated(), at(2000));
 }
 
-// A slow scan: refresh() and loop wake-ups meanwhile change nothing and
-// queue nothing; the next wake-up after it starts the next scan.
-TEST_F(RefreshLoop, NothingStartsDuringASlowScanAndTheNextWakeUpDoes) {
+TEST(MonitorLifetime, DestroyingTheMonitorDuringAScanIsSafe) {
+    // The scan ends during the destruction, or just before it with its
+    // result waiting in the event queue: either way nothing may touch the
+    // dead monitor (the sanitizers watch this).
+    ScriptedScan scan;
+    ManualClock clock;
+    auto monitor = std::make_unique<CodexProcessMonitor>(scan.function(), clock.function());
+    scan.returns({sample(1, 5.0, 1.0)});
     scan.hold();
-    monitor.refresh();
+    monitor->start();
     ASSERT_TRUE(QTest::qWaitFor([&] { return scan.started() == 1; }, 20000));
-    NoticeRecorder recorder(monitor);
-    for (int wakeUp = 0; wakeUp < 3; ++wakeUp) {
-        monitor.refresh();
-        monitor.wakeUpForTesting();
-        QCoreApplication::processEvents();
-    }
-    EXPECT_TRUE(monitor.isRefreshing());
-    EXPECT_EQ(recorder.notices, QStringList()) << recorder.notices.join(u'\n').toStdString();
-
-    scan.release();
-    ASSERT_TRUE(waitForRefreshToEnd(monitor));
+    // The destructor waits for a held scan, so release it from elsewhere.
+    std::thread releaser([&] {
+        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+        scan.release();
+    });
+    monitor.reset();
+    releaser.join();
     QCoreApplication::processEvents();
     EXPECT_EQ(scan.started(), 1);
-    EXPECT_EQ(refreshes.size(), 1);
-
-    monitor.wakeUpForTesting();
-    EXPECT_TRUE(monitor.isRefreshing());
-    ASSERT_TRUE(waitForRefreshToEnd(monitor));
-    EXPECT_EQ(scan.started(), 2);
-    EXPECT_EQ(refreshes.size(), 2);
-}
-
-// Whatever the scan throws becomes the error text; the loop goes on, the
-// failure clears the history, and the next success clears the error.
-TEST(ScanFailure, BecomesTheErrorTextThenSuccessClearsIt) {
-    using Samples = QList<DetectedProcessSample>;
-    const struct {
-        const char* name;
-        ScriptedScan::Behaviour behaviour;
-        QString expected;
-    } cases[] = {
-        {"snapshot error: its message",
-         []() -> Samples {
-             throw ProcessSnapshotError(kProcessMonitorErrorDomain, 2,
-                                        QStringLiteral("ps failed with exit code 2"));
-         },
-         QStringLiteral("ps failed with exit code 2")},
-        {"snapshot error with an empty message",
-         []() -> Samples { throw ProcessSnapshotError(kProcessMonitorErrorDomain, 1, QString()); },
-         QString()},
-        {"standard exception: its what()",
-         []() -> Samples { throw std::runtime_error("cannot read /proc"); },
-         QStringLiteral("cannot read /proc")},
-        {"anything else: a fixed text", []() -> Samples { throw 42; },
-         QStringLiteral("Unknown error while reading the process table")},
-    };
-    for (const auto& testCase : cases) {
-        SCOPED_TRACE(testCase.name);
-        ScriptedMonitor scripted;
-        const CodexProcessMonitor& monitor = scripted.monitor;
-        ASSERT_TRUE(scripted.refreshWith({sample(5, 50.0, 10.0)}));
-        ASSERT_EQ(monitor.matches().value(0).status, ProcessActivityStatus::running);
-
-        scripted.scan.setBehaviour(testCase.behaviour);
-        ASSERT_TRUE(refreshAt(scripted.monitor, scripted.clock, 2000));
-        EXPECT_EQ(monitor.lastError(), testCase.expected);
-        EXPECT_TRUE(monitor.matches().isEmpty());
-        EXPECT_TRUE(monitor.historyByPID().isEmpty());
-
-        // Within the grace period and with grown CPU time, but judged as new.
-        ASSERT_TRUE(scripted.refreshWith({sample(5, 0.0, 20.0)}, {}, 4000));
-        EXPECT_FALSE(monitor.lastError());
-        ASSERT_EQ(monitor.matches().size(), 1);
-        EXPECT_EQ(monitor.matches()[0].status, ProcessActivityStatus::idle);
-    }
-}
-
-TEST(MonitorLifetime, DestroyingTheMonitorDuringAScanIsSafe) {
-    // Whether the scan ends during the destruction or its result already
-    // waits in the event queue, nothing may touch the dead monitor (the
-    // sanitizers watch this).
-    for (const bool heldUntilDestruction : {true, false}) {
-        SCOPED_TRACE(heldUntilDestruction ? "scan released during destruction"
-                                          : "result waiting in the queue");
-        ScriptedScan scan;
-        ManualClock clock;
-        auto monitor = std::make_unique<CodexProcessMonitor>(scan.function(), clock.function());
-        scan.returns({sample(1, 5.0, 1.0)});
-        if (heldUntilDestruction)
-            scan.hold();
-        monitor->start();
-        ASSERT_TRUE(QTest::qWaitFor([&] { return scan.started() == 1; }, 20000));
-        // The destructor waits for a held scan, so release it from elsewhere.
-        std::thread releaser([&] {
-            std::this_thread::sleep_for(std::chrono::milliseconds(50));
-            scan.release();
-        });
-        monitor.reset();
-        releaser.join();
-        QCoreApplication::processEvents();
-        EXPECT_EQ(scan.started(), 1);
-    }
 }
 
 } // namespace

@@ -7,97 +7,47 @@
 namespace brenvik::test {
 namespace {
 
-// The waiting forms, which the monitor cases below do not reach.
-TEST(DetailText, WaitingProjects) {
-    const struct {
-        CodexRunState state;
-        QString expected;
-    } cases[] = {
-        {CodexRunState::observed(1, 0, 0, 1, {u"brenvik"_qs}),
-         QStringLiteral("1 Codex process waiting in brenvik")},
+// brenvik-status's text tests and golden files hold the detail lines of no
+// process, one process, a mix and a failure as well.
+TEST(RunStateTexts, SummaryAndDetail) {
+    const std::tuple<CodexRunState, const char16_t*, const char16_t*> cases[] = {
+        {CodexRunState::idle(), u"No Codex CLI process detected", u"No Codex CLI process detected"},
+        {CodexRunState::observed(2, 2, 0), u"2 running", u"2 Codex processes running"},
+        {CodexRunState::observed(3, 1, 2), u"3 total \u00B7 1 running \u00B7 2 idle",
+         u"3 total \u00B7 1 running \u00B7 2 idle"},
+        {CodexRunState::error(u"ps failed"_qs), u"Process detection failed",
+         u"Codex process detection failed: ps failed"},
+        {CodexRunState::observed(1, 0, 0, 1, {u"brenvik"_qs}), u"1 waiting",
+         u"1 Codex process waiting in brenvik"},
         {CodexRunState::observed(4, 1, 1, 2, {u"brenvik"_qs, u"~"_qs}),
-         QStringLiteral("4 total \u00B7 1 running \u00B7 2 waiting \u00B7 1 idle \u2014 waiting in "
-                        "brenvik, ~")},
+         u"4 total \u00B7 1 running \u00B7 2 waiting \u00B7 1 idle",
+         u"4 total \u00B7 1 running \u00B7 2 waiting \u00B7 1 idle \u2014 waiting in brenvik, ~"},
         {CodexRunState::observed(2, 0, 1, 1, {u"infra"_qs}),
-         QStringLiteral("2 total \u00B7 1 waiting \u00B7 1 idle \u2014 waiting in infra")},
+         u"2 total \u00B7 1 waiting \u00B7 1 idle",
+         u"2 total \u00B7 1 waiting \u00B7 1 idle \u2014 waiting in infra"},
     };
-    for (const auto& c : cases)
-        EXPECT_EQ(detailText(c.state), c.expected);
-}
-
-QString describe(const CodexRunState& state) {
-    if (const auto* observed = state.asObserved())
-        return QStringLiteral("%1/%2/%3")
-            .arg(observed->total)
-            .arg(observed->running)
-            .arg(observed->idle);
-    return state.asError() ? u"error: "_qs + state.asError()->message : u"idle"_qs;
-}
-
-// The run state of the published matches (or failure), and its texts. The
-// run state is described as its kind and figures.
-TEST(RunStateAndSummary, FollowThePublishedState) {
-    const QString noProcess = QStringLiteral("No Codex CLI process detected");
-    const QString mixed = QStringLiteral("3 total \u00B7 1 running \u00B7 2 idle");
-    const QString failed = QStringLiteral("Process detection failed");
-    constexpr auto idle = ProcessActivityStatus::idle, running = ProcessActivityStatus::running;
-    const struct {
-        const char* name;
-        QList<ProcessActivityStatus> matches;
-        std::optional<QString> failure;
-        QString summary;
-        QString detail;
-        QString runState; // "idle", "error: text" or "total/running/idle"
-    } cases[] = {
-        {"no match", {}, std::nullopt, noProcess, noProcess, u"idle"_qs},
-        {"one match, idle",
-         {idle},
-         std::nullopt,
-         QStringLiteral("1 idle"),
-         QStringLiteral("1 Codex process idle"),
-         u"1/0/1"_qs},
-        {"two matches, both running",
-         {running, running},
-         std::nullopt,
-         QStringLiteral("2 running"),
-         QStringLiteral("2 Codex processes running"),
-         u"2/2/0"_qs},
-        {"three matches, one running",
-         {idle, running, idle},
-         std::nullopt,
-         mixed,
-         mixed,
-         u"3/1/2"_qs},
-        {"the latest refresh failed",
-         {},
-         QStringLiteral("ps failed with exit code 1"),
-         failed,
-         QStringLiteral("Codex process detection failed: ps failed with exit code 1"),
-         u"error: ps failed with exit code 1"_qs},
-        {"failed with an empty text",
-         {},
-         QString(),
-         failed,
-         QStringLiteral("Codex process detection failed: "),
-         u"error: "_qs},
-    };
-    for (const auto& testCase : cases) {
-        QList<ProcessMatch> matches;
-        for (const ProcessActivityStatus status : testCase.matches) {
-            matches.append(ProcessMatch());
-            matches.last().status = status;
-        }
-        const CodexRunState state = runStateOf(matches, testCase.failure);
-        EXPECT_EQ(summaryText(state, false), testCase.summary) << testCase.name;
-        EXPECT_EQ(detailText(state), testCase.detail) << testCase.name;
-        EXPECT_EQ(describe(state), testCase.runState) << testCase.name;
+    for (const auto& [state, summary, detail] : cases) {
+        EXPECT_EQ(summaryText(state, false), QStringView(summary));
+        EXPECT_EQ(detailText(state), QStringView(detail));
     }
-    EXPECT_EQ(summaryText(CodexRunState::idle(), true),
-              QStringLiteral("Checking for Codex CLI processes\u2026"));
+    EXPECT_EQ(summaryText(CodexRunState::idle(), true), u"Checking for Codex CLI processes\u2026");
+}
+
+// Waiting sessions count apart and name their projects; a failure, even one
+// without a text, replaces the matches.
+TEST(RunStateTexts, RunStateOfTheMatches) {
+    QList<ProcessMatch> matches(4);
+    matches[1].status = ProcessActivityStatus::running;
+    matches[2].status = ProcessActivityStatus::waiting;
+    matches[2].cwd = u"/srv/infra"_qs;
+    EXPECT_EQ(detailText(runStateOf(matches, std::nullopt)),
+              u"4 total \u00B7 1 running \u00B7 1 waiting \u00B7 2 idle \u2014 waiting in infra");
+    EXPECT_EQ(detailText(runStateOf(matches, QString())), u"Codex process detection failed: ");
+    EXPECT_TRUE(runStateOf({}, std::nullopt).isIdle());
 }
 
 // Until a refresh has ended, the monitor says it is checking.
-TEST(RunStateAndSummary, CheckingUntilTheFirstRefreshEnds) {
+TEST(RunStateTexts, CheckingUntilTheFirstRefreshEnds) {
     ScriptedMonitor scripted;
     EXPECT_EQ(scripted.monitor.summary(), summaryText(CodexRunState::idle(), true));
     ASSERT_TRUE(scripted.refreshWith({}));
