@@ -32,8 +32,7 @@ TEST(CodexRecognition, RoleByCommand) {
             {Role::headless,
              {u"node /usr/lib/node_modules/@openai/codex/bin/codex.js exec -s workspace-write hi",
               u"/p/@openai/codex/vendor/x86_64-unknown-linux-musl/codex/codex e fix",
-              u"/p/@openai/codex/bin/codex-x86_64-unknown-linux-musl review", u"codex app-server",
-              u"codex mcp-server"}},
+              u"/p/@openai/codex/bin/codex-x86_64-unknown-linux-musl review", u"codex app-server"}},
             {Role::interactive,
              {u"/usr/lib/node_modules/@openai/codex/node_modules/@openai/codex-linux-x64/vendor/"
               u"x86_64-unknown-linux-musl/bin/codex -a on-request -s workspace-write",
@@ -63,8 +62,7 @@ TEST(CodexRecognition, RoleByCommand) {
             {Role::none,
              {u"node /p/node_modules/.bin/acpx claude exec hi", u"vim /home/u/.codex/config.toml",
               u"git clone https://github.com/openai/codex", u"less /home/u/proj/codex",
-              u"make -C /home/u/proj/codex test", u"tmux new cd x && codex",
-              u"bash -c codex exec hi", u"grep -r codex /users/me/.codex/",
+              u"tmux new cd x && codex", u"bash -c codex exec hi",
               u"npm exec @zed-industries/codex-acp", u"/users/me/src/codex-site/server", u"",
               u"node /home/u/src/codex-acp/scripts/build.js",
               u"node /p/node_modules/acpx/dist/cli.js claude exec compare with codex output"}},
@@ -102,7 +100,6 @@ TEST(CodexRecognition, WholeArguments) {
         Role expected;
     } cases[] = {
         {{u"codex"_qs, u"help me write tests"_qs}, Role::interactive},
-        {{u"codex"_qs, u"review the auth module"_qs}, Role::interactive},
         {{u"codex"_qs, u"review"_qs}, Role::headless},
         {{u"node"_qs, u"/home/u/My Tools/node_modules/.bin/codex"_qs, u"exec"_qs, u"x"_qs},
          Role::headless},
@@ -119,7 +116,7 @@ TEST(CodexRecognition, LauncherCommands) {
         [](const QString& lowered) { return isLauncherCommand(lowered); },
         {
             {true,
-             {u"npm exec some-tool", u"npm exec @zed-industries/codex-acp",
+             {u"npm exec @zed-industries/codex-acp",
               u"node /usr/lib/node_modules/npm/bin/npx-cli.js codex", u"node /usr/local/bin/acpx",
               u"/usr/bin/node /usr/lib/node_modules/@openai/codex/bin/codex.js",
               u"/p/node_modules/.bin/tsx a.ts", u"x __queue-owner",
@@ -138,10 +135,8 @@ TEST(CodexRecognition, LinkRule) {
         bool expected;
     } cases[] = {
         {"adapter parent links anything", u"node /n/.bin/codex-acp", u"/bin/zsh", true},
-        {"launcher above adapter", u"node /usr/local/bin/acpx", u"codex-acp --stdio", true},
         {"launcher above launcher", u"npm exec x", u"node /p/node_modules/.bin/y", true},
         {"launcher above plain codex", u"npm exec x", u"/opt/homebrew/bin/codex", false},
-        {"program above shim", u"node driver.mjs", u"node /p/.bin/codex exec hi", false},
         {"shell", u"-zsh", u"codex-acp", false},
         {"excluded parent", u"brenvik npm exec codex-acp", u"codex-acp", false},
     };

@@ -36,8 +36,6 @@ struct TreeCase {
 
 const char16_t* const kAdapter = u"npm exec @zed-industries/codex-acp";
 const char16_t* const kAcpx = u"node /usr/local/bin/acpx";
-const char16_t* const kShim = u"node /usr/lib/node_modules/@openai/codex/bin/codex.js exec hi";
-const char16_t* const kNative = u"/usr/lib/node_modules/@openai/codex/vendor/codex";
 const char16_t* const kDaemon = u"/h/.codex/packages/app-server-daemon/releases/1/bin/codex "
                                 u"app-server --listen unix:// --managed-daemon";
 const char16_t* const kSandbox = u"codex-linux-sandbox --sandbox-policy-cwd /w/a";
@@ -48,23 +46,11 @@ TEST(ProcessTree, Sessions) {
         {"lone codex under a shell",
          {row(150, 1, u"-zsh"), row(200, 150, u"/opt/homebrew/bin/codex", 1.5, 3)},
          {sample(200, u"/opt/homebrew/bin/codex", 1.5, 3, false, 1, 1)}},
-        {"tool commands are the session's work, across groups and sessions",
-         {row(200, 150, u"/opt/homebrew/bin/codex", 1, 2), row(201, 200, kSandbox, 0, 0),
-          row(202, 201, u"bwrap --as-pid-1 --new-session", 0, 0),
-          row(203, 202, u"/bin/bash -c cargo build", 0, 1),
-          row(204, 203, u"rustc --crate-name x", 99, 30, u"R")},
-         {sample(200, u"/opt/homebrew/bin/codex", 100, 33, true, 2, 5, u"", 1)}},
-        {"shim and native binary are one session",
-         {row(300, 9, kShim), row(301, 300, kNative, 2, 2), row(9, 1, u"bash")},
-         {sample(300, kShim, 2, 2, false, 2, 2)}},
         {"adapter tree is one session",
          {row(100, 9, kAdapter, 1, 10),
           row(101, 100, u"node /u/.npm/_npx/a1/node_modules/.bin/codex-acp", 2, 20),
           row(102, 101, u"/u/.npm/_npx/a1/lib/codex-acp --stdio", 3, 30), row(9, 1, u"zed")},
          {sample(100, kAdapter, 6, 60, false, 3, 3)}},
-        {"launcher that is no Codex process becomes the root",
-         {row(300, 1, kAcpx, 1, 1), row(301, 300, u"codex-acp --stdio", 2, 2)},
-         {sample(300, kAcpx, 3, 3, false, 2, 2)}},
         {"a launcher of two front-ends roots neither",
          {row(300, 1, kAcpx, 1, 1), row(301, 300, u"codex-acp --stdio", 2, 2),
           row(302, 300, u"codex-acp --stdio", 4, 4)},
@@ -74,11 +60,6 @@ TEST(ProcessTree, Sessions) {
          {row(400, 1, u"codex"), row(401, 400, u"/bin/sh -c x"),
           row(402, 401, u"codex exec run tests", 5, 5)},
          {sample(400, u"codex", 5, 5, false, 2, 3, u"", 1)}},
-        {"a program running sessions is no root of them",
-         {row(500, 1, u"node driver.mjs", 50, 50), row(501, 500, u"codex exec a"),
-          row(502, 500, u"codex exec b")},
-         {sample(501, u"codex exec a", 0, 0, false, 1, 1),
-          sample(502, u"codex exec b", 0, 0, false, 1, 1)}},
         {"the service is no session; short tools neither",
          {row(600, 1, kDaemon, 1, 1), row(601, 1, u"codex login"), row(602, 600, kSandbox)},
          {}},
@@ -140,13 +121,6 @@ QList<ObservedProcess> recordedTable(const QString& name) {
         row.executable = fields[3];
         row.cwd = fields[4];
     }
-    // Beside them, programs that only mention Codex in their arguments.
-    for (const char16_t* other :
-         {u"vim /tmp/codex-e2e/home/.codex/config.toml",
-          u"git clone https://github.com/openai/codex", u"less /home/u/proj/codex",
-          u"make -C /home/u/proj/codex test", u"tmux new cd /tmp/codex-e2e/home/B && codex"})
-        rows.append(test::row(rows.size() + 90000, 1, other));
-    std::sort(rows.begin(), rows.end(), [](const auto& a, const auto& b) { return a.pid < b.pid; });
     return rows;
 }
 
@@ -163,8 +137,6 @@ TEST(ProcessTree, RecordedRealCodexTables) {
         {"exec-tool-burning", 23710, "A", true, true},
         {"tui-fresh", 23826, "B", false, false},
         {"tui-tool-burning", 23826, "B", true, true},
-        {"tui-waiting-approval", 23826, "B", false, false},
-        {"tui-idle", 23826, "B", false, false},
         {"tui-after-quit-daemon-alive", 0, "", false, false},
         {"acpx-tool-burning", 24036, "C", true, true},
     };
