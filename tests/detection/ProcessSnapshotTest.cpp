@@ -27,9 +27,6 @@ TEST(ProcessLineParsing, Cases) {
         {"tabs and Unicode spaces separate, NBSP trimmed",
          u"7\t\u3000 3 R+\u20031.5 1:00 a\tb\u00a0", row(7, 3, u"a\tb", 1.5, 60, u"R+")},
         {"five columns and trailing blanks", u"501 1 Ss 0.0 0:01.23   ", std::nullopt},
-        {"blank line", u" \t ", std::nullopt},
-        {"pid not an integer", u"abc 1 S 0.0 0:00.00 x", std::nullopt},
-        {"ppid not an integer", u"1 1.0 S 0.0 0:00.00 x", std::nullopt},
         {"pid with a trailing letter", u"12a 1 S 0.0 0:00.00 x", std::nullopt},
         {"pid with two signs", u"+-12 1 S 0.0 0:00.00 x", std::nullopt},
         {"non-ASCII digits", u"\u0661\u0662 1 S 0.0 0:00.00 x", std::nullopt},
@@ -38,7 +35,6 @@ TEST(ProcessLineParsing, Cases) {
         {"signed extremes", u"+9223372036854775807 -9223372036854775808 S 0.0 0 x",
          row(std::numeric_limits<qint64>::max(), std::numeric_limits<qint64>::min(), u"x")},
         {"cpu not a number counts 0", u"12 1 S n/a 0:00.00 x", row(12, 1, u"x")},
-        {"cpu with decimal comma counts 0", u"12 1 S 0,5 0:00.00 x", row(12, 1, u"x")},
         {"cpu with exponent and sign", u"12 1 S +1e2 0:00.00 x", row(12, 1, u"x", 100)},
         {"cpu beyond double's range", u"12 1 S 1e400 -1e-400 x",
          row(12, 1, u"x", std::numeric_limits<double>::infinity(), 0)},
@@ -53,16 +49,8 @@ TEST(CPUTimeParsing, ClockForms) {
         const char16_t* text;
         double seconds;
     } cases[] = {
-        {u"0:00.52", 0.52},
-        {u"12:34.56", 754.56},
-        {u"1:02:03", 3723},
-        {u"1-02:03:04", 93784},
-        {u"3-00:00", 259200},
-        {u"7", 7},
-        {u" \t7\n", 7},
-        {u":", 0},
-        {u"", 0},
-
+        {u"0:00.52", 0.52},   {u"1:02:03", 3723}, {u"1-02:03:04", 93784},
+        {u"3-00:00", 259200}, {u" \t7\n", 7},     {u":", 0},
     };
     for (const auto& c : cases) {
         const QString text = QString::fromUtf16(c.text);
@@ -73,11 +61,10 @@ TEST(CPUTimeParsing, ClockForms) {
 TEST(PsProcessTable, ExitStatusOutputAndLaunchFailures) {
     // Shell scripts standing in for ps, in a private folder.
     const test::ScratchDir dir("fake-ps");
-    const auto script = [&](const char* name, const QByteArray& body,
-                            QFile::Permissions permissions = QFile::ReadOwner | QFile::ExeOwner) {
+    const auto script = [&](const char* name, const QByteArray& body) {
         const QString file =
             dir.write(dir.path(QLatin1StringView(name)), "#!/bin/sh\n" + body + '\n');
-        QFile::setPermissions(file, permissions | QFile::WriteOwner);
+        QFile::setPermissions(file, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
         return file;
     };
     const struct {
@@ -102,8 +89,6 @@ TEST(PsProcessTable, ExitStatusOutputAndLaunchFailures) {
          QStringList(1000, QStringLiteral("0").repeated(100)).join(u'\n')},
         {"cannot launch: missing", dir.path(u"missing"_qs),
          u"POSIX " + QString::number(ENOENT) + u": " + qt_error_string(ENOENT)},
-        {"cannot launch: not executable", script("h", "exit 0", QFile::ReadOwner),
-         u"POSIX " + QString::number(EACCES) + u": " + qt_error_string(EACCES)},
     };
     for (const auto& c : cases)
         EXPECT_EQ(test::commandsOf([&] { return readProcessTable(c.executable); }), c.expected)
