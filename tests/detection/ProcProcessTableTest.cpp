@@ -104,7 +104,7 @@ TEST_F(ProcSourceTest, RowsFromStatAndCmdline) {
 
 // Each step writes one process, then takes a snapshot 2 s after the last.
 TEST_F(ProcSourceTest, CommandAndCPUFollowedAcrossSnapshots) {
-    const quint64 kthread = ProcStat::kKernelThreadFlag;
+    const quint64 kt = ProcStat::kKernelThreadFlag;
     const struct {
         const char* name;
         FakeProcess process;
@@ -114,32 +114,20 @@ TEST_F(ProcSourceTest, CommandAndCPUFollowedAcrossSnapshots) {
         {"first sight", {20, "node", "node\0a.js"_qba}, u"node a.js"_qs, 0},
         {"same comm keeps the cached text", {20, "node", "node\0b.js"_qba}, u"node a.js"_qs, 0},
         {"exec changed comm", {20, "codex", "codex\0exec"_qba}, u"codex exec"_qs, 0},
-        {"a zombie forgets its command",
-         {20, "codex", "", 0, 1000, 'Z'},
-         u"[codex] <defunct>"_qs,
-         0},
+        {"a zombie forgets it", {20, "codex", "", 0, 1000, 'Z'}, u"[codex] <defunct>"_qs, 0},
         // Mid-exec the new comm shows before the arguments: that text is not kept.
         {"mid-exec", {21, "codex", ""}, u"[codex]"_qs, 0},
         {"arguments arrived", {21, "codex", "codex\0exec"_qba}, u"codex exec"_qs, 0},
-        {"kernel thread",
-         {22, "kworker/1:0", "", 0, 1000, 'I', 2, kthread},
-         u"[kworker/1:0]"_qs,
-         0},
-        {"a kernel thread's empty command line is final",
-         {22, "kworker/1:0", "not read again", 0, 1000, 'I', 2, kthread},
-         u"[kworker/1:0]"_qs,
-         0},
+        {"kernel thread", {22, "kworker", "", 0, 1000, 'I', 2, kt}, u"[kworker]"_qs, 0},
+        // A kernel thread's empty command line is final.
+        {"not read again", {22, "kworker", "x", 0, 1000, 'I', 2, kt}, u"[kworker]"_qs, 0},
         {"CPU at first sight", {30, "busy", "busy", 10}, u"busy"_qs, 0},
         {"1 s of CPU in 2 s", {30, "busy", "busy", 11}, u"busy"_qs, 50},
-        {"reused PID starts afresh, re-reads its command",
-         {30, "busy", "reborn", 11, 5000},
-         u"reborn"_qs,
-         0},
+        // A reused PID starts afresh and its command line is read again.
+        {"reused PID", {30, "busy", "reborn", 11, 5000}, u"reborn"_qs, 0},
         {"gone", {30}, u"<none>"_qs, -1},
-        {"a process missed by one snapshot is not compared",
-         {30, "busy", "reborn", 20, 5000},
-         u"reborn"_qs,
-         0},
+        // A process missed by one snapshot is not compared.
+        {"back after a miss", {30, "busy", "reborn", 20, 5000}, u"reborn"_qs, 0},
     };
     for (const auto& step : steps) {
         put(step.process);

@@ -77,7 +77,6 @@ TEST(ProcessTree, Sessions) {
         {"PID cycle ends the walks",
          {row(800, 801, u"cc"), row(801, 800, u"codex")},
          {sample(801, u"codex", 0, 0, false, 1, 2)}},
-        {"self parent", {row(850, 850, u"codex")}, {sample(850, u"codex", 0, 0, false, 1, 1)}},
         {"the service's work counts for the TUI of its directory",
          {in(row(10, 1, u"codex"), u"/w/a"), in(row(20, 1, u"codex"), u"/w/b"),
           in(row(21, 1, u"codex"), u"/w/c"), in(row(22, 1, u"codex"), u"/w/c"),
