@@ -35,8 +35,6 @@ TEST(SessionLogRobustness, HostileLogs) {
         std::function<void(const LogFile&)> change;
         TurnPhase phase;
     } cases[] = {
-        {"truncated to nothing", kClosedTurn, [](const LogFile& log) { log.truncate(0); },
-         TurnPhase::unknown},
         {"truncated into its open turn", kClosedTurn,
          [](const LogFile& log) { log.truncate(kOpenTurn.size()); }, TurnPhase::awaitingToolOutput},
         {"truncated, then grown past the old size", kOpenTurn,
@@ -51,14 +49,6 @@ TEST(SessionLogRobustness, HostileLogs) {
         {"replaced by another log", kOpenTurn,
          [](const LogFile& log) { log.replace(sessionMeta(0) + taskStarted(5)); },
          TurnPhase::running},
-        {"deleted", kOpenTurn, [](const LogFile& log) { QFile::remove(log.path()); },
-         TurnPhase::unknown},
-        {"replaced by a folder", kOpenTurn,
-         [](const LogFile& log) {
-             QFile::remove(log.path());
-             QDir().mkdir(log.path());
-         },
-         TurnPhase::unknown},
         {"replaced by a FIFO without a writer", kOpenTurn,
          [](const LogFile& log) {
              QFile::remove(log.path());
@@ -73,16 +63,9 @@ TEST(SessionLogRobustness, HostileLogs) {
              log.append(toolCall(2, "c" + fiveMegabytes) + toolOutput(3, "c" + fiveMegabytes));
          },
          TurnPhase::running},
-        {"a 5 MB line of junk, then a close", kOpenTurn,
-         [&](const LogFile& log) { log.append(fiveMegabytes + '\n' + turnAborted(3)); },
-         TurnPhase::idle},
         {"binary junk between good lines", kOpenTurn,
          [](const LogFile& log) { log.append(junk(20000, 1) + '\n' + toolOutput(3, "c1")); },
          TurnPhase::running},
-        {"binary junk only",
-         {},
-         [](const LogFile& log) { log.append(junk(300000, 2)); },
-         TurnPhase::unknown},
         {"unknown events and types", kOpenTurn,
          [](const LogFile& log) {
              log.append(line(3, "event_msg", R"({"type":"task_paused_v9"})") +
@@ -169,7 +152,7 @@ TEST(SessionLogRobustness, AFailureIsLoggedOncePerCause) {
     EXPECT_EQ(reader.update().phase, TurnPhase::awaitingToolOutput);
     ASSERT_TRUE(QFile::remove(log.path()));
     for (int refresh = 0; refresh < 5; ++refresh)
-        reader.update();
+        EXPECT_EQ(reader.update().phase, TurnPhase::unknown);
     qInstallMessageHandler(previous);
     QLoggingCategory::setFilterRules({});
     ASSERT_EQ(messages.size(), 2) << messages.join(u'\n').toStdString();

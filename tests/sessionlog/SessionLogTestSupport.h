@@ -30,17 +30,14 @@ using namespace Qt::StringLiterals;
 
 // Rollout lines shaped as Codex 0.169.0 writes them, with their long values
 // left out. Line `second` carries the timestamp 13:00:<second>.
-inline QByteArray timestampAt(int second) {
-    return "2026-11-23T13:" + QByteArray::number(second / 60).rightJustified(2, '0') + ':' +
-           QByteArray::number(second % 60).rightJustified(2, '0') + ".250Z";
-}
 inline QDateTime timeAt(int second) {
     return QDateTime(QDate(2026, 11, 23), QTime(13, second / 60, second % 60, 250), Qt::UTC);
 }
 
 inline QByteArray line(int second, const QByteArray& type, const QByteArray& payload) {
-    return R"({"timestamp":")" + timestampAt(second) + R"(","ordinal":)" +
-           QByteArray::number(second) + R"(,"type":")" + type + R"(","payload":)" + payload + "}\n";
+    return R"({"timestamp":")" + timeAt(second).toString(Qt::ISODateWithMs).toLatin1() +
+           R"(","ordinal":)" + QByteArray::number(second) + R"(,"type":")" + type +
+           R"(","payload":)" + payload + "}\n";
 }
 
 inline QByteArray sessionMeta(int second, const QByteArray& id = "S1") {
