@@ -25,9 +25,6 @@ TEST(ProcStatParsing, Cases) {
         std::optional<ProcStat> expected;
     } cases[] = {
         {"plain", "42 (bash) S 1" + tail, ProcStat{42, QStringLiteral("bash"), 'S', 1, 7, 3, 900}},
-        {"name with spaces and parentheses", "42 (a) (b c)) R 9" + tail,
-         ProcStat{42, QStringLiteral("a) (b c)"), 'R', 9, 7, 3, 900}},
-        {"empty name", "42 () Z 0" + tail, ProcStat{42, QString(), 'Z', 0, 7, 3, 900}},
         {"fields missing", "42 (bash) S 1 0 0 0 0 0 0 0 0 0 7 3\n", std::nullopt},
         {"two-letter state", "42 (bash) Ss 1" + tail, std::nullopt},
         {"ppid not a number", "42 (bash) S x" + tail, std::nullopt},

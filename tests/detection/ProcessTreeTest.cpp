@@ -43,10 +43,6 @@ const char16_t* const kSandbox = u"codex-linux-sandbox --sandbox-policy-cwd /w/a
 
 TEST(ProcessTree, Sessions) {
     const TreeCase cases[] = {
-        {"no candidate", {row(1, 0, u"/sbin/init"), row(2, 1, u"-zsh")}, {}},
-        {"lone codex under a shell",
-         {row(150, 1, u"-zsh"), row(200, 150, u"/opt/homebrew/bin/codex", 1.5, 3)},
-         {sample(200, u"/opt/homebrew/bin/codex", 1.5, 3, false, 1, 1)}},
         {"adapter tree is one session",
          {row(100, 9, kAdapter, 1, 10),
           row(101, 100, u"node /u/.npm/_npx/a1/node_modules/.bin/codex-acp", 2, 20),

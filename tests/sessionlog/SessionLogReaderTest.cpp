@@ -54,9 +54,6 @@ TEST(SessionLogReader, PhaseFollowsTheTurn) {
         QList<QByteArray> lines;
     } cases[] = {
         {"session_meta only: no turn yet", u"notStarted@0"_s, {}},
-        {"tool call without output",
-         u"awaitingToolOutput@2"_s,
-         {taskStarted(1), toolCall(2, "c1"), tokenCount(3)}},
         {"parallel calls, one answered, and output of an unknown call",
          u"awaitingToolOutput@2"_s,
          {taskStarted(1), toolCall(2, "c1"), toolCall(3, "c2"), toolOutput(4, "c2"),

@@ -42,17 +42,14 @@ inline QByteArray line(int second, const QByteArray& type, const QByteArray& pay
 
 inline QByteArray sessionMeta(int second, const QByteArray& id = "S1") {
     return line(second, "session_meta",
-                R"({"account_scoped":true,"session_id":")" + id + R"(","id":")" + id +
-                    R"(","timestamp":"2026-11-23T13:00:00.000Z","cwd":"/home/u/proj",)"
-                    R"("originator":"codex-tui","cli_version":"0.169.0","source":"cli",)"
-                    R"("base_instructions":{"text":"You are a coding agent…"},)"
-                    R"("history_mode":"paginated"})");
+                R"({"session_id":")" + id + R"(","id":")" + id +
+                    R"(","cwd":"/home/u/proj","originator":"codex-tui","cli_version":"0.169.0",)"
+                    R"("base_instructions":{"text":"You are a coding agent…"}})");
 }
 inline QByteArray taskStarted(int second, const QByteArray& turn = "T1") {
     return line(second, "event_msg",
                 R"({"type":"task_started","turn_attribution":{"turn_id":")" + turn +
-                    R"(","turn_trigger":"exec","parent_turn_id":null},"turn_id":")" + turn +
-                    R"(","started_at":1795440446,"model_context_window":258400})");
+                    R"("},"turn_id":")" + turn + R"(","model_context_window":258400})");
 }
 inline QByteArray taskComplete(int second, const QByteArray& messageJson = "null") {
     return line(second, "event_msg",
