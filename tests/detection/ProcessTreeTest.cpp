@@ -3,7 +3,6 @@
 #include "DetectionTestSupport.h"
 #include "detection/CodexRecognition.h"
 
-#include <QFile>
 #include <gtest/gtest.h>
 #include <vector>
 
@@ -97,61 +96,6 @@ TEST(ProcessTree, HotStates) {
         EXPECT_FALSE(isHotState(cold)) << QString::fromUtf16(cold).toStdString();
 }
 
-// Rows as the /proc source gives them, recorded while the real Codex CLI ran:
-// pid, ppid, state, exe, cwd, command, one process a line.
-QList<ObservedProcess> recordedTable(const QString& name) {
-    QFile file(qEnvironmentVariable("BRENVIK_SOURCE_DIR") +
-               QStringLiteral("/tests/detection/fixtures/real-codex/") + name + u".tsv");
-    EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << name.toStdString();
-    QList<ObservedProcess> rows;
-    for (const QString& line : QString::fromUtf8(file.readAll()).split(u'\n')) {
-        const QStringList fields = line.split(u'\t');
-        if (line.startsWith(u'#') || fields.size() != 6)
-            continue;
-        // Read from the fields: state, executable, cwd and command.
-        ObservedProcess& row = rows.emplace_back();
-        row.pid = fields[0].toLongLong();
-        row.ppid = fields[1].toLongLong();
-        row.state = fields[2];
-        row.command = fields[5];
-        row.executable = fields[3];
-        row.cwd = fields[4];
-    }
-    return rows;
-}
-
-TEST(ProcessTree, RecordedRealCodexTables) {
-    const QString home = QStringLiteral("/tmp/codex-e2e/home/");
-    const struct {
-        const char* table;
-        qint64 root; // 0: no session
-        const char* project;
-        bool busy;     // some process of the tree was running
-        bool commands; // a tool command runs for it
-    } cases[] = {
-        {"exec-thinking", 23710, "A", false, false},
-        {"exec-tool-burning", 23710, "A", true, true},
-        {"tui-fresh", 23826, "B", false, false},
-        {"tui-tool-burning", 23826, "B", true, true},
-        {"tui-after-quit-daemon-alive", 0, "", false, false},
-        {"acpx-tool-burning", 24036, "C", true, true},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.table);
-        const auto sessions = detectCodexProcesses(recordedTable(QString::fromLatin1(c.table)));
-        if (c.root == 0) {
-            EXPECT_TRUE(sessions.isEmpty());
-            continue;
-        }
-        ASSERT_EQ(sessions.size(), 1);
-        EXPECT_EQ(sessions[0].pid, c.root);
-        EXPECT_EQ(sessions[0].cwd, home + QString::fromLatin1(c.project));
-        EXPECT_EQ(sessions[0].hasHotState, c.busy);
-        EXPECT_EQ(sessions[0].runningCommands > 0, c.commands);
-        EXPECT_FALSE(sessions[0].logHolderPIDs.isEmpty()) << "where its log may be open";
-    }
-}
-
 using Role = CodexRole;
 
 // Commands grouped by what a check of their lower-cased text must tell.
@@ -174,8 +118,8 @@ TEST(CodexRecognition, RoleByCommand) {
         [](const QString& lowered) { return codexRole(lowered); },
         {
             // The Codex CLI's own shapes: npm shim and native binary, old npm
-            // layouts, the standalone installer. The service's are the tree
-            // tests' and the recorded tables'.
+            // layouts, the standalone installer. The service's shapes are the
+            // tree cases'.
             {Role::headless,
              {u"node /usr/lib/node_modules/@openai/codex/bin/codex.js exec -s workspace-write hi",
               u"/p/@openai/codex/vendor/x86_64-unknown-linux-musl/codex/codex e fix",
