@@ -201,7 +201,6 @@ TEST(ProcessLineParsing, Cases) {
          u"7\t\u3000 3 R+\u20031.5 1:00 a\tb\u00a0", row(7, 3, u"a\tb", 1.5, 60, u"R+")},
         {"five columns and trailing blanks", u"501 1 Ss 0.0 0:01.23   ", std::nullopt},
         {"pid with a trailing letter", u"12a 1 S 0.0 0:00.00 x", std::nullopt},
-        {"pid with two signs", u"+-12 1 S 0.0 0:00.00 x", std::nullopt},
         {"non-ASCII digits", u"\u0661\u0662 1 S 0.0 0:00.00 x", std::nullopt},
         {"pid beyond 64 bits", u"9223372036854775808 1 S 0.0 0:00.00 x", std::nullopt},
         {"ppid below 64 bits", u"1 -9223372036854775809 S 0.0 0:00.00 x", std::nullopt},

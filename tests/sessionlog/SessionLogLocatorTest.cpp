@@ -20,8 +20,6 @@ TEST(SessionLogPath, Cases) {
         bool expected;
         const char16_t* codexHome = u"";
     } cases[] = {
-        {u"/home/u/.codex/sessions/2026/11/23/rollout-2026-11-23T13-27-26-01a2.jsonl", true,
-         u"/home/u/.codex"},
         {u"/home/u/.codex/sessions/2026/11/23/rollout-2026-11-23T13-27-26-01a2.jsonl (deleted)",
          true, u"/home/u/.codex"},
         {u"/work/sessions/x/sessions/2026/01/02/rollout-x.jsonl", true, u"/work/sessions/x"},
