@@ -1,19 +1,132 @@
+// Session logs: which paths are logs, reading one (also when it is hostile),
+// and finding the log each session holds.
+#include "../detection/DetectionTestSupport.h"
+#include "sessionlog/LogLineScanner.h"
+#include "sessionlog/SessionLogCache.h"
+#include "sessionlog/SessionLogLocator.h"
+#include "sessionlog/SessionLogPath.h"
 #include "sessionlog/SessionLogReader.h"
 
-#include "SessionLogTestSupport.h"
-#include "sessionlog/LogLineScanner.h"
-
+#include <QFile>
 #include <QLoggingCategory>
 #include <functional>
 #include <gtest/gtest.h>
+#include <ostream>
 #include <random>
 #include <sys/stat.h>
 
 namespace brenvik {
+
+inline void PrintTo(TurnPhase phase, std::ostream* out) {
+    constexpr const char* names[] = {"unknown", "notStarted", "idle", "running",
+                                     "awaitingToolOutput"};
+    *out << names[int(phase)];
+}
+
+inline void PrintTo(const SessionLogState& state, std::ostream* out) {
+    PrintTo(state.phase, out);
+    *out << " since "
+         << (state.phaseSince ? state.phaseSince->toString(Qt::ISODateWithMs).toStdString() : "-")
+         << ", message "
+         << (state.lastAgentMessageLine ? state.lastAgentMessageLine->toStdString() : "-")
+         << ", meta " << (state.meta ? state.meta->id.toStdString() : "-");
+}
+
 namespace {
 
 using namespace test;
 using namespace Qt::StringLiterals;
+
+// Rollout lines shaped as Codex 0.169.0 writes them, with their long values
+// left out. Line `second` carries the timestamp 13:00:<second>.
+QDateTime timeAt(int second) {
+    return QDateTime(QDate(2026, 11, 23), QTime(13, second / 60, second % 60, 250), Qt::UTC);
+}
+
+QByteArray line(int second, const QByteArray& type, const QByteArray& payload) {
+    return R"({"timestamp":")" + timeAt(second).toString(Qt::ISODateWithMs).toLatin1() +
+           R"(","ordinal":)" + QByteArray::number(second) + R"(,"type":")" + type +
+           R"(","payload":)" + payload + "}\n";
+}
+
+QByteArray sessionMeta(int second, const QByteArray& id = "S1") {
+    return line(second, "session_meta",
+                R"({"session_id":")" + id + R"(","id":")" + id +
+                    R"(","cwd":"/home/u/proj","originator":"codex-tui","cli_version":"0.169.0",)"
+                    R"("base_instructions":{"text":"You are a coding agent…"}})");
+}
+QByteArray taskStarted(int second, const QByteArray& turn = "T1") {
+    return line(second, "event_msg",
+                R"({"type":"task_started","turn_attribution":{"turn_id":")" + turn +
+                    R"("},"turn_id":")" + turn + R"(","model_context_window":258400})");
+}
+QByteArray taskComplete(int second, const QByteArray& messageJson = "null") {
+    return line(second, "event_msg",
+                R"({"type":"task_complete","turn_id":"T1","last_agent_message":)" + messageJson +
+                    R"(,"duration_ms":3320})");
+}
+QByteArray turnAborted(int second) {
+    return line(second, "event_msg",
+                R"({"type":"turn_aborted","turn_id":"T1","reason":"interrupted"})");
+}
+QByteArray agentMessage(int second, const QByteArray& messageJson) {
+    return line(second, "event_msg", R"({"type":"agent_message","message":)" + messageJson + "}");
+}
+QByteArray toolCall(int second, const QByteArray& callId,
+                    const QByteArray& type = "function_call") {
+    return line(second, "response_item",
+                R"({"type":")" + type +
+                    R"(","id":"fc_1","name":"exec_command",)"
+                    R"("arguments":"{\"cmd\": \"make test\"}","call_id":")" +
+                    callId + R"("})");
+}
+QByteArray toolOutput(int second, const QByteArray& callId,
+                      const QByteArray& outputJson = R"("Process exited with code 0")",
+                      const QByteArray& type = "function_call_output") {
+    return line(second, "response_item",
+                R"({"type":")" + type + R"(","id":"fco_1","call_id":")" + callId +
+                    R"(","output":)" + outputJson + "}");
+}
+QByteArray userMessage(int second, const QByteArray& textJson) {
+    return line(second, "response_item",
+                R"({"type":"message","role":"user","content":[{"type":"input_text","text":)" +
+                    textJson + "}]}");
+}
+QByteArray tokenCount(int second,
+                      const QByteArray& info = R"({"total_token_usage":{"input_tokens":10}})",
+                      const QByteArray& rateLimits = "null") {
+    return line(second, "event_msg",
+                R"({"type":"token_count","info":)" + info + R"(,"rate_limits":)" + rateLimits +
+                    "}");
+}
+
+// A log file in a private scratch folder, written the way Codex writes it.
+class LogFile {
+public:
+    explicit LogFile(const char* name = "rollout-2026-11-23T13-00-00-S1.jsonl")
+        : m_path(m_dir.path(u"sessions/"_s + QLatin1StringView(name))) {}
+
+    [[nodiscard]] const QString& path() const { return m_path; }
+    void append(const QByteArray& bytes) const { m_dir.write(m_path, bytes, true); }
+    // Replaces the file by another one (a new inode), as a rotation does.
+    void replace(const QByteArray& bytes) const {
+        QFile::remove(m_path);
+        QFile::rename(m_dir.write(m_path + u".next", bytes), m_path);
+    }
+    void truncate(qint64 size) const { QFile::resize(m_path, size); }
+
+private:
+    ScratchDir m_dir{"sessions"};
+    QString m_path;
+};
+
+QByteArray readFixture(const char* name) {
+    QFile file(qEnvironmentVariable("BRENVIK_SOURCE_DIR") + u"/tests/sessionlog/data/" +
+               QString::fromLatin1(name));
+    if (!file.open(QIODevice::ReadOnly))
+        qFatal("missing fixture %s", name);
+    return file.readAll();
+}
 
 // Reads the log at once (looking back from the end) and line by line (one
 // update per line); both must tell the same.
@@ -440,6 +553,108 @@ TEST(SessionLogRobustness, ArbitraryLinesNeverBreakTheScanner) {
                 << input.toHex().constData();
         (void)jsonStringText(event.message);
     });
+}
+
+TEST(SessionLogPath, Cases) {
+    const struct {
+        const char16_t* path;
+        bool expected;
+        const char16_t* codexHome = u"";
+    } cases[] = {
+        {u"/home/u/.codex/sessions/2026/11/23/rollout-2026-11-23T13-27-26-01a2.jsonl (deleted)",
+         true, u"/home/u/.codex"},
+        {u"/work/sessions/x/sessions/2026/01/02/rollout-x.jsonl", true, u"/work/sessions/x"},
+        {u"/sessions/2026/01/02/rollout-x.jsonl", true, u"/"},
+        {u"/home/u/.codex/sessions/2026/11/23/rollout-2026-11-23T13-27-26-01a2.jsonl.zst", false},
+        {u"/home/u/.codex/archived_sessions/rollout-2026-11-23T13-27-26-01a2.jsonl", false},
+        {u"/home/u/.codex/sessions/2026/11/23/rollout-.jsonl", false},
+        {u"/home/u/.codex/sessions/2026/11/23/notes-rollout-1.jsonl", false},
+        {u"/home/u/proj/rollout-1.jsonl", false},
+        {u"sessions/2026/11/23/rollout-1.jsonl", false},
+    };
+    for (const auto& c : cases) {
+        EXPECT_EQ(isSessionLogPath(QStringView(c.path)), c.expected)
+            << QString::fromUtf16(c.path).toStdString();
+        EXPECT_EQ(codexHomeOf(QStringView(c.path)), QStringView(c.codexHome))
+            << QString::fromUtf16(c.path).toStdString();
+    }
+}
+
+TEST(SessionLogCache, FollowsEachLogAndForgetsTheUnreferenced) {
+    const LogFile first, second;
+    first.append(sessionMeta(0) + taskStarted(1));
+    second.append(sessionMeta(0) + taskStarted(1) + taskComplete(2));
+    SessionLogCache cache;
+    EXPECT_EQ(cache.stateOf(first.path()).phase, TurnPhase::running);
+    EXPECT_EQ(cache.stateOf(second.path()).phase, TurnPhase::idle);
+    cache.retainOnly({second.path()});
+    EXPECT_EQ(cache.size(), 1);
+}
+
+DetectedProcessSample execSession(qint64 pid, qint64 holder, int startedSecond) {
+    return DetectedProcessSample{.pid = pid,
+                                 .command = QStringLiteral("node codex exec hello"),
+                                 .cwd = QStringLiteral("/home/u/proj"),
+                                 .startedAt = timeAt(startedSecond),
+                                 .logHolderPIDs = {holder}};
+}
+
+// One log with a turn begun, held open by process 101 (or 900, the service).
+class SessionLogLocatorTest : public ::testing::Test {
+protected:
+    std::optional<TurnPhase> phaseOf(const DetectedProcessSample& session) {
+        const auto states = m_locator.statesOf({session});
+        return states.size() == 1 && states[0] ? std::optional(states[0]->phase) : std::nullopt;
+    }
+
+    // PID/fd/N: links to the files a process holds open.
+    ScratchDir m_proc{"proc"};
+    const LogFile m_log;
+    SessionLogLocator m_locator{m_proc.path()};
+};
+
+// codex exec closes its log when its turn is over and may live on, writing
+// its answer: the log it held still tells that the turn is over.
+TEST_F(SessionLogLocatorTest, KeepsTheLogASessionClosedWhileItLives) {
+    m_log.append(sessionMeta(0) + taskStarted(1));
+    m_proc.link(m_log.path(), m_proc.path(101, "fd/44"));
+    EXPECT_EQ(phaseOf(execSession(100, 101, 0)), TurnPhase::running);
+
+    m_log.append(taskComplete(20));
+    QFile::remove(m_proc.path(101, "fd/44"));
+    EXPECT_EQ(phaseOf(execSession(100, 101, 0)), TurnPhase::idle);
+    EXPECT_EQ(phaseOf(execSession(100, 101, 0)), TurnPhase::idle);
+
+    // The same PID started anew is another session, which has no log yet.
+    EXPECT_EQ(phaseOf(execSession(100, 101, 30)), TurnPhase::notStarted);
+
+    // A refresh that went without the old one forgot its log.
+    EXPECT_EQ(phaseOf(execSession(100, 101, 0)), TurnPhase::notStarted);
+
+    // Holders whose files cannot be listed (gone, or another user's) tell nothing.
+    EXPECT_EQ(phaseOf(execSession(200, 201, 0)), std::nullopt);
+}
+
+// A TUI's log is held by the shared service: before its first turn the
+// service holds none for it; where two TUIs share a directory nobody can tell
+// which log is whose, and the log it had is not kept.
+TEST_F(SessionLogLocatorTest, ATerminalSessionHasNoLogBeforeItsFirstTurn) {
+    const LogFile other("rollout-2026-11-23T12-00-00-S0.jsonl");
+    other.append(line(0, "session_meta", R"({"id":"S0","cwd":"/home/u/other"})"));
+    m_proc.link(other.path(), m_proc.path(900, "fd/3"));
+    DetectedProcessSample tui = execSession(100, 900, 0);
+    tui.interactive = true;
+    EXPECT_EQ(phaseOf(tui), TurnPhase::notStarted);
+
+    m_log.append(sessionMeta(0) + taskStarted(1));
+    m_proc.link(m_log.path(), m_proc.path(900, "fd/44"));
+    EXPECT_EQ(phaseOf(tui), TurnPhase::running);
+
+    DetectedProcessSample twin = execSession(300, 900, 5);
+    twin.interactive = true;
+    const auto states = m_locator.statesOf({tui, twin});
+    ASSERT_EQ(states.size(), 2);
+    EXPECT_FALSE(states[0] || states[1]);
 }
 
 } // namespace
