@@ -17,23 +17,6 @@ namespace {
 using namespace std::chrono_literals;
 using test::row;
 
-TEST(ProcStatParsing, Cases) {
-    const QByteArray tail = " 0 0 0 0 0 0 0 0 0 7 3 0 0 20 0 1 0 900 123 456\n";
-    const struct {
-        const char* name;
-        QByteArray contents;
-        std::optional<ProcStat> expected;
-    } cases[] = {
-        {"plain", "42 (bash) S 1" + tail, ProcStat{42, QStringLiteral("bash"), 'S', 1, 7, 3, 900}},
-        {"fields missing", "42 (bash) S 1 0 0 0 0 0 0 0 0 0 7 3\n", std::nullopt},
-        {"two-letter state", "42 (bash) Ss 1" + tail, std::nullopt},
-        {"ppid not a number", "42 (bash) S x" + tail, std::nullopt},
-        {"no closing parenthesis", "42 (bash S 1" + tail, std::nullopt},
-    };
-    for (const auto& c : cases)
-        EXPECT_EQ(parseProcStat(c.contents), c.expected) << c.name;
-}
-
 // What the fake /proc holds for one process: its stat and cmdline.
 struct FakeProcess {
     qint64 pid;
@@ -90,7 +73,18 @@ TEST_F(ProcSourceTest, RowsFromStatAndCmdline) {
     put({10, "we(ird) )name", "node\0/x/codex\0--fast\0\0"_qba, 3, 1000, 'R', 3});
     put({12, "bad", "a\xff\0b \0\tc\nd\x01\x7f"_qba});
     put({15, "", "nameless", 0, 0});
-    m_proc.write(m_proc.path(13, "stat"), "garbage");
+    // Stat files that do not parse make no row: garbage, too short, a
+    // two-letter state, a ppid that is no number, no closing parenthesis.
+    const QByteArray tail = " 0 0 0 0 0 0 0 0 0 7 3 0 0 20 0 1 0 900 123 456\n";
+    const QByteArray unparsable[] = {"garbage", "17 (bash) S 1 0 0 0 0 0 0 0 0 0 7 3\n",
+                                     "18 (bash) Ss 1" + tail, "19 (bash) S x" + tail,
+                                     "20 (bash S 1" + tail};
+    qint64 pid = 16;
+    for (const QByteArray& stat : unparsable) {
+        m_proc.write(m_proc.path(pid, "stat"), stat);
+        m_proc.write(m_proc.path(pid, "cmdline"), "x");
+        ++pid;
+    }
     m_proc.write(m_proc.path(14, "status"), "no stat file: vanished");
     snapshotAfter(0ms);
 
