@@ -150,42 +150,38 @@ TEST(CodexRecognition, RoleByCommand) {
 }
 
 // Under another name the file that runs tells; nor does the program itself
-// make a Codex process.
-TEST(CodexRecognition, RoleByTheFileThatRuns) {
+// make a Codex process. Where the source keeps each argument whole, a prompt
+// is never a subcommand.
+TEST(CodexRecognition, RoleByTheFileThatRunsAndWholeArguments) {
     const struct {
-        const char16_t* command;
+        QStringList arguments;
         const char16_t* executable;
         Role expected;
     } cases[] = {
-        {u"codex", u"/home/linuxbrew/.linuxbrew/bin/codex-x86_64-unknown-linux-musl",
+        {{u"codex"_qs},
+         u"/home/linuxbrew/.linuxbrew/bin/codex-x86_64-unknown-linux-musl",
          Role::interactive},
-        {u"apply_patch", u"/usr/lib/node_modules/@openai/codex/bin/codex (deleted)", Role::helper},
-        {u"codex exec hi", u"/nix/store/x-codex/bin/.codex-wrapped", Role::headless},
-        {u"/opt/Brenvik/bin/BRENVIK --watch /x/codex", u"/opt/Brenvik/bin/codex", Role::none},
-        {u"node server.js", u"/usr/bin/node", Role::none},
-    };
-    for (const auto& c : cases) {
-        const QString command = QString::fromUtf16(c.command);
-        EXPECT_EQ(codexRole(lowerCasedCommand(command), QString::fromUtf16(c.executable)),
-                  c.expected)
-            << command.toStdString();
-    }
-}
-
-// Where the source keeps each argument whole, a prompt is never a subcommand.
-TEST(CodexRecognition, WholeArguments) {
-    const struct {
-        QStringList arguments;
-        Role expected;
-    } cases[] = {
-        {{u"codex"_qs, u"help me write tests"_qs}, Role::interactive},
-        {{u"codex"_qs, u"review"_qs}, Role::headless},
+        {{u"apply_patch"_qs},
+         u"/usr/lib/node_modules/@openai/codex/bin/codex (deleted)",
+         Role::helper},
+        {{u"codex"_qs, u"exec"_qs, u"hi"_qs},
+         u"/nix/store/x-codex/bin/.codex-wrapped",
+         Role::headless},
+        {{u"/opt/Brenvik/bin/BRENVIK"_qs, u"--watch"_qs, u"/x/codex"_qs},
+         u"/opt/Brenvik/bin/codex",
+         Role::none},
+        {{u"node"_qs, u"server.js"_qs}, u"/usr/bin/node", Role::none},
+        {{u"codex"_qs, u"help me write tests"_qs}, u"", Role::interactive},
+        {{u"codex"_qs, u"review"_qs}, u"", Role::headless},
         {{u"node"_qs, u"/home/u/My Tools/node_modules/.bin/codex"_qs, u"exec"_qs, u"x"_qs},
+         u"",
          Role::headless},
     };
     for (const auto& c : cases) {
         const QString command = c.arguments.join(u' ');
-        EXPECT_EQ(codexRole(lowerCasedCommand(command), {}, c.arguments), c.expected)
+        EXPECT_EQ(
+            codexRole(lowerCasedCommand(command), QString::fromUtf16(c.executable), c.arguments),
+            c.expected)
             << command.toStdString();
     }
 }
