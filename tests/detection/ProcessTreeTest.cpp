@@ -35,7 +35,6 @@ struct TreeCase {
 };
 
 const char16_t* const kAdapter = u"npm exec @zed-industries/codex-acp";
-const char16_t* const kAcpx = u"node /usr/local/bin/acpx";
 const char16_t* const kDaemon = u"/h/.codex/packages/app-server-daemon/releases/1/bin/codex "
                                 u"app-server --listen unix:// --managed-daemon";
 const char16_t* const kSandbox = u"codex-linux-sandbox --sandbox-policy-cwd /w/a";
@@ -48,7 +47,7 @@ TEST(ProcessTree, Sessions) {
           row(102, 101, u"/u/.npm/_npx/a1/lib/codex-acp --stdio", 3, 30), row(9, 1, u"zed")},
          {sample(100, kAdapter, 6, 60, false, 3, 3)}},
         {"a launcher of two front-ends roots neither",
-         {row(300, 1, kAcpx, 1, 1), row(301, 300, u"codex-acp --stdio", 2, 2),
+         {row(300, 1, u"node /usr/local/bin/acpx", 1, 1), row(301, 300, u"codex-acp --stdio", 2, 2),
           row(302, 300, u"codex-acp --stdio", 4, 4)},
          {sample(301, u"codex-acp --stdio", 2, 2, false, 1, 1),
           sample(302, u"codex-acp --stdio", 4, 4, false, 1, 1)}},
@@ -187,19 +186,17 @@ TEST(CodexRecognition, RoleByTheFileThatRunsAndWholeArguments) {
 }
 
 TEST(CodexRecognition, LauncherCommands) {
-    expectEach<bool>(
-        [](const QString& lowered) { return isLauncherCommand(lowered); },
-        {
-            {true,
-             {u"npm exec @zed-industries/codex-acp",
-              u"node /usr/lib/node_modules/npm/bin/npx-cli.js codex", u"node /usr/local/bin/acpx",
-              u"/usr/bin/node /usr/lib/node_modules/@openai/codex/bin/codex.js",
-              u"/p/node_modules/.bin/tsx a.ts", u"x __queue-owner",
-              u"/home/u/openclaw/dist/extensions/acpx/run"}},
-            // npm neither at the start nor with a blank before; a program that
-            // may start sessions, no launcher.
-            {false, {u"/usr/bin/npm exec x", u"node server.js", u"/bin/zsh -l"}},
-        });
+    expectEach<bool>([](const QString& lowered) { return isLauncherCommand(lowered); },
+                     {
+                         {true,
+                          {u"node /usr/lib/node_modules/npm/bin/npx-cli.js codex",
+                           u"/usr/bin/node /usr/lib/node_modules/@openai/codex/bin/codex.js",
+                           u"/p/node_modules/.bin/tsx a.ts", u"x __queue-owner",
+                           u"/home/u/openclaw/dist/extensions/acpx/run"}},
+                         // npm neither at the start nor with a blank before; a program that
+                         // may start sessions, no launcher.
+                         {false, {u"/usr/bin/npm exec x", u"node server.js", u"/bin/zsh -l"}},
+                     });
 }
 
 TEST(CodexRecognition, LinkRule) {

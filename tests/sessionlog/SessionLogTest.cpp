@@ -12,7 +12,6 @@
 #include <functional>
 #include <gtest/gtest.h>
 #include <ostream>
-#include <random>
 #include <sys/stat.h>
 
 namespace brenvik {
@@ -389,14 +388,6 @@ TEST(UsageFigures, HostileAndRealFigures) {
 const QByteArray kOpenTurn = sessionMeta(0) + taskStarted(1) + toolCall(2, "c1");
 const QByteArray kClosedTurn = kOpenTurn + toolOutput(3, "c1") + taskComplete(4, R"("Done")");
 
-QByteArray junk(qsizetype size, unsigned seed) {
-    std::mt19937 random(seed);
-    QByteArray bytes(size, Qt::Uninitialized);
-    for (char& c : bytes)
-        c = char(random());
-    return bytes;
-}
-
 // Hostile logs: each case builds one with a reader following it, changes it,
 // and says what the next update must tell. The sanitizers of the test build
 // turn any out-of-bounds access or overflow into a failure.
@@ -436,8 +427,6 @@ TEST(SessionLogRobustness, HostileLogs) {
         {"a 5 MB tool call, then its output", sessionMeta(0) + taskStarted(1),
          append(toolCall(2, "c" + fiveMegabytes) + toolOutput(3, "c" + fiveMegabytes)),
          TurnPhase::running},
-        {"binary junk between good lines", kOpenTurn,
-         append(junk(20000, 1) + '\n' + toolOutput(3, "c1")), TurnPhase::running},
         {"unknown events and types", kOpenTurn,
          append(line(3, "event_msg", R"({"type":"task_paused_v9"})") +
                 line(4, "world_state", R"({"full":true})") +
@@ -557,7 +546,6 @@ TEST(SessionLogPath, Cases) {
         {u"/home/u/.codex/archived_sessions/rollout-2026-11-23T13-27-26-01a2.jsonl", false},
         {u"/home/u/.codex/sessions/2026/11/23/rollout-.jsonl", false},
         {u"/home/u/.codex/sessions/2026/11/23/notes-rollout-1.jsonl", false},
-        {u"/home/u/proj/rollout-1.jsonl", false},
         {u"sessions/2026/11/23/rollout-1.jsonl", false},
     };
     for (const auto& c : cases) {
