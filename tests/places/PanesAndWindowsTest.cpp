@@ -1,7 +1,6 @@
 // What tmux prints for its panes and clients, and which of them a session is
 // in; which window of a terminal program a session is in, what the program is
 // called, and when no window can be raised.
-#include "PlacesTestSupport.h"
 #include "places/TerminalNames.h"
 #include "places/TerminalWindows.h"
 #include "places/TmuxPanes.h"
@@ -20,29 +19,19 @@ TEST(TmuxPanes, ParsesPaneAndClientLinesAndSkipsWhatIsNeither) {
         QList<TmuxPaneRow> panes;
         QList<TmuxClientRow> clients;
     } cases[] = {
-        {"two panes",
-         "4100 %3 $1 @2 2 1\n4200 %7 $0 @5 10 0\n",
+        {"two panes and two clients; no trailing line break, blank lines",
+         "\n4100 %3 $1 @2 2 1\n300 1764000000 $1 /dev/pts/3\n\n4200 %7 $0 @5 10 0\n"
+         "301 1764000100 $0 /dev/pts/4",
          {{4100, u"%3"_qs, u"$1"_qs, u"@2"_qs, 2, 1}, {4200, u"%7"_qs, u"$0"_qs, u"@5"_qs, 10, 0}},
-         {}},
-        {"no trailing line break, blank lines",
-         "\n4100 %3 $1 @2 2 1",
-         {{4100, u"%3"_qs, u"$1"_qs, u"@2"_qs, 2, 1}},
-         {}},
-        {"a field missing, too many, not a number, not an ID",
-         "4100 %3 $1 @2 2\n4100 %3 $1 @2 2 1 9\nx %3 $1 @2 2 1\n4100 3 $1 @2 2 1\n4100 %3 $1 @x 2 "
-         "1\n",
-         {},
-         {}},
-        {"two clients",
-         "300 1764000000 $1 /dev/pts/3\n301 1764000100 $0 /dev/pts/4\n",
-         {},
          {{300, 1764000000, u"$1"_qs, u"/dev/pts/3"_qs},
           {301, 1764000100, u"$0"_qs, u"/dev/pts/4"_qs}}},
-        {"a control client without a tty, garbage",
-         "300 1764000000 $1\n300 x $1 /dev/pts/3\n",
+        {"a field missing, too many, not a number, not an ID; a control client without a tty; "
+         "an error message",
+         "4100 %3 $1 @2 2\n4100 %3 $1 @2 2 1 9\nx %3 $1 @2 2 1\n4100 3 $1 @2 2 1\n"
+         "4100 %3 $1 @x 2 1\n300 1764000000 $1\n300 x $1 /dev/pts/3\n"
+         "no server running on /tmp/tmux-1000/default\n",
          {},
          {}},
-        {"an error message", "no server running on /tmp/tmux-1000/default\n", {}, {}},
         {"nothing", "", {}, {}},
     };
     for (const auto& testCase : cases) {
@@ -52,28 +41,19 @@ TEST(TmuxPanes, ParsesPaneAndClientLinesAndSkipsWhatIsNeither) {
     }
 }
 
-using test::process;
+// A process as its ancestry shows it: comm and argv.
+AncestorProcess process(qint64 pid, qint64 ppid, QString name = u"bash"_qs,
+                        QStringList arguments = {}) {
+    return {pid, ppid, std::move(name), std::move(arguments), 1000};
+}
 
 TEST(TmuxPanes, PicksThePaneOfTheNearestAncestorAndTheLatestClient) {
-    const QList<TmuxPaneRow> panes{{50, u"%1"_qs, u"$0"_qs, u"@1"_qs, 1, 0},
-                                   {60, u"%2"_qs, u"$0"_qs, u"@1"_qs, 1, 1},
+    // The session is a pane's own process, in a tmux inside another pane: the
+    // nearer pane. A session below a shell in a pane, and one in no pane at
+    // all, are SessionPlaceFinderTest's.
+    const QList<TmuxPaneRow> panes{{60, u"%2"_qs, u"$0"_qs, u"@1"_qs, 1, 1},
                                    {70, u"%3"_qs, u"$1"_qs, u"@4"_qs, 0, 0}};
-    const struct {
-        const char* name;
-        QList<AncestorProcess> ancestry;
-        std::optional<QString> paneId;
-    } cases[] = {
-        {"root below a shell in the pane",
-         {process(90, 60), process(60, 40), process(40, 1)},
-         u"%2"_qs},
-        {"root is the pane's process", {process(70, 40), process(40, 1)}, u"%3"_qs},
-        {"not in tmux", {process(90, 80), process(80, 1)}, std::nullopt},
-    };
-    for (const auto& testCase : cases) {
-        const auto pane = paneOf(panes, testCase.ancestry);
-        EXPECT_EQ(pane ? std::optional(pane->paneId) : std::nullopt, testCase.paneId)
-            << testCase.name;
-    }
+    EXPECT_EQ(paneOf(panes, {process(70, 65), process(65, 60), process(60, 1)}), panes[1]);
 
     const QList<TmuxClientRow> clients{{300, 100, u"$1"_qs, u"/dev/pts/3"_qs},
                                        {301, 300, u"$1"_qs, u"/dev/pts/4"_qs},
@@ -94,7 +74,6 @@ TEST(TmuxPanes, SocketFromTheServersArguments) {
          {},
          u"/tmp/tmux-1000/default"_qs},
         {"TMUX_TMPDIR", {u"tmux"_qs}, u"/run/t"_qs, u"/run/t/tmux-1000/default"_qs},
-        {"-S PATH", {u"tmux"_qs, u"-S"_qs, u"/x/sock"_qs, u"new"_qs}, {}, u"/x/sock"_qs},
         {"-SPATH after flags", {u"tmux"_qs, u"-2u"_qs, u"-S/x/s"_qs}, {}, u"/x/s"_qs},
         {"-L NAME", {u"tmux"_qs, u"-L"_qs, u"work"_qs, u"new"_qs}, {}, u"/tmp/tmux-1000/work"_qs},
         {"-f takes a value, then -L",
@@ -111,8 +90,9 @@ TEST(TmuxPanes, SocketFromTheServersArguments) {
             << testCase.name;
 }
 
+// "tmux: server" by its name, the only window of a program, a title naming
+// the project and the latest raised window show in SessionPlaceFinderTest.
 TEST(TmuxPanes, TellsTheServerByItsName) {
-    EXPECT_TRUE(isTmux(process(5, 1, u"tmux: server"_qs, {u"tmux"_qs, u"new"_qs})));
     EXPECT_TRUE(isTmux(process(5, 1, u"x"_qs, {u"/usr/bin/tmux"_qs})));
     EXPECT_FALSE(isTmux(process(5, 1, u"bash"_qs, {u"bash"_qs, u"-c"_qs, u"tmux"_qs})));
 }
@@ -121,7 +101,6 @@ TEST(TerminalWindows, PicksTheTitledWindowElseTheLatestAndSaysWhenItGuessed) {
     const QList<ClientWindow> windows{{0x100, 10, u"~/proj/website — bash"_qs, 0},
                                       {0x200, 10, u"notes"_qs, 3},
                                       {0x300, 10, u"work: vim"_qs, 1},
-                                      {0x400, 20, u"xterm"_qs, 2},
                                       {0x500, 0, u"website"_qs, 4}};
     const struct {
         const char* name;
@@ -129,16 +108,10 @@ TEST(TerminalWindows, PicksTheTitledWindowElseTheLatestAndSaysWhenItGuessed) {
         QStringList hints;
         std::optional<WindowChoice> expected;
     } cases[] = {
-        {"the only window of its program", 20, {u"website"_qs}, WindowChoice{0x400, false}},
-        {"the title names the project",
-         10,
-         {u"website"_qs, u"spare"_qs},
-         WindowChoice{0x100, true}},
         {"the title names the tmux session",
          10,
          {u"infra"_qs, u"work"_qs},
          WindowChoice{0x300, true}},
-        {"no title names it: the latest raised", 10, {u"infra"_qs}, WindowChoice{0x200, true}},
         {"a hint too short to mean anything", 10, {u"~"_qs}, WindowChoice{0x200, true}},
         {"no window of its own", 30, {u"website"_qs}, std::nullopt},
         {"a window that names no PID is nobody's", 0, {u"website"_qs}, std::nullopt},
@@ -183,19 +156,13 @@ TEST(TerminalNames, AsUsersKnowThem) {
         QStringList arguments;
         const char* expected;
     } cases[] = {
-        {"xterm", {u"xterm"_qs, u"-e"_qs, u"tmux"_qs}, "xterm"},
-        {"gnome-terminal-", {u"/usr/libexec/gnome-terminal-server"_qs}, "GNOME Terminal"},
         {"gnome-terminal-", {}, "GNOME Terminal"},
         {"code", {u"/usr/share/code/code"_qs, u"--type=zygote"_qs}, "Visual Studio Code"},
-        {"zed-editor", {u"/usr/lib/zed/zed-editor"_qs}, "Zed"},
         {"bash", {u"bash"_qs}, ""},
-        {"sshd", {u"sshd: u@pts/0"_qs}, ""},
-        {"tmux: server", {u"tmux"_qs}, ""},
     };
     for (const auto& testCase : cases) {
-        EXPECT_EQ(
-            terminalName(test::process(5, 1, QString::fromUtf8(testCase.comm), testCase.arguments)),
-            QString::fromUtf8(testCase.expected))
+        EXPECT_EQ(terminalName(process(5, 1, QString::fromUtf8(testCase.comm), testCase.arguments)),
+                  QString::fromUtf8(testCase.expected))
             << testCase.comm;
     }
 }

@@ -2,7 +2,6 @@
 // a fake tmux server and fake windows; each session's place looked up once.
 #include "places/SessionPlaceFinder.h"
 
-#include "PlacesTestSupport.h"
 #include "places/GoToSession.h"
 #include "places/SessionPlaces.h"
 
@@ -32,7 +31,7 @@ struct FakeSystem {
     FakeSystem() {
         const auto add = [this](qint64 pid, qint64 ppid, const char* name, QStringList arguments,
                                 qint64 uid = kUid) {
-            table.insert(pid, test::process(pid, ppid, QString::fromUtf8(name), arguments, uid));
+            table.insert(pid, {pid, ppid, QString::fromUtf8(name), std::move(arguments), uid});
         };
         add(100, 1, "xterm", {u"xterm"_qs});
         add(101, 100, "bash", {u"bash"_qs});
@@ -123,14 +122,8 @@ TEST(SessionPlaceFinder, FindsThePaneAndTheWindow) {
     } cases[] = {
         {"in tmux, shown in an xterm", 202, at(u"xterm", 0x1000, pane(true)), true,
          u"/home/u/website"_qs},
-        {"the same without an X server: the terminal by name", 202,
-         at(u"xterm", std::nullopt, pane(true)), false},
-        {"in a tmux session no client shows", 211, at(u"", std::nullopt, pane(false))},
         {"one of two windows of one program, by its title", 302,
          at(u"GNOME Terminal", 0x2000, std::nullopt, true), true, u"/home/u/proj/infra"_qs},
-        {"its title names nothing: the latest raised", 302,
-         at(u"GNOME Terminal", 0x2001, std::nullopt, true), true, u"/srv/x"_qs},
-        {"another user's", 400, nowhere(u"the session belongs to another user")},
         {"ended", 999, nowhere(u"the session has ended")},
         {"nowhere", 500,
          nowhere(u"it runs in no tmux pane and no known terminal; no window was looked for: "
@@ -148,12 +141,9 @@ TEST(SessionPlaceFinder, FindsThePaneAndTheWindow) {
 TEST(GoToSession, SelectsThePaneAndRaisesTheWindow) {
     const QString selectWork = u"select-window -t @1|select-pane -t %1"_qs;
     const QString selectSpare = u"select-window -t @3|select-pane -t %2"_qs;
-    const GoResult went{GoResult::Outcome::went, {}};
-    const auto selected = [](const char16_t* text) {
-        return GoResult{GoResult::Outcome::selected, QString::fromUtf16(text)};
-    };
-    const auto failed = [](const char16_t* text) {
-        return GoResult{GoResult::Outcome::failed, QString::fromUtf16(text)};
+    using enum GoResult::Outcome;
+    const auto goResult = [](GoResult::Outcome outcome, const char16_t* text = u"") {
+        return GoResult{outcome, QString::fromUtf16(text)};
     };
     const struct {
         const char* name;
@@ -165,26 +155,30 @@ TEST(GoToSession, SelectsThePaneAndRaisesTheWindow) {
         QString invokingSocket = {};
         std::optional<SessionPlace> remembered = {};
     } cases[] = {
-        {"in tmux in an xterm", 202, went, selectWork, 0x1000},
+        {"in tmux in an xterm", 202, goResult(went), selectWork, 0x1000},
         {"no X server: the pane, and why not the window", 202,
-         selected(u"In xterm, tmux work:1.0: its pane is selected; the window was not raised: "
+         goResult(selected,
+                  u"In xterm, tmux work:1.0: its pane is selected; the window was not raised: "
                   u"there is no X server (DISPLAY is not set)"),
          selectWork, 0, false},
         {"no terminal shows it", 211,
-         selected(u"In tmux spare:0.0, which no terminal shows: its pane is selected for the next "
-                  u"attach"),
+         goResult(selected,
+                  u"In tmux spare:0.0, which no terminal shows: its pane is selected for the "
+                  u"next attach"),
          selectSpare, 0},
-        {"the terminal that showed it shows another session now", 211, went,
+        {"the terminal that showed it shows another session now", 211, goResult(went),
          selectSpare + u"|switch-client -c /dev/pts/1 -t %2"_qs, 0x1000, true, QString(),
          SessionPlace(u"xterm"_qs, 0x1000, pane(false), false)},
-        {"from a key binding of the same server", 211, went,
+        {"from a key binding of the same server", 211, goResult(went),
          selectSpare + u"|switch-client -t %2"_qs, 0x1000, true, kSocket},
-        {"a window of its own", 302, went, QString(), 0x2001},
+        {"a window of its own: the latest raised", 302, goResult(went), QString(), 0x2001},
         {"another user's", 400,
-         failed(u"Cannot go to the session: the session belongs to another user"), QString(), 0},
+         goResult(failed, u"Cannot go to the session: the session belongs to another user"),
+         QString(), 0},
         {"no tmux and no X server", 302,
-         failed(u"In GNOME Terminal: the window was not raised: there is no X server (DISPLAY is "
-                u"not set)"),
+         goResult(failed,
+                  u"In GNOME Terminal: the window was not raised: there is no X server (DISPLAY "
+                  u"is not set)"),
          QString(), 0, false},
     };
     for (const auto& testCase : cases) {
