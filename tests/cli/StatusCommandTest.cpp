@@ -2,8 +2,6 @@
 // that the test starts and ends itself, held against expected-output files
 // under golden/. Going to a tmux pane is driven end to end in
 // tests/places/go-x11-e2e.sh.
-#include <QCoreApplication>
-#include <QDir>
 #include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>

@@ -13,7 +13,6 @@
 
 #include <QHash>
 #include <gtest/gtest.h>
-#include <memory>
 #include <vector>
 
 namespace brenvik {
