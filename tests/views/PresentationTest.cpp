@@ -145,7 +145,6 @@ TEST(ProcessListPresentation, RowPlaceNamesThePaneThenTheTerminal) {
          u"tmux work:2.1 \u00B7 xterm"_s},
         {"tmux that no terminal shows", {QString(), std::nullopt, pane, false}, u"tmux work:2.1"_s},
         {"an editor", {u"Zed"_s, 0x1600003, std::nullopt, true}, u"Zed"_s},
-        {"unknown", {}, QString()},
     };
     for (const auto& [name, place, expected] : cases)
         EXPECT_EQ(processRowPlace(place), expected) << name;
