@@ -32,10 +32,9 @@ xdotool set_num_desktops 2
 # two: window 0 a shell and the session infra (pane 0.1), window 1 a shell, shown.
 printf '#!/bin/sh\nsleep 600\n' >"$dir/codex"
 chmod +x "$dir/codex"
-mkdir "$dir/website" "$dir/infra" "$dir/docs"
+mkdir -p "$dir/website" "$dir/infra" "$dir/docs" "$dir/bin" "$dir/home/.codex/sessions/2026/11/24"
 # website: `codex exec` in a turn, holding its session log open as Codex does
 # (bash under Codex's name: its -c takes a value as Codex's does).
-mkdir -p "$dir/bin" "$dir/home/.codex/sessions/2026/11/24"
 cp "$(command -v bash)" "$dir/bin/codex"
 session_log=$dir/home/.codex/sessions/2026/11/24/rollout-2026-11-24T09-12-00-0196a3f2-5b7c-7e01-9d2a-4c3b2a1f0e9d.jsonl
 log_line() { echo "{\"timestamp\":\"$(date -u +%Y-%m-%dT%H:%M:%S.%3NZ)\",$1}" >>"$session_log"; }
@@ -87,23 +86,31 @@ got
 $(cat "$dir/actual")"
 log "the JSON names each pane and xterm"
 
-go_to() { # go_to PROJECT XTERM DESKTOP SESSION PANE
-    local pid
-    pid=$(awk -v p="$1" '$1 == p { print $2 }' "$dir/places")
-    "$status_command" --go "$pid" >"$dir/go.out" 2>&1 || fail "--go $pid: $(cat "$dir/go.out")"
-    [[ ! -s $dir/go.out ]] || fail "--go $pid said: $(cat "$dir/go.out")"
-    wait_until 10 sh -c "[ \"\$(xdotool getactivewindow 2>/dev/null)\" = $2 ]" ||
-        fail "$1: active window $(xdotool getactivewindow 2>&1), expected $2"
+is_active() { [[ $(xdotool getactivewindow 2>/dev/null) == "$1" ]]; }
+active_window() { # its id and title
+    local id
+    id=$(xdotool getactivewindow 2>&1)
+    echo "$id \"$(xdotool getwindowname "$id" 2>&1)\""
+}
+# brenvik-status --go TARGET, which says nothing when it went.
+go() {
+    "$status_command" --go "$1" >"$dir/go.out" 2>&1 || fail "--go $1: $(cat "$dir/go.out")"
+    [[ ! -s $dir/go.out ]] || fail "--go $1 said: $(cat "$dir/go.out")"
+}
+arrived() { # arrived HOW XTERM DESKTOP SESSION PANE
+    wait_until 15 is_active "$2" || fail "$1: active window $(active_window), expected $2"
     [[ $(xdotool get_desktop) == "$3" ]] || fail "$1: on desktop $(xdotool get_desktop)"
     xprop -id "$2" WM_STATE | grep -q Normal || fail "$1: its xterm is not restored"
     local pane
     pane=$("${tmux[@]}" display-message -p -t "$4" '#{window_index}.#{pane_index}')
     [[ $pane == "$5" ]] || fail "$1: active pane $pane, expected $5"
-    log "--go to $1: xterm raised on desktop $3, pane $5 active"
+    log "$1: xterm $2 raised on desktop $3, pane $4:$5 active"
 }
-go_to website "$xt1" 1 one 1.1
-go_to infra "$xt2" 0 two 0.1
-go_to docs "$xt1" 1 one 0.1
+for target in "website $xt1 1 one 1.1" "infra $xt2 0 two 0.1" "docs $xt1 1 one 0.1"; do
+    read -r project xterm desktop session pane <<<"$target"
+    go "$(awk -v p="$project" '$1 == p { print $2 }' "$dir/places")"
+    arrived "--go to $project" "$xterm" "$desktop" "$session" "$pane"
+done
 
 out=$("$status_command" --go 1 2>&1) && fail "--go 1 succeeded: $out"
 [[ $out == "brenvik-status: no Codex session has PID 1" ]] || fail "--go 1 said: $out"
@@ -143,31 +150,17 @@ elsewhere() {
     xdotool set_desktop 0
     xdotool windowactivate --sync "$xt2" 2>/dev/null || true
     "${tmux[@]}" select-window -t one:0
-    wait_until 10 sh -c "[ \"\$(xdotool getactivewindow 2>/dev/null)\" = $xt2 ]" ||
-        fail "xterm 2 did not come forward"
+    wait_until 10 is_active "$xt2" || fail "xterm 2 did not come forward"
 }
-active_window() { # its id and title
-    local id
-    id=$(xdotool getactivewindow 2>&1)
-    echo "$id \"$(xdotool getwindowname "$id" 2>&1)\""
-}
-arrived() { # arrived HOW
-    wait_until 15 sh -c "[ \"\$(xdotool getactivewindow 2>/dev/null)\" = $xt1 ]" ||
-        fail "$1: active window $(active_window), expected $xt1"
-    [[ $(xdotool get_desktop) == 1 ]] || fail "$1: on desktop $(xdotool get_desktop)"
-    local pane
-    pane=$("${tmux[@]}" display-message -p -t one '#{window_index}.#{pane_index}')
-    [[ $pane == 1.1 ]] || fail "$1: active pane $pane, expected 1.1"
-    log "$1 went to website: its xterm active on desktop 1, pane 1.1"
-}
+at_website() { arrived "$1 went to website" "$xt1" 1 one 1.1; }
 
 elsewhere
-"$status_command" --go waiting >"$dir/go.out" 2>&1 || fail "--go waiting: $(cat "$dir/go.out")"
-arrived "--go waiting"
+go waiting
+at_website "--go waiting"
 
 elsewhere
 dunstctl action 0
-arrived "the notice's default action"
+at_website "the notice's default action"
 
 # The waiting row: where its violet status capsule is, in the right half of
 # the panel's list (the header's violet marks are above it); a double click
@@ -184,14 +177,14 @@ y=$(row_y)
 ((y > 100)) || fail "no waiting row in the control panel"
 read -r _ _ px py < <(window_geometry "$panel")
 xdotool mousemove $((px + 30)) $((py + y)) click --repeat 2 --delay 60 1
-arrived "a double click on its row"
+at_website "a double click on its row"
 
 elsewhere
 # A click that lands while the window manager is busy can get lost: again, as a person would.
 went_by_menu() {
     choose_from_tray_menu "$icon" first || return 1
-    wait_until 10 sh -c "[ \"\$(xdotool getactivewindow 2>/dev/null)\" = $xt1 ]"
+    wait_until 10 is_active "$xt1"
 }
 went_by_menu || { xdotool key Escape; elsewhere; went_by_menu; } || fail "its tray menu item did not go there"
-arrived "its tray menu item"
+at_website "its tray menu item"
 log "passed"
