@@ -56,17 +56,23 @@ start() { # start LOGFILE COMMAND... ; the PID lands in $started
     pids+=("$started")
 }
 
-# Xvfb at WIDTHxHEIGHT and openbox on it; exports DISPLAY.
-# An Xvfb that named its display but does not answer there is replaced: once
-# seen in CI, with nothing to tell why.
+# Xvfb at WIDTHxHEIGHT and openbox on it; exports DISPLAY. An Xvfb that does
+# not answer is replaced.
 start_x_display() {
-    local attempt
+    local attempt display candidate
     for attempt in 1 2 3; do
-        exec 3>"$work/display"
-        start "$work/xvfb.log" Xvfb -displayfd 3 -screen 0 "$1x24" -nolisten tcp
-        exec 3>&-
-        wait_until 20 test -s "$work/display" || fail "Xvfb did not start: $(cat "$work/xvfb.log")"
-        export DISPLAY=:$(head -n1 "$work/display")
+        # A display number of its own rather than -displayfd's first free one:
+        # in a PID namespace, Xvfb takes another namespace's lock for a stale
+        # one and steals the display from the test that holds it.
+        display=
+        for candidate in $(shuf -i 100-899 -n 20); do
+            [[ -e /tmp/.X11-unix/X$candidate || -e /tmp/.X$candidate-lock ]] && continue
+            display=$candidate
+            break
+        done
+        [[ -n $display ]] || fail "no free X display number"
+        start "$work/xvfb.log" Xvfb ":$display" -screen 0 "$1x24" -nolisten tcp
+        export DISPLAY=:$display
         wait_until 10 xprop -root _NET_SUPPORTING_WM_CHECK >/dev/null 2>&1 && break
         log "Xvfb on $DISPLAY does not answer: $(cat "$work/xvfb.log")"
         kill "$started" 2>/dev/null || true
