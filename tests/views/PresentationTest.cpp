@@ -206,11 +206,5 @@ TEST(PreferencesPresentation, LaunchAtLoginStatusReadsForTheUser) {
     }
 }
 
-TEST(PreferencesPresentation, DockDescriptionFollowsThePreference) {
-    EXPECT_EQ(dockVisibilityDescription(true), u"The app appears in the taskbar while running"_s);
-    EXPECT_EQ(dockVisibilityDescription(false),
-              u"The app runs in the tray and stays out of the taskbar"_s);
-}
-
 } // namespace
 } // namespace brenvik
