@@ -1,5 +1,6 @@
 #include "app/StatusItemController.h"
 
+#include "../monitor/Matches.h"
 #include "tests/app/ShellTestSupport.h"
 
 #include <QApplication>
@@ -47,20 +48,15 @@ TEST_F(StatusItem, PushesOnlyWhatChanged) {
 }
 
 TEST_F(StatusItem, MenuOffersTheSessionsThatWaitOrRunWhenTheyChange) {
-    const auto session = [](qint64 pid, ProcessActivityStatus status) {
-        ProcessMatch match;
-        match.pid = pid;
-        match.status = status;
-        return match;
-    };
+    using test::match;
     using enum ProcessActivityStatus;
     // Name, matches, and whether the menu's sessions are pushed anew.
     const std::tuple<const char*, QList<ProcessMatch>, bool> steps[] = {
         {"first: none", {}, true},
-        {"an idle one is not offered", {session(7, idle)}, false},
-        {"it runs", {session(7, running)}, true},
-        {"it still runs", {session(7, running)}, false},
-        {"another waits", {session(7, running), session(9, waiting)}, true},
+        {"an idle one is not offered", {match(7, idle)}, false},
+        {"it runs", {match(7, running)}, true},
+        {"it still runs", {match(7, running)}, false},
+        {"another waits", {match(7, running), match(9, waiting)}, true},
     };
     for (const auto& [name, matches, pushed] : steps) {
         const qsizetype before = m_surface.sessionItems.size();

@@ -1,6 +1,5 @@
 #include "app/TrayIconPainter.h"
 
-#include <QIcon>
 #include <QImage>
 #include <algorithm>
 #include <cmath>
@@ -89,13 +88,6 @@ TEST(TrayIconPainter, DotCarriesTheStateColourItsBadgeAndWaitingItsTail) {
             EXPECT_EQ(outside, 0) << "badge '" << badge.toStdString() << "' touches the rim";
         }
     }
-}
-
-TEST(TrayIconPainter, IconHoldsEveryPanelSizeAndItsDouble) {
-    const QIcon icon = makeTrayIcon(StateColor::yellow, u"3");
-    const QList<QSize> sizes = icon.availableSizes();
-    for (int size : {16, 22, 24, 32, 44, 48, 64, 96, 128})
-        EXPECT_TRUE(sizes.contains(QSize(size, size))) << size << " px";
 }
 
 } // namespace

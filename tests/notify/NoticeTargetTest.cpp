@@ -1,22 +1,18 @@
 // Which session a notice's default action takes the user to.
 #include "notify/NoticeTarget.h"
 
+#include "../monitor/Matches.h"
+
 #include <gtest/gtest.h>
 
 namespace brenvik {
 namespace {
 
-ProcessMatch session(qint64 pid, ProcessActivityStatus status) {
-    ProcessMatch match;
-    match.pid = pid;
-    match.status = status;
-    return match;
-}
-
 TEST(NoticeTarget, TheFirstThatWaitsElseTheFirstStillThere) {
     using enum ProcessActivityStatus;
-    const QList<ProcessMatch> now{session(1, idle), session(2, waiting), session(3, running),
-                                  session(4, waiting)};
+    using test::match;
+    const QList<ProcessMatch> now{match(1, idle), match(2, waiting), match(3, running),
+                                  match(4, waiting)};
     const std::tuple<const char*, QList<qint64>, std::optional<qint64>> cases[] = {
         {"the first named that waits, not the first in the list", {4, 2}, 4},
         {"a waiting one after others", {1, 3, 2}, 2},

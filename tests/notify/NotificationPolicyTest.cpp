@@ -1,5 +1,6 @@
 // What Brenvik announces as sessions change, and how the notices replace and
 // close one another on the server.
+#include "../monitor/Matches.h"
 #include "notify/DesktopNotifier.h"
 
 #include <gtest/gtest.h>
@@ -17,12 +18,9 @@ QDateTime at(qint64 seconds) {
 
 ProcessMatch session(qint64 pid, ProcessActivityStatus status, qint64 sinceSeconds,
                      const char* project, const char* message = "") {
-    ProcessMatch match;
-    match.pid = pid;
-    match.status = status;
+    ProcessMatch match = test::match(pid, status, u"/home/u/" + QString::fromLatin1(project));
     match.since = at(sinceSeconds);
     match.source = StatusSource::log;
-    match.cwd = QStringLiteral("/home/u/") + QString::fromLatin1(project);
     match.lastMessage = QString::fromLatin1(message);
     return match;
 }

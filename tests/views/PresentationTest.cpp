@@ -1,4 +1,5 @@
 // The pure functions behind the views: what they show, worked out without widgets.
+#include "../monitor/Matches.h"
 #include "views/CommandText.h"
 #include "views/LastUpdatedText.h"
 #include "views/PreferencesPresentation.h"
@@ -19,7 +20,6 @@ TEST(StatusPresentation, ColourBadgeAndWaitingLineFollowTheRunState) {
         {"negative running counts as none", CodexRunState::observed(2, -1, 3), green, u"2"_s, none},
         {"99 groups", CodexRunState::observed(99, 0, 99), green, u"99"_s, none},
         {"100 groups", CodexRunState::observed(100, 5, 95), yellow, u"99+"_s, none},
-        {"thousands, no separators", CodexRunState::observed(12345, 0, 0), green, u"99+"_s, none},
         {"one waits alone", CodexRunState::observed(1, 0, 0, 1, {u"brenvik"_s}), violet, u"1"_s,
          u"Waiting for you: brenvik"_s},
         {"waiting wins over running", CodexRunState::observed(4, 2, 0, 2, {u"a"_s, u"~"_s}), violet,
@@ -36,13 +36,7 @@ TEST(StatusPresentation, ColourBadgeAndWaitingLineFollowTheRunState) {
 
 TEST(StatusPresentation, MenuOffersWaitingThenRunningSessionsAndTheWaitingLineTheFirst) {
     using enum ProcessActivityStatus;
-    const auto session = [](qint64 pid, ProcessActivityStatus status, QString cwd) {
-        ProcessMatch match;
-        match.pid = pid;
-        match.status = status;
-        match.cwd = std::move(cwd);
-        return match;
-    };
+    const auto session = test::match;
     const QString home = u"/home/ada"_s;
     const struct {
         const char* name;
