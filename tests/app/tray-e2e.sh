@@ -71,25 +71,14 @@ panel_is_active() {
     xprop -root _NET_ACTIVE_WINDOW | grep -q "$(printf '0x%x' "$panel")"
 }
 
-# green, yellow, red or other: the most frequent saturated colour of the icon.
-icon_colour() {
-    local id
-    id=$(icon_window) || {
-        echo none
-        return
-    }
-    window_pixels "$id" | awk '
-        { r = $3; g = $4; b = $5 }
-        g > r + 50 && g > b + 50 { n["green"]++; next }
-        r > 180 && g > 140 && b < 90 && r - g < 80 { n["yellow"]++; next }
-        r > g + 90 && r > b + 90 { n["red"]++ }
-        END {
-            best = "other"; max = 5
-            for (k in n) if (n[k] > max) { max = n[k]; best = k }
-            print best
-        }'
+# Whether the icon's dot is green or yellow (the tray icon's own colours).
+icon_is() { # icon_is green|yellow
+    local id rgb="245 194 17"
+    id=$(icon_window) || return 1
+    [[ $1 == green ]] && rgb="46 160 67"
+    # shellcheck disable=SC2086 # R G B
+    (($(pixels_of "$id" $rgb | wc -l) > 20))
 }
-icon_is() { [[ $(icon_colour) == "$1" ]]; }
 
 click_icon() { # click_icon BUTTON
     local w h x y
@@ -130,7 +119,7 @@ wait_until 20 panel_is_mapped || fail "control panel not mapped"
 log "control panel mapped"
 wait_until 20 icon_is_embedded || fail "tray icon not embedded in trayer"
 log "tray icon embedded"
-wait_until 20 icon_is green || fail "icon is $(icon_colour), not green, with no Codex CLI"
+wait_until 20 icon_is green || fail "icon not green with no Codex CLI"
 log "icon green"
 skip_taskbar() { xprop -id "$(panel_window)" _NET_WM_STATE | grep -q _NET_WM_STATE_SKIP_TASKBAR; }
 wait_until 20 skip_taskbar || fail "control panel lacks _NET_WM_STATE_SKIP_TASKBAR"
@@ -198,7 +187,7 @@ sleep 3 # the app is up and waiting; now the panel's tray appears
 icon_is_embedded && fail "an icon without a tray host"
 start_trayer
 wait_until 20 icon_is_embedded || fail "no icon after the tray host started late"
-wait_until 20 icon_is green || fail "late icon is $(icon_colour), not green"
+wait_until 20 icon_is green || fail "late icon not green"
 log "tray host started 3 s after the app: icon embedded and green"
 quit_through_menu
 stop "$trayer_pid"

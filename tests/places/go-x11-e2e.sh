@@ -130,12 +130,6 @@ panel_shown() { panel=$(first_window Brenvik 420); }
 icon_shown() { icon=$(first_window Brenvik 5 64); }
 wait_until 30 panel_shown || fail "no control panel"
 wait_until 30 icon_shown || fail "no tray icon"
-# The pixels of a window within 40 of colour R G B, as "X Y" lines relative to it.
-pixels_of() { # pixels_of WINDOW R G B
-    window_pixels "$1" | awk -v r="$2" -v g="$3" -v b="$4" '
-        function d(p, q) { return p > q ? p - q : q - p }
-        d($3, r) < 40 && d($4, g) < 40 && d($5, b) < 40 { print $1, $2 }'
-}
 # The app has seen website's turn: its icon is the yellow dot.
 icon_is_yellow() { (($(pixels_of "$icon" 245 194 17 | wc -l) > 20)); }
 wait_until 30 icon_is_yellow || fail "the tray icon did not turn yellow for website's turn"

@@ -119,6 +119,12 @@ window_pixels() { # window_pixels WINDOW
     # shellcheck disable=SC2086 # W H X Y
     screen_pixels $geometry
 }
+# The pixels of a window within 40 of colour R G B, as "X Y" lines relative to it.
+pixels_of() { # pixels_of WINDOW R G B
+    window_pixels "$1" | awk -v r="$2" -v g="$3" -v b="$4" '
+        function d(p, q) { return p > q ? p - q : q - p }
+        d($3, r) < 40 && d($4, g) < 40 && d($5, b) < 40 { print $1, $2 }'
+}
 # Clicks the first or the last item of a viewable Qt menu: its topmost or
 # bottommost dark text. The mouse, because keys sent before the menu has
 # grabbed the keyboard go to another window.
