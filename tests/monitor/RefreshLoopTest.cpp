@@ -167,25 +167,30 @@ TEST_F(RefreshLoop, OneScanAtATimeThenEveryIntervalThroughFailures) {
 }
 
 TEST(MonitorLifetime, DestroyingTheMonitorDuringAScanIsSafe) {
-    // The scan ends during the destruction, or just before it with its
-    // result waiting in the event queue: either way nothing may touch the
-    // dead monitor (the sanitizers watch this).
-    ScriptedScan scan;
-    ManualClock clock;
-    auto monitor = std::make_unique<CodexProcessMonitor>(scan.function(), clock.function());
-    scan.returns({sample(1, 5.0, 1.0)});
-    scan.hold();
-    monitor->start();
-    ASSERT_TRUE(QTest::qWaitFor([&] { return scan.started() == 1; }, 20000));
-    // The destructor waits for a held scan, so release it from elsewhere.
-    std::thread releaser([&] {
-        std::this_thread::sleep_for(std::chrono::milliseconds(50));
-        scan.release();
-    });
-    monitor.reset();
-    releaser.join();
-    QCoreApplication::processEvents();
-    EXPECT_EQ(scan.started(), 1);
+    // Whether the scan ends during the destruction or its result already
+    // waits in the event queue, nothing may touch the dead monitor (the
+    // sanitizers watch this).
+    for (const bool heldUntilDestruction : {true, false}) {
+        SCOPED_TRACE(heldUntilDestruction ? "scan released during destruction"
+                                          : "result waiting in the queue");
+        ScriptedScan scan;
+        ManualClock clock;
+        auto monitor = std::make_unique<CodexProcessMonitor>(scan.function(), clock.function());
+        scan.returns({sample(1, 5.0, 1.0)});
+        if (heldUntilDestruction)
+            scan.hold();
+        monitor->start();
+        ASSERT_TRUE(QTest::qWaitFor([&] { return scan.started() == 1; }, 20000));
+        // The destructor waits for a held scan, so release it from elsewhere.
+        std::thread releaser([&] {
+            std::this_thread::sleep_for(std::chrono::milliseconds(50));
+            scan.release();
+        });
+        monitor.reset();
+        releaser.join();
+        QCoreApplication::processEvents();
+        EXPECT_EQ(scan.started(), 1);
+    }
 }
 
 } // namespace
