@@ -1,11 +1,11 @@
 #!/usr/bin/env bash
 # The tray program with a real StatusNotifierItem host: Xfce's panel with its
 # systray plugin, started 5 s after the app (as autostart often has it), under
-# Xvfb and openbox on a private session bus. The item registers with the
-# panel's watcher and its icon shows in the panel; a right click opens the
-# panel's menu with "Open Control Panel", "Refresh Now" and "Quit"; a left
-# click (the panel calls Activate) opens the popover just below the icon;
-# "Quit" from the panel's menu ends the
+# Xvfb and openbox on a private session bus. Started at login, the app shows
+# no control panel. The item registers with the panel's watcher and its icon
+# shows in the panel; a right click opens the panel's menu with "Open Control
+# Panel", "Refresh Now" and "Quit"; a left click (the panel calls Activate)
+# opens the popover just below the icon; "Quit" from the panel's menu ends the
 # app with status 0.
 # Usage: private-session.sh sni-panel-e2e.sh BRENVIK
 set -euo pipefail
@@ -64,6 +64,7 @@ wait_until 30 item_registered || fail "the app's item never registered with the 
 item=$(registered_item)
 item=${item%%/*}
 log "item registered as $item"
+first_window Brenvik 420 >/dev/null && fail "the login start (--autostart) showed the control panel"
 
 # The panel: its window along the top. The icon: the box of saturated pixels
 # in it (the dot in its state colour on the panel's grey).

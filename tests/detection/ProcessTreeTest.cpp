@@ -88,6 +88,24 @@ TEST(ProcessTree, Sessions) {
         EXPECT_EQ(detectCodexProcesses(c.rows), c.expected) << c.name;
 }
 
+// Where a session's log may be open: its own Codex executable (the native
+// binary under its npm shim, not the shim), and for a TUI the service's too.
+TEST(ProcessTree, LogHolders) {
+    const auto running = [](ObservedProcess process) {
+        process.executable = QStringLiteral("/p/@openai/codex/vendor/x86_64/codex/codex");
+        return process;
+    };
+    const auto sessions = detectCodexProcesses(
+        {row(300, 1, u"node /p/@openai/codex/bin/codex.js exec hi"),
+         running(row(301, 300, u"/p/@openai/codex/vendor/x86_64/codex/codex exec hi")),
+         running(row(400, 1, u"codex")), running(row(500, 1, kDaemon))});
+    ASSERT_EQ(sessions.size(), 2);
+    EXPECT_EQ(sessions[0].pid, 300);
+    EXPECT_EQ(sessions[0].logHolderPIDs, QList<qint64>{301});
+    EXPECT_EQ(sessions[1].pid, 400);
+    EXPECT_EQ(sessions[1].logHolderPIDs, (QList<qint64>{400, 500}));
+}
+
 TEST(ProcessTree, HotStates) {
     for (const char16_t* hot : {u"R", u"R+", u"U", u" u", u"D", u"d\n"})
         EXPECT_TRUE(isHotState(hot)) << QString::fromUtf16(hot).toStdString();

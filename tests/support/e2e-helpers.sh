@@ -73,7 +73,10 @@ start_x_display() {
         [[ -n $display ]] || fail "no free X display number"
         start "$work/xvfb.log" Xvfb ":$display" -screen 0 "$1x24" -nolisten tcp
         export DISPLAY=:$display
-        wait_until 10 xprop -root _NET_SUPPORTING_WM_CHECK >/dev/null 2>&1 && break
+        # Ours only while the lock names our Xvfb: one started at the same
+        # moment elsewhere could take the number too.
+        wait_until 10 sh -c "[ \"\$(tr -d ' \n' </tmp/.X$display-lock)\" = $started ] &&
+            xprop -root _NET_SUPPORTING_WM_CHECK" >/dev/null 2>&1 && break
         log "Xvfb on $DISPLAY does not answer: $(cat "$work/xvfb.log")"
         kill "$started" 2>/dev/null || true
         ((attempt < 3)) || fail "no Xvfb answered"
