@@ -1,7 +1,10 @@
-// What Brenvik announces as sessions change, and how the notices replace and
-// close one another on the server.
+// What Brenvik announces as sessions change and as the plan's limits fill,
+// how the notices replace and close one another on the server, and which
+// session a notice's default action goes to.
 #include "../monitor/Matches.h"
 #include "notify/DesktopNotifier.h"
+#include "notify/LimitNoticePolicy.h"
+#include "notify/NoticeTarget.h"
 
 #include <gtest/gtest.h>
 
@@ -154,6 +157,62 @@ TEST(DesktopNotifier, OneNoticePerSessionReplacedAndClosed) {
     quiet.apply({{}, {1}});
     EXPECT_EQ(silent.calls, QStringList{u"notify 1 replaces 0: waiting a"_qs})
         << "no server: nothing to close, nothing retried";
+}
+
+TEST(NoticeTarget, TheFirstThatWaitsElseTheFirstStillThere) {
+    using enum ProcessActivityStatus;
+    using test::match;
+    const QList<ProcessMatch> now{match(1, idle), match(2, waiting), match(3, running),
+                                  match(4, waiting)};
+    const std::tuple<const char*, QList<qint64>, std::optional<qint64>> cases[] = {
+        {"the first named that waits, not the first in the list", {4, 2}, 4},
+        {"a waiting one after others", {1, 3, 2}, 2},
+        {"none waits: the first named", {3, 1}, 3},
+        {"the first named ended: the next still there", {9, 1}, 1},
+        {"all ended", {8, 9}, std::nullopt},
+        {"a notice it no longer knows", {}, std::nullopt},
+    };
+    for (const auto& [name, named, expected] : cases)
+        EXPECT_EQ(noticeTarget(named, now), expected) << name;
+}
+
+const QDateTime kNow = QDateTime(QDate(2026, 11, 24), QTime(12, 0), Qt::LocalTime).toUTC();
+
+// One account's limits; its 5 h window resets `resetInMinutes` after kNow.
+QList<AccountLimits> limitsAt(double fiveHours, double week, QString reached = {},
+                              int resetInMinutes = 60) {
+    const RateLimits limits{RateLimitWindow{fiveHours, 300, kNow.addSecs(resetInMinutes * 60)},
+                            RateLimitWindow{week, 10080, kNow.addDays(3)},
+                            {},
+                            reached,
+                            kNow};
+    return {{QStringLiteral("/h"), limits}};
+}
+
+// Refresh after refresh: each step's name, limits, whether notices are on,
+// the summaries it announces, and its time in minutes after kNow.
+TEST(LimitNoticePolicy, OnceAt90AndOnceReached) {
+    const std::tuple<const char*, QList<AccountLimits>, bool, QStringList, int> steps[] = {
+        {"below 90", limitsAt(42, 13), true, {}, 0},
+        {"passes 90", limitsAt(92, 13), true, {u"Codex 5 h limit at 92 % · resets 13:00"_qs}, 0},
+        {"still above 90", limitsAt(93, 13), true, {}, 0},
+        {"reached", limitsAt(100, 13), true, {u"Codex 5 h limit reached · resets 13:00"_qs}, 0},
+        {"reached again", limitsAt(100, 13, u"rate_limit_reached"_qs), true, {}, 0},
+        {"the week passes 90 while off", limitsAt(100, 91), false, {}, 0},
+        {"on again: the week is not announced late", limitsAt(100, 92), true, {}, 0},
+        {"after the reset: a new period",
+         limitsAt(95, 92, {}, 181),
+         true,
+         {u"Codex 5 h limit at 95 % · resets 15:01"_qs},
+         61},
+    };
+    LimitNoticePolicy policy;
+    for (const auto& [name, limits, enabled, expected, minutes] : steps) {
+        QStringList summaries;
+        for (const LimitNotice& notice : policy.update(limits, enabled, kNow.addSecs(minutes * 60)))
+            summaries << notice.summary;
+        EXPECT_EQ(summaries, expected) << name;
+    }
 }
 
 } // namespace
