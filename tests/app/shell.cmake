@@ -6,8 +6,7 @@ brenvik_add_gtest(brenvik_shell_tests
     ${CMAKE_CURRENT_LIST_DIR}/AppModelTest.cpp
     ${CMAKE_CURRENT_LIST_DIR}/ControlPanelControllerTest.cpp
     ${CMAKE_CURRENT_LIST_DIR}/PopoverPlacementTest.cpp
-    ${CMAKE_CURRENT_LIST_DIR}/StatusItemControllerTest.cpp
-    ${CMAKE_CURRENT_LIST_DIR}/TrayIconPainterTest.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/StatusItemTest.cpp
   LIBS brenvik_shell Qt6::Test)
 target_include_directories(brenvik_shell_tests PRIVATE ${PROJECT_SOURCE_DIR})
 # On a 1280 × 900 laptop screen rather than offscreen's 800 × 600, where the
