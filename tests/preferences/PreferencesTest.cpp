@@ -145,6 +145,7 @@ TEST_F(Preferences, OnlyAStableExecutableCanRegister) {
     const std::tuple<const char*, QString, QStringList, const char*> cases[] = {
         {"relative path", u"brenvik"_s, {}, "is unknown"},
         {"missing file", m_dir.filePath(u"gone"_s), {}, "gone was moved or removed"},
+        {"a folder", m_autostart + u"/.."_s, {}, "was moved or removed"},
         {"replaced while running", m_program + u" (deleted)"_s, {}, "brenvik was moved or removed"},
         {"inside a temporary root", m_program, {m_dir.path()}, "temporary location"},
         {"root is only a prefix", m_program, {m_dir.path() + u"x"_s}, nullptr},

@@ -368,6 +368,8 @@ TEST(UsageFigures, HostileAndRealFigures) {
          tokenCount(3, "null", limits(R"({"used_percent":96})")),
          "100 tokens, 90% left limits 96/?/? - plus @3"},
         {"negative tokens", tokenCount(3, info("-5", "5", "1000"), "null"), before},
+        {"fractional tokens", tokenCount(3, info("5.5", "5", "1000"), "null"), before},
+        {"tokens as a string", tokenCount(3, info(R"("5")", "5", "1000"), "null"), before},
         {"zero window", tokenCount(3, info("5", "5", "0"), "null"), before},
         {"percent over 100", tokenCount(3, "null", limits(R"({"used_percent":1e9})")), before},
         {"reset time huge", tokenCount(3, "null", limits(R"({"used_percent":5,"resets_at":1e30})")),
