@@ -197,26 +197,26 @@ private:
     }
 
     // Children by parent PID: the rows that take part, sorted by (ppid, pid).
+    // The keys are copied beside each index, so the sort compares neighbours
+    // in one array rather than rows scattered over the table.
     void indexChildren() {
         m_byParent.reserve(size_t(m_rows.size()));
         for (qsizetype i = 0; i < m_rows.size(); ++i) {
             if (takesPart(i))
-                m_byParent.push_back(i);
+                m_byParent.push_back({m_rows[i].ppid, m_rows[i].pid, i});
         }
-        std::sort(m_byParent.begin(), m_byParent.end(), [this](qsizetype a, qsizetype b) {
-            return std::pair(m_rows[a].ppid, m_rows[a].pid) <
-                   std::pair(m_rows[b].ppid, m_rows[b].pid);
+        std::sort(m_byParent.begin(), m_byParent.end(), [](const Child& a, const Child& b) {
+            return std::pair(a.ppid, a.pid) < std::pair(b.ppid, b.pid);
         });
     }
 
     template <typename Visit> void forEachChild(qsizetype parent, Visit visit) const {
         const qint64 pid = m_rows[parent].pid;
-        auto it =
-            std::lower_bound(m_byParent.cbegin(), m_byParent.cend(), pid,
-                             [this](qsizetype i, qint64 key) { return m_rows[i].ppid < key; });
-        for (; it != m_byParent.cend() && m_rows[*it].ppid == pid; ++it) {
-            if (*it != parent)
-                visit(*it);
+        auto it = std::lower_bound(m_byParent.cbegin(), m_byParent.cend(), pid,
+                                   [](const Child& child, qint64 key) { return child.ppid < key; });
+        for (; it != m_byParent.cend() && it->ppid == pid; ++it) {
+            if (it->index != parent)
+                visit(it->index);
         }
     }
 
@@ -364,7 +364,12 @@ private:
     QList<QString> m_lowered; // null until needed
     QList<std::pair<qsizetype, CodexRole>> m_codex;
     std::unordered_map<qsizetype, CodexRole> m_roleByIndex;
-    std::vector<qsizetype> m_byParent;
+    struct Child {
+        qint64 ppid;
+        qint64 pid;
+        qsizetype index;
+    };
+    std::vector<Child> m_byParent;
     std::unordered_set<qint64> m_counted; // a process counts for one session only
     QSet<qsizetype> m_tops;               // front-ends below no other Codex process
 };
