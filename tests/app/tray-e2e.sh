@@ -71,13 +71,9 @@ panel_is_active() {
     xprop -root _NET_ACTIVE_WINDOW | grep -q "$(printf '0x%x' "$panel")"
 }
 
-# Whether the icon's dot is green or yellow (the tray icon's own colours).
 icon_is() { # icon_is green|yellow
-    local id rgb="245 194 17"
-    id=$(icon_window) || return 1
-    [[ $1 == green ]] && rgb="46 160 67"
-    # shellcheck disable=SC2086 # R G B
-    (($(pixels_of "$id" $rgb | wc -l) > 20))
+    local id
+    id=$(icon_window) && icon_dot_is "$id" "$1"
 }
 
 click_icon() { # click_icon BUTTON

@@ -131,8 +131,7 @@ icon_shown() { icon=$(first_window Brenvik 5 64); }
 wait_until 30 panel_shown || fail "no control panel"
 wait_until 30 icon_shown || fail "no tray icon"
 # The app has seen website's turn: its icon is the yellow dot.
-icon_is_yellow() { (($(pixels_of "$icon" 245 194 17 | wc -l) > 20)); }
-wait_until 30 icon_is_yellow || fail "the tray icon did not turn yellow for website's turn"
+wait_until 30 icon_dot_is "$icon" yellow || fail "the tray icon did not turn yellow for website's turn"
 # Codex asks to approve a command: a tool call without output.
 log_line '"type":"response_item","payload":{"type":"function_call","name":"exec_command","arguments":"{}","call_id":"call_1"}'
 wait_until 30 sh -c '[ "$(dunstctl count displayed)" -ge 1 ]' || fail "no notice that website waits"

@@ -128,6 +128,13 @@ pixels_of() { # pixels_of WINDOW R G B
         function d(p, q) { return p > q ? p - q : q - p }
         d($3, r) < 40 && d($4, g) < 40 && d($5, b) < 40 { print $1, $2 }'
 }
+# Whether the tray icon WINDOW shows its dot in the icon's own green or yellow.
+icon_dot_is() { # icon_dot_is WINDOW green|yellow
+    local rgb="245 194 17"
+    [[ $2 == green ]] && rgb="46 160 67"
+    # shellcheck disable=SC2086 # R G B
+    (($(pixels_of "$1" $rgb | wc -l) > 20))
+}
 # Clicks the first or the last item of a viewable Qt menu: its topmost or
 # bottommost dark text. The mouse, because keys sent before the menu has
 # grabbed the keyboard go to another window.
