@@ -89,7 +89,7 @@ app_steady_state() {
   mkdir -p "$app_dir/home" "$app_dir/config" "$app_dir/runtime"
   chmod 0700 "$app_dir/runtime"
   export HOME=$app_dir/home XDG_CONFIG_HOME=$app_dir/config XDG_RUNTIME_DIR=$app_dir/runtime QT_QPA_PLATFORM=xcb
-  Xvfb -displayfd 3 -screen 0 1280x800x24 -nolisten tcp 3>"$app_dir/display" >/dev/null 2>&1 &
+  Xvfb -displayfd 3 -screen 0 1280x800x24 -nolisten tcp -noreset 3>"$app_dir/display" >/dev/null 2>&1 &
   helpers+=($!)
   for _ in $(seq 100); do [ -s "$app_dir/display" ] && break; sleep 0.1; done
   export DISPLAY=:$(head -n1 "$app_dir/display")

@@ -24,7 +24,7 @@ export async function startDesktop({ app, dir, home, track, note, until }) {
   await until("the private bus", () => hasOwner(env, "org.freedesktop.DBus"), 20);
 
   // Xvfb picks a free display and writes its number to fd 3.
-  const xvfb = track(spawn("Xvfb", ["-displayfd", "3", "-screen", "0", "1024x700x24", "-nolisten", "tcp"], { env, stdio: ["ignore", "ignore", "ignore", "pipe"] }));
+  const xvfb = track(spawn("Xvfb", ["-displayfd", "3", "-screen", "0", "1024x700x24", "-nolisten", "tcp", "-noreset"], { env, stdio: ["ignore", "ignore", "ignore", "pipe"] }));
   let display = "";
   xvfb.stdio[3].on("data", (d) => (display += d));
   await until("Xvfb's display", () => display.includes("\n"), 20);

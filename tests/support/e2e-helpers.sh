@@ -71,7 +71,9 @@ start_x_display() {
             break
         done
         [[ -n $display ]] || fail "no free X display number"
-        start "$work/xvfb.log" Xvfb ":$display" -screen 0 "$1x24" -nolisten tcp
+        # -noreset: when its last client (the probe below) leaves, Xvfb would
+        # reset and turn away the window manager that connects meanwhile.
+        start "$work/xvfb.log" Xvfb ":$display" -screen 0 "$1x24" -nolisten tcp -noreset
         export DISPLAY=:$display
         # Ours only while the lock names our Xvfb: one started at the same
         # moment elsewhere could take the number too.
@@ -83,7 +85,7 @@ start_x_display() {
     done
     start "$work/openbox.log" openbox --sm-disable
     wait_until 20 sh -c 'xprop -root _NET_SUPPORTING_WM_CHECK | grep -q "window id"' ||
-        fail "openbox did not start"
+        fail "openbox did not start: $(cat "$work/openbox.log")"
 }
 
 # Qt programs on the X display. libxkbcommon-x11 hands strndup() names that are

@@ -30,7 +30,7 @@ await() { # SECONDS COMMAND...: wait_until, or give up with the reason
 }
 
 exec 3>"$work/display"
-Xvfb -displayfd 3 -screen 0 640x200x24 -background none -nolisten tcp >/dev/null 2>&1 &
+Xvfb -displayfd 3 -screen 0 640x200x24 -background none -nolisten tcp -noreset >/dev/null 2>&1 &
 pids+=($!)
 exec 3>&-
 await 20 test -s "$work/display"
